@@ -1,0 +1,7 @@
+# The host's own pixkit as target `pixkit`.
+find_path(PIXKIT_INCLUDE_DIR pixkit/pixkit.h PATHS ${FRAMESINK_PIXKIT}/include NO_DEFAULT_PATH REQUIRED)
+find_library(PIXKIT_LIBRARY pixkit PATHS ${FRAMESINK_PIXKIT}/lib NO_DEFAULT_PATH REQUIRED)
+add_library(pixkit SHARED IMPORTED GLOBAL)
+set_target_properties(pixkit PROPERTIES
+  IMPORTED_LOCATION ${PIXKIT_LIBRARY}
+  INTERFACE_INCLUDE_DIRECTORIES ${PIXKIT_INCLUDE_DIR})

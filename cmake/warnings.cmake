@@ -1,0 +1,9 @@
+# Linked privately by every target of ours: warnings, and the flags that keep the library unloadable.
+add_library(framesink_warnings INTERFACE)
+target_compile_options(framesink_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror=return-type
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+  # Contraction into fused multiply-add would change the bytes that conversion promises.
+  -ffp-contract=off
+  # A UNIQUE symbol would keep the library mapped after dlclose.
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-fno-gnu-unique>)
