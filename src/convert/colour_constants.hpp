@@ -1,0 +1,23 @@
+// The colour matrices as integers, computed from their doubles before any kernel can run.
+#pragma once
+
+#include <cstdint>
+
+namespace framesink {
+
+// YCbCr to RGB, BT.601 studio range: offsets as they are, factors in 2.14 fixed point. `luma`
+// serves all three rows; the factors not named here are zero.
+struct YcbcrToRgbConstants {
+  std::int32_t lumaOffset;
+  std::int32_t cbOffset;
+  std::int32_t crOffset;
+  std::int32_t luma;
+  std::int32_t redFromCr;
+  std::int32_t greenFromCb;
+  std::int32_t greenFromCr;
+  std::int32_t blueFromCb;
+};
+
+extern const YcbcrToRgbConstants ycbcrToRgbConstants;
+
+}  // namespace framesink

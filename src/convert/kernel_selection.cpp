@@ -1,0 +1,56 @@
+#include "convert/kernel_selection.hpp"
+
+#include "convert/kernel_table.hpp"
+#include "convert/planes_to_rgb.hpp"
+#include "convert/ycbcr_to_rgb.hpp"
+
+namespace framesink {
+namespace {
+
+constexpr KernelTable kNoKernels{};
+
+// The three tables of an output format; null for an unknown kind.
+const KernelTable* rgbPlanesTable(std::int32_t inputKind) {
+  switch (inputKind) {
+    case kInputIntensity:
+      return &intensityToRgbKernels;
+    case kInputYcbcr422:
+      return &ycbcrToRgbKernels;
+    case kInputRgb:
+      return &rgbToRgbKernels;
+    default:
+      return nullptr;
+  }
+}
+
+const KernelTable* yuy2Table(std::int32_t inputKind) {
+  switch (inputKind) {
+    case kInputIntensity:
+    case kInputYcbcr422:
+    case kInputRgb:
+      return &kNoKernels;
+    default:
+      return nullptr;
+  }
+}
+
+const KernelTable* kernelsFor(std::int32_t inputKind, std::int32_t outputFormat) {
+  switch (outputFormat) {
+    case kOutputRgbPlanes:
+      return rgbPlanesTable(inputKind);
+    case kOutputYuy2:
+      return yuy2Table(inputKind);
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+ConversionKernel selectConversionKernel(std::int32_t inputKind, std::int32_t outputFormat,
+                                        std::uint32_t dataType) {
+  const KernelTable* kernels = kernelsFor(inputKind, outputFormat);
+  return kernels != nullptr && dataType < kDataTypeCount ? (*kernels)[dataType] : nullptr;
+}
+
+}  // namespace framesink

@@ -1,0 +1,61 @@
+// The one rule that reduces a sample of any type to 0..255.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "convert/sample_types.hpp"
+#include "pixkit/pixkit.h"
+
+namespace framesink {
+
+// Truncation toward zero to 32 bits. NaN, infinities and values out of range become INT32_MIN on
+// every machine: what x86's own conversion yields.
+inline std::int32_t truncateToInt32(double value) {
+  const bool fits = value > -2147483649.0 && value < 2147483648.0;
+  return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
+}
+
+// Scales samples of one type. Made once per plane, so that pixkit's range is read once.
+template <std::uint32_t Id>
+class SampleScale {
+ public:
+  using Sample = SampleOf<Id>;
+
+  SampleScale()
+      : min_(toSingle(videoTraits<Id>::min)), span_(toSingle(videoTraits<Id>::max) - min_) {}
+
+  // Single precision except for the last rounding: to nearest, halves up. Values below the range
+  // give 0, above it 255; NaN, infinities and what leaves 32 bits on the way give 0, white turning
+  // black included. That is the system's own rule.
+  std::uint32_t operator()(Sample sample) const {
+    const float t = (toSingle(sample) - min_) / span_ * 255.0F;
+    const std::int32_t rounded = truncateToInt32(static_cast<double>(t) + 0.5);
+    return static_cast<std::uint32_t>(rounded < 0 ? 0 : rounded > 255 ? 255 : rounded);
+  }
+
+ private:
+  // Through Sample first: pixkit declares int8 ranges as plain char, which is unsigned on some
+  // machines.
+  template <class Value>
+  static float toSingle(Value value) {
+    return static_cast<float>(static_cast<Sample>(value));
+  }
+
+  float min_;
+  float span_;
+};
+
+// Uint8 samples pass unchanged, whatever range pixkit declares for them. Booleans do not: they are
+// scaled like every other type.
+template <>
+class SampleScale<kUint8> {
+ public:
+  std::uint32_t operator()(std::uint8_t sample) const { return sample; }
+};
+
+// The same for a single sample.
+template <std::uint32_t Id>
+std::uint32_t scaleTo8Bit(SampleOf<Id> sample);
+
+}  // namespace framesink

@@ -1,0 +1,24 @@
+// YCbCr 4:2:2 planes to the three 8-bit planes that windows show.
+#pragma once
+
+#include <cstdint>
+
+#include "convert/kernel_table.hpp"
+
+namespace framesink {
+
+// Plane 0 is Y with width * height samples, planes 1 and 2 are Cb and Cr with p * height samples,
+// p = width / 2. All samples are scaled to 8 bits first; both pixels of a pair take the pair's
+// chroma.
+//
+// layout non-zero: column-major planes; out holds R, G and B planes of n = width * height bytes
+// each, in the order of the Y plane. The last column of an odd width is neither read nor written;
+// this is intended. layout zero: row-major planes; each pair becomes six bytes B0 G0 R0 B1 G1 R1.
+// Line r starts at out + r * width although it is 6p bytes long, so every line overwrites the last
+// two thirds of the one before. That stride is the system's own.
+extern const KernelTable ycbcrToRgbKernels;
+
+// One triple in place, (Y, Cb, Cr) to (R, G, B), not clamped. Values up to +-16000 do not overflow.
+void ycbcrToRgb(std::int32_t& y, std::int32_t& cb, std::int32_t& cr);
+
+}  // namespace framesink
