@@ -1,0 +1,34 @@
+#include "display/display_thread.hpp"
+
+#include <cstdio>
+
+namespace framesink {
+
+void DisplayThread::start(const char* name, Body body, void* argument) {
+  body_ = body;
+  argument_ = argument;
+  running_ = true;
+  thread_ = SDL_CreateThread(main, name, this);
+  if (thread_ != nullptr) return;
+  running_ = false;
+  std::fprintf(stderr, "Internal error: SDL_CreateThread failed: %s\n", SDL_GetError());
+}
+
+int DisplayThread::main(void* self) {
+  auto* thread = static_cast<DisplayThread*>(self);
+  thread->id_ = currentThread();
+  thread->body_(thread->argument_);
+  thread->running_ = false;
+  return 0;
+}
+
+bool DisplayThread::awaitEnd(std::chrono::steady_clock::time_point deadline) const {
+  if (thread_ == nullptr) return true;
+  while (running_ || !isThreadGone(id_)) {
+    if (isLost() || std::chrono::steady_clock::now() >= deadline) return false;
+    sleepFor(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+}  // namespace framesink

@@ -1,0 +1,44 @@
+// The life of a display thread that is neither joined nor detached.
+#pragma once
+
+#include <SDL.h>
+
+#include <atomic>
+#include <chrono>
+
+#include "display/platform.hpp"
+
+namespace framesink {
+
+class DisplayThread {
+ public:
+  using Body = void (*)(void* argument);
+
+  // Starts a thread that runs body(argument) and then says farewell. A failure is told on standard
+  // error and leaves no thread.
+  void start(const char* name, Body body, void* argument);
+
+  // From start to farewell.
+  bool isRunning() const { return running_; }
+
+  bool isThisThread() const { return thread_ != nullptr && id_ == currentThread(); }
+
+  // The thread ended without a farewell: this process is a fork of the one it runs in, or the
+  // system ended it.
+  bool isLost() const { return running_ && id_ != 0 && isThreadGone(id_); }
+
+  // Waits until the thread has said farewell and is gone for good, because its code is about to be
+  // unmapped. True at once when there never was one; false at the deadline or when it is lost.
+  bool awaitEnd(std::chrono::steady_clock::time_point deadline) const;
+
+ private:
+  static int main(void* self);
+
+  SDL_Thread* thread_ = nullptr;
+  Body body_ = nullptr;
+  void* argument_ = nullptr;
+  std::atomic<OsThreadId> id_{0};
+  std::atomic<bool> running_{false};
+};
+
+}  // namespace framesink

@@ -1,0 +1,33 @@
+// Sizes and positions as the host passes them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace framesink {
+
+// Pixels.
+struct Size {
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  bool operator==(const Size&) const = default;
+};
+
+// Screen coordinates; signed values in unsigned fields.
+struct Position {
+  std::uint32_t x = 0;
+  std::uint32_t y = 0;
+  bool operator==(const Position&) const = default;
+};
+
+// A window's place and size while it is not full screen.
+struct WindowGeometry {
+  Position position;
+  Size size;
+};
+
+// Bytes of a frame: three 8-bit planes, red, green, blue, one after another, each column by column.
+// The one place where a frame's size is computed; throws std::bad_alloc above 2147483647 bytes.
+std::size_t frameByteCount(Size frame);
+
+}  // namespace framesink

@@ -1,0 +1,67 @@
+#include "display/host_calls.hpp"
+
+#include <array>
+#include <atomic>
+
+#include "display/platform.hpp"
+#include "display/sdl_session.hpp"
+
+namespace framesink {
+namespace {
+
+// Hosts make one call at a time; calls beyond this number at once are counted but not known by
+// thread.
+constexpr std::size_t kKnownCalls = 32;
+
+constinit std::array<std::atomic<OsThreadId>, kKnownCalls> callers{};
+constinit std::atomic<std::uint32_t> callsUnderWay{0};
+constinit std::atomic<bool> ended{false};
+constinit std::atomic<bool> givenUp{false};  // waited in vain once; not again
+
+std::size_t enter(OsThreadId thread) {
+  for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
+    OsThreadId free = 0;
+    if (callers[slot].compare_exchange_strong(free, thread)) return slot;
+  }
+  return kKnownCalls;
+}
+
+bool isCaller(OsThreadId thread) {
+  for (const auto& caller : callers) {
+    if (caller == thread) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+// Counted before `ended` is looked at, as endHostCalls sets `ended` before it looks at the count:
+// one of the two sees the other.
+HostCall::HostCall() : slot_(kKnownCalls) {
+  callsUnderWay.fetch_add(1);
+  open_ = !ended;
+  if (open_) {
+    slot_ = enter(currentThread());
+  }
+}
+
+HostCall::~HostCall() {
+  if (slot_ < kKnownCalls) callers[slot_] = 0;
+  callsUnderWay.fetch_sub(1);
+}
+
+bool endHostCalls() {
+  ended = true;
+  if (isCaller(currentThread()) || sdlGate.isHeldByThisThread() || givenUp) return false;
+  const auto deadline = std::chrono::steady_clock::now() + kLongestUnload;
+  while (callsUnderWay != 0) {
+    if (std::chrono::steady_clock::now() >= deadline) {
+      givenUp = true;
+      return false;
+    }
+    sleepFor(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+}  // namespace framesink

@@ -1,0 +1,37 @@
+// Which threads are inside the exported functions, and the end of all such calls.
+//
+// The library may end while other threads of the host still call it: another thread calls exit(),
+// the host's own exit handlers run after our statics, or Xlib calls exit() from inside one of our
+// SDL calls when the X server dies. What stands here is constant-initialised and never destroyed,
+// so it can be asked at any time.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace framesink {
+
+// One export at work. Tested false when the library has ended: the export then returns at once.
+class HostCall {
+ public:
+  HostCall();
+  ~HostCall();
+  HostCall(const HostCall&) = delete;
+  HostCall& operator=(const HostCall&) = delete;
+
+  explicit operator bool() const { return open_; }
+
+ private:
+  bool open_;
+  std::size_t slot_;
+};
+
+// Longest time that unloading waits for the display and for host calls under way.
+inline constexpr std::chrono::milliseconds kLongestUnload{20000};
+
+// Turns new host calls away, for good, and waits for those under way. False when this thread is
+// itself inside the library (in a host call, or in SDL through a display pass), or when calls still
+// run after kLongestUnload: nothing that they use may be torn down then.
+bool endHostCalls();
+
+}  // namespace framesink

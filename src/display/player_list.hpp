@@ -1,0 +1,158 @@
+// The players of a server, read by any host thread without a lock.
+//
+// Membership is a chain of immutable snapshots. Readers pin the present one; a player that is
+// removed leaves the list at once and is destroyed by reclaim(), on the owner's thread, when no
+// reader that may have seen it is left. Readers never wait, and never make the owner wait.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace framesink {
+
+// Add, remove, removeAll and reclaim are the owner's: one thread at a time, under the owner's lock.
+template <class Player>
+class PlayerList {
+  struct Snapshot {
+    std::vector<Player*> players;
+    std::vector<Player*> removed;  // went when this snapshot was replaced; destroyed along with it
+    Snapshot* next = nullptr;      // in the chain of spare or of retired snapshots
+  };
+
+ public:
+  PlayerList() = default;
+  PlayerList(const PlayerList&) = delete;
+  PlayerList& operator=(const PlayerList&) = delete;
+
+  // Destroys all players. No reader may be left.
+  ~PlayerList() {
+    removeAll();
+    destroy(std::exchange(waiting_, nullptr));
+    destroy(std::exchange(retired_, nullptr));
+    destroy(std::exchange(spare_, nullptr));
+  }
+
+  // Pins the membership at the time of its construction. Any thread; keep it short.
+  class Reader {
+   public:
+    explicit Reader(const PlayerList& list) : readers_(list.enter()), snapshot_(list.current_) {}
+    ~Reader() { readers_.fetch_sub(1); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    // In the order of addition.
+    std::span<Player* const> players() const { return playersOf(snapshot_); }
+
+   private:
+    std::atomic<std::uint32_t>& readers_;
+    const Snapshot* snapshot_;
+  };
+
+  bool empty() const { return current_ == nullptr; }
+
+  // The owner's view. It need not pin what only the owner can destroy.
+  std::span<Player* const> players() const { return playersOf(current_); }
+
+  // Every addition also lays by the snapshot that the removal will need, so that removal cannot
+  // fail. The n-th spare has room for n players; there are as many spares as players.
+  void add(std::unique_ptr<Player> player) {
+    auto spare = std::make_unique<Snapshot>();
+    auto next = std::make_unique<Snapshot>();
+    const std::span<Player* const> present = players();
+    for (auto* players : {&spare->players, &spare->removed, &next->players, &next->removed}) {
+      players->reserve(present.size() + 1);
+    }
+    next->players.assign(present.begin(), present.end());
+    next->players.push_back(player.release());
+    push(spare_, spare.release());
+    replaceWith(next.release());
+  }
+
+  void remove(Player* player) noexcept {
+    Snapshot* next = pop(spare_);
+    for (Player* present : players()) {
+      if (present != player) next->players.push_back(present);
+    }
+    current_.load()->removed.push_back(player);
+    if (next->players.empty()) push(retired_, std::exchange(next, nullptr));
+    replaceWith(next);
+  }
+
+  void removeAll() noexcept {
+    if (empty()) return;
+    Snapshot* last = current_;
+    last->removed = last->players;  // as long as its capacity: allocates nothing
+    while (spare_ != nullptr) push(retired_, pop(spare_));
+    replaceWith(nullptr);
+  }
+
+  // Destroys what was removed and can no longer be seen. True when nothing is left to destroy.
+  bool reclaim() noexcept {
+    if (waiting_ == nullptr) {
+      if (retired_ == nullptr) return true;
+      waiting_ = std::exchange(retired_, nullptr);
+      epoch_.fetch_add(1);  // later readers cannot see what waits, and count elsewhere
+    }
+    if (readers_[(epoch_ - 1) % 2] != 0) return false;
+    destroy(std::exchange(waiting_, nullptr));
+    return retired_ == nullptr;
+  }
+
+ private:
+  static std::span<Player* const> playersOf(const Snapshot* snapshot) {
+    return snapshot == nullptr ? std::span<Player* const>{} : std::span{snapshot->players};
+  }
+
+  // Counts a reader in the present epoch. It starts over when the epoch moved on meanwhile: the
+  // count of an epoch that is being waited for only falls.
+  std::atomic<std::uint32_t>& enter() const {
+    for (;;) {
+      const std::uint64_t epoch = epoch_;
+      std::atomic<std::uint32_t>& readers = readers_[epoch % 2];
+      readers.fetch_add(1);
+      if (epoch_ == epoch) return readers;
+      readers.fetch_sub(1);
+    }
+  }
+
+  void replaceWith(Snapshot* next) {
+    Snapshot* old = current_.exchange(next);
+    if (old != nullptr) push(retired_, old);
+  }
+
+  static void push(Snapshot*& chain, Snapshot* snapshot) {
+    snapshot->next = chain;
+    chain = snapshot;
+  }
+
+  static Snapshot* pop(Snapshot*& chain) {
+    Snapshot* top = chain;
+    chain = std::exchange(top->next, nullptr);
+    return top;
+  }
+
+  static void destroy(Snapshot* chain) {
+    while (chain != nullptr) {
+      Snapshot* snapshot = pop(chain);
+      for (Player* player : snapshot->removed) delete player;
+      delete snapshot;
+    }
+  }
+
+  std::atomic<Snapshot*> current_{nullptr};  // null: no players
+  std::atomic<std::uint64_t> epoch_{1};
+  mutable std::array<std::atomic<std::uint32_t>, 2> readers_{};
+
+  // The owner's.
+  Snapshot* spare_ = nullptr;
+  Snapshot* retired_ = nullptr;  // replaced in the present epoch
+  Snapshot* waiting_ = nullptr;  // replaced in the epoch before, whose readers are waited for
+};
+
+}  // namespace framesink

@@ -1,0 +1,60 @@
+#include "display/sdl_player.hpp"
+
+#include <cstring>
+#include <utility>
+
+#include "display/tearing.hpp"
+
+namespace framesink {
+
+SdlPlayer::SdlPlayer(const std::uint8_t* initialFrame, Size frameSize, std::string title,
+                     WindowGeometry requested, bool fullscreen, std::uint32_t playerId)
+    : frameSize_(frameSize),
+      frameBytes_(frameByteCount(frameSize)),
+      requested_(requested),
+      playerId_(playerId),
+      fullscreen_(fullscreen),
+      buffer1_(std::make_unique_for_overwrite<std::uint8_t[]>(frameBytes_)),
+      buffer2_(std::make_unique_for_overwrite<std::uint8_t[]>(frameBytes_)),
+      title_(std::move(title)) {
+  submitFrame(initialFrame);
+}
+
+SdlPlayer::~SdlPlayer() { delete window_.load(); }
+
+// From construction the pair (writeState, displayBuffer) runs (0, 0), (1, 2), (2, 1), (1, 2), ...:
+// each frame goes to the buffer that is not marked for display and is then marked. A pair that
+// marks the buffer to be written copies nothing.
+void SdlPlayer::submitFrame(const std::uint8_t* frame) {
+  const BufferMarks marks = marks_.load(std::memory_order_relaxed);
+  const std::uint32_t target = marks.writeState == 1 ? 1 : 2;
+  if (marks.displayBuffer != target) {
+    {
+      const AcceptedTearing tearing;
+      std::memcpy(target == 1 ? buffer1_.get() : buffer2_.get(), frame, frameBytes_);
+    }
+    marks_.store({.displayBuffer = target, .writeState = 3 - target}, std::memory_order_release);
+  }
+  newFrame_.store(1, std::memory_order_release);
+}
+
+void SdlPlayer::showNewestFrame() {
+  newFrame_.exchange(0, std::memory_order_acq_rel);
+  const BufferMarks marks = marks_.load(std::memory_order_acquire);
+  window()->showFrame(marks.displayBuffer == 1 ? buffer1_.get() : buffer2_.get());
+}
+
+void SdlPlayer::createWindow() {
+  auto window = std::make_unique<SdlWindow>(frameSize_, title_, requested_.size,
+                                            requested_.position, fullscreen_);
+  if (fullscreen_) window->enterFullscreen();
+  window_ = window.release();
+}
+
+void SdlPlayer::setTitle(const std::string& title) {
+  const std::lock_guard lock(titleMutex_);
+  title_ = title;
+  window()->setTitle(title);
+}
+
+}  // namespace framesink

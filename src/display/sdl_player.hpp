@@ -1,0 +1,91 @@
+// One displayed stream: the double buffer between the host and the display, and the player's
+// window.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "display/geometry.hpp"
+#include "display/sdl_window.hpp"
+
+namespace framesink {
+
+class SdlPlayer {
+ public:
+  // Copies the initial frame. The window comes later, by createWindow.
+  SdlPlayer(const std::uint8_t* initialFrame, Size frameSize, std::string title,
+            WindowGeometry requested, bool fullscreen, std::uint32_t playerId);
+  virtual ~SdlPlayer();  // on the thread that runs SDL for the player
+  SdlPlayer(const SdlPlayer&) = delete;
+  SdlPlayer& operator=(const SdlPlayer&) = delete;
+
+  std::uint32_t playerId() const { return playerId_; }
+  Size frameSize() const { return frameSize_; }
+  bool isFullscreenWanted() const { return fullscreen_; }
+
+  // --- Any host thread
+  // -----------------------------------------------------------------------------
+
+  // Copies `frame` (frameByteCount(frameSize()) bytes) into the buffer that is not marked for
+  // display and marks it. Takes no lock and never waits. Two calls within one display pass may tear
+  // the picture for that pass only: the newest frame is always drawn again whole.
+  void submitFrame(const std::uint8_t* frame);
+
+  void requestClose() { closeRequested_ = 1; }
+  bool isCloseRequested() const { return closeRequested_ != 0; }
+
+  // Null until the window is made, full screen if so wanted, and shown. A window that SDL could not
+  // create counts as made.
+  SdlWindow* window() const { return window_; }
+
+  // Waiting for the window is pointless: memory ran out when it was to be made.
+  bool isWindowImpossible() const { return windowImpossible_; }
+
+  // Player and window get the title. Needs the window.
+  void setTitle(const std::string& title);
+
+  // --- The thread that runs SDL for the player
+  // -----------------------------------------------------
+
+  // Makes the window and publishes it.
+  void createWindow();
+  void giveUpWindow() { windowImpossible_ = true; }
+
+  bool hasNewFrame() const { return newFrame_ != 0; }
+
+  // Draws the newest frame whole, new or not. Needs the window.
+  void showNewestFrame();
+
+ private:
+  // Both in one word, so that host threads that submit at the same time never leave a pair from
+  // which no frame would be taken.
+  struct BufferMarks {
+    std::uint32_t displayBuffer;  // holds the frame to show: 1 is buffer 1, else buffer 2
+    std::uint32_t writeState;     // gets the next frame: likewise
+  };
+
+  const Size frameSize_;
+  const std::size_t frameBytes_;
+  const WindowGeometry requested_;
+  const std::uint32_t playerId_;
+  const bool fullscreen_;
+
+  const std::unique_ptr<std::uint8_t[]> buffer1_;
+  const std::unique_ptr<std::uint8_t[]> buffer2_;
+  std::atomic<BufferMarks> marks_{BufferMarks{0, 0}};
+
+  // Set by the host after the copy, taken by the display before it chooses the buffer to read, so
+  // that a frame that comes while another is drawn is shown next and the last one is never lost.
+  std::atomic<std::uint8_t> newFrame_{0};
+  std::atomic<std::uint8_t> closeRequested_{0};
+
+  std::mutex titleMutex_;  // host threads among themselves
+  std::string title_;
+  std::atomic<SdlWindow*> window_{nullptr};  // owned
+  std::atomic<bool> windowImpossible_{false};
+};
+
+}  // namespace framesink

@@ -1,0 +1,58 @@
+// SDL as the whole process shares it: who may be inside it, and from when to when it is up.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+
+#include "display/platform.hpp"
+
+namespace framesink {
+
+// Held by whoever is in SDL's window and event code: the display thread during a pass, any thread
+// during a call on the synchronous server. Two threads in there on one X connection crash.
+// Recursive; without contention unless both servers run. Host calls on threaded players never take
+// it.
+class SdlGate {
+ public:
+  void lock();
+  void unlock();
+  bool isHeldByThisThread() const { return owner_ == currentThread(); }
+
+ private:
+  std::recursive_mutex mutex_;
+  std::atomic<OsThreadId> owner_{0};
+  int depth_ = 0;
+};
+
+extern SdlGate sdlGate;
+
+// Initialises SDL video unless it is up. Errors go to standard error, and work goes on.
+void initSdlVideo();
+
+// Makes SDL behave as a guest in the host's process. Before anything that may initialise SDL.
+void setSdlHints();
+
+// Counts SDL's lives: a window belongs to the one it was made in. After the life's end its SDL
+// window, renderer and texture are gone and must not be touched.
+std::uint32_t sdlGeneration();
+
+// Ends the generation and calls SDL_Quit.
+void quitSdl();
+
+// A host thread's use of a window of that generation outside the gate; holds up quitSdl meanwhile.
+// Tested false when the generation has ended.
+class SdlUse {
+ public:
+  explicit SdlUse(std::uint32_t generation);
+  ~SdlUse();
+  SdlUse(const SdlUse&) = delete;
+  SdlUse& operator=(const SdlUse&) = delete;
+
+  explicit operator bool() const { return current_; }
+
+ private:
+  bool current_;
+};
+
+}  // namespace framesink

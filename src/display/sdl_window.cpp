@@ -1,0 +1,164 @@
+#include "display/sdl_window.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "display/sdl_session.hpp"
+#include "display/texture_packing.hpp"
+#include "display/window_icon.hpp"
+
+namespace framesink {
+namespace {
+
+// The system's own limits for what it hands to SDL.
+constexpr int kFarthestPosition = 10000;
+constexpr std::uint32_t kLargestWindow = 20000;
+
+int clampedPosition(std::uint32_t coordinate) {
+  const auto value = static_cast<int>(coordinate);
+  const bool systemChooses = coordinate == SDL_WINDOWPOS_UNDEFINED;
+  return systemChooses ? value : std::clamp(value, -kFarthestPosition, kFarthestPosition);
+}
+
+int clampedSize(std::uint32_t extent) {
+  return static_cast<int>(std::clamp(extent, 1U, kLargestWindow));
+}
+
+// Truncates toward zero; what is no number of pixels (a frame without pixels) becomes 0.
+int truncatedPixels(double extent) { return std::isfinite(extent) ? static_cast<int>(extent) : 0; }
+
+}  // namespace
+
+SdlWindow::SdlWindow(Size textureSize, const std::string& title, Size size, Position position,
+                     bool fullscreen)
+    : textureSize_(textureSize),
+      title_(title),
+      position_(position),
+      size_(size),
+      generation_(sdlGeneration()) {
+  createWindow(fullscreen);
+  failed_ = SDL_GetWindowPixelFormat(window_) == SDL_PIXELFORMAT_UNKNOWN;
+  if (!failed_) {
+    createRenderer();
+    createTexture();
+    fitLogicalSize();
+  }
+  windowId_ = SDL_GetWindowID(window_);
+}
+
+SdlWindow::~SdlWindow() {
+  if (isSdlGone()) return;
+  if (!failed_) {
+    SDL_DestroyTexture(texture_);
+    SDL_DestroyRenderer(renderer_);
+  }
+  SDL_DestroyWindow(window_);
+}
+
+void SdlWindow::createWindow(bool fullscreen) {
+  const Position position = position_;
+  const Size size = size_;
+  const std::uint32_t flags =
+      fullscreen ? SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_INPUT_FOCUS
+                 : SDL_WINDOW_RESIZABLE;
+  // SDL_CreateWindow starts SDL video by itself when it is down.
+  if ((SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) == 0) setSdlHints();
+  window_ =
+      SDL_CreateWindow(title_.c_str(), clampedPosition(position.x), clampedPosition(position.y),
+                       clampedSize(size.width), clampedSize(size.height), flags);
+  if (window_ == nullptr) {
+    std::fprintf(stderr, "Could not create window: %s\n", SDL_GetError());
+    return;
+  }
+  setIcon();
+}
+
+void SdlWindow::setIcon() {
+  IconPixels pixels = windowIcon();
+  SDL_Surface* icon = SDL_CreateRGBSurfaceFrom(pixels.data(), kIconSize, kIconSize, 16,
+                                               kIconSize * 2, 0xF000, 0x0F00, 0x00F0, 0x000F);
+  SDL_SetWindowIcon(window_, icon);
+  SDL_FreeSurface(icon);
+}
+
+// The software renderer is tried first on purpose.
+void SdlWindow::createRenderer() {
+  renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_SOFTWARE);
+  if (renderer_ == nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_ACCELERATED);
+  if (renderer_ != nullptr) return;
+  SDL_DestroyWindow(window_);
+  window_ = nullptr;
+  std::fprintf(stderr, "Could not create renderer: %s\n", SDL_GetError());
+}
+
+void SdlWindow::createTexture() {
+  texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING,
+                               static_cast<int>(textureSize_.width),
+                               static_cast<int>(textureSize_.height));
+  if (texture_ == nullptr) std::fprintf(stderr, "Unable to create texture: %s\n", SDL_GetError());
+}
+
+// Once is enough: the renderer keeps this aspect ratio, letterboxed, through every later resize.
+void SdlWindow::fitLogicalSize() {
+  int width = 0;
+  int height = 0;
+  SDL_GetWindowSize(window_, &width, &height);
+  const double rx = static_cast<double>(width) / textureSize_.width;
+  const double ry = static_cast<double>(height) / textureSize_.height;
+  const int logicalWidth = ry > rx ? width : truncatedPixels(textureSize_.width * ry);
+  const int logicalHeight = ry > rx ? truncatedPixels(textureSize_.height * rx) : height;
+  if (SDL_RenderSetLogicalSize(renderer_, logicalWidth, logicalHeight) != 0) {
+    std::fprintf(stderr, "Internal error: unable to set logical size: %s\n", SDL_GetError());
+  }
+}
+
+void SdlWindow::showFrame(const std::uint8_t* frame) {
+  if (failed_ || texture_ == nullptr || isSdlGone()) return;
+  void* pixels = nullptr;
+  int pitch = 0;
+  if (SDL_LockTexture(texture_, nullptr, &pixels, &pitch) < 0) {
+    SDL_LogError(SDL_LOG_CATEGORY_APPLICATION, "Could not lock texture: %s\n", SDL_GetError());
+    quitSdl();  // The system's answer to a lost texture; nothing of this SDL is touched again.
+    return;
+  }
+  copyPlanesToTexture(frame, pixels, textureSize_);
+  SDL_UnlockTexture(texture_);
+  SDL_RenderClear(renderer_);
+  SDL_RenderCopy(renderer_, texture_, nullptr, nullptr);
+  SDL_RenderPresent(renderer_);
+}
+
+void SdlWindow::enterFullscreen() {
+  if (isSdlGone()) return;
+  SDL_SetWindowFullscreen(window_, SDL_WINDOW_FULLSCREEN_DESKTOP);
+  SDL_ShowWindow(window_);
+}
+
+bool SdlWindow::leaveFullscreen() {
+  if (isSdlGone()) return false;
+  const Size size = size_;
+  const bool left = SDL_SetWindowFullscreen(window_, 0) == 0;
+  SDL_SetWindowSize(window_, static_cast<int>(size.width), static_cast<int>(size.height));
+  return left;
+}
+
+bool SdlWindow::isFullscreen() const {
+  const SdlUse use(generation_);
+  return use && (SDL_GetWindowFlags(window_) & kFullscreenFlags) != 0;
+}
+
+void SdlWindow::raise() {
+  const SdlUse use(generation_);
+  if (use) SDL_RaiseWindow(window_);
+}
+
+void SdlWindow::setTitle(const std::string& title) {
+  title_ = title;
+  const SdlUse use(generation_);
+  if (use) SDL_SetWindowTitle(window_, title_.c_str());
+}
+
+bool SdlWindow::isSdlGone() const { return generation_ != sdlGeneration(); }
+
+}  // namespace framesink

@@ -1,0 +1,72 @@
+// The on-screen half of a player: an SDL window, its renderer, one streaming texture of the frame's
+// size, and the geometry that is remembered while the user moves and resizes the window.
+#pragma once
+
+#include <SDL.h>
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+#include "display/geometry.hpp"
+
+namespace framesink {
+
+// SDL_WINDOW_FULLSCREEN_DESKTOP; a window with any of these flags counts as full screen.
+inline constexpr std::uint32_t kFullscreenFlags = SDL_WINDOW_FULLSCREEN_DESKTOP;
+
+// Made, drawn and destroyed on the thread that runs SDL for its player, inside the gate. The
+// operations marked "any thread" may be called by host threads once the window is published.
+class SdlWindow {
+ public:
+  // Failures are told on standard error and leave a window that draws nothing. Position and size
+  // are clamped for SDL and stored as given. A full screen window is made hidden; see
+  // enterFullscreen.
+  SdlWindow(Size textureSize, const std::string& title, Size size, Position position,
+            bool fullscreen);
+  virtual ~SdlWindow();
+  SdlWindow(const SdlWindow&) = delete;
+  SdlWindow& operator=(const SdlWindow&) = delete;
+
+  // Uploads a whole frame (three planes, see frameByteCount) and presents it.
+  void showFrame(const std::uint8_t* frame);
+
+  // Makes the window full screen on the desktop, and visible.
+  void enterFullscreen();
+
+  // Back to the stored size. False when SDL refused.
+  bool leaveFullscreen();
+
+  // SDL's id of the window, by which events are routed; 0 when it has none. Any thread.
+  std::uint32_t windowId() const { return windowId_; }
+
+  bool isFullscreen() const;                // any thread
+  void raise();                             // any thread
+  void setTitle(const std::string& title);  // any thread, one at a time
+
+  // Windowed place and size, as asked for and then as events tell. Any thread.
+  WindowGeometry geometry() const { return {position_, size_}; }
+  void setStoredPosition(Position position) { position_ = position; }
+  void setStoredSize(Size size) { size_ = size; }
+
+ private:
+  void createWindow(bool fullscreen);
+  void setIcon();
+  void createRenderer();
+  void createTexture();
+  void fitLogicalSize();
+  bool isSdlGone() const;
+
+  const Size textureSize_;
+  std::string title_;
+  std::atomic<Position> position_;
+  std::atomic<Size> size_;
+  const std::uint32_t generation_;
+  std::uint32_t windowId_ = 0;
+  SDL_Window* window_ = nullptr;
+  SDL_Renderer* renderer_ = nullptr;
+  SDL_Texture* texture_ = nullptr;
+  bool failed_ = false;  // no usable window: nothing is ever drawn
+};
+
+}  // namespace framesink
