@@ -1,0 +1,135 @@
+#include "block/frame_sink_block.hpp"
+
+#include <utility>
+
+#include "block/centring.hpp"
+#include "convert/sample_types.hpp"
+#include "display/server_instances.hpp"
+#include "display/video_window_registry.hpp"
+
+namespace framesink {
+namespace {
+
+PlaneSize planeSize(Size size) {
+  return {static_cast<std::int32_t>(size.width), static_cast<std::int32_t>(size.height)};
+}
+
+}  // namespace
+
+FrameSinkBlock::FrameSinkBlock(BlockSettings settings, const InputDescription* input)
+    : PKOutputConverter(0, false, nullptr, settings.inputConversion, settings.allocatePlaneBuffers,
+                        input),
+      settings_(std::move(settings)) {}
+
+// One buffer with one component is intensity even when its four-character code says otherwise.
+std::int32_t FrameSinkBlock::inputKind() const {
+  if (input().inputCount == 1 && input().componentCount == 1) return kInputIntensity;
+  return isInputYuy2() ? kInputYcbcr422 : kInputRgb;
+}
+
+void FrameSinkBlock::start() {
+  if (input().dataType >= kDataTypeCount) throw "Unsupported video data type";
+  conversionKernel_ = selectConversionKernel(inputKind(), kOutputRgbPlanes, input().dataType);
+  videoWindowRegistry().setupVideoWindow({.name = settings_.playerName,
+                                          .title = settings_.windowTitle,
+                                          .frameSize = frameSize(),
+                                          .fullscreen = settings_.fullscreen,
+                                          .position = settings_.windowPosition,
+                                          .useWindowSize = settings_.useWindowSize,
+                                          .windowSize = settings_.windowSize,
+                                          .openNow = settings_.openAtStart,
+                                          .synchronous = settings_.synchronous});
+}
+
+void FrameSinkBlock::update(const void* plane1, const void* plane2, const void* plane3,
+                            std::uint32_t width, std::uint32_t height) {
+  if (!isInputValid()) return;
+  const Size size{width == FRAMESINK_CONFIGURED_SIZE ? frameSize().width : width,
+                  height == FRAMESINK_CONFIGURED_SIZE ? frameSize().height : height};
+  Planes planes{plane1, plane2, plane3};
+  splitPlanes(planes, size);
+  // Centring comes first although the planes may hold doubles that are yet to be converted: it
+  // moves samples of the description's type in either case. That order is the system's own.
+  const bool complete = areNeededPlanesPresent(planes) &&
+                        (size == frameSize() || centre(planes, size)) &&
+                        (inputConversion() == nullptr || convert(planes));
+  if (complete) {
+    outputFrame(planes[0], planes[1], planes[2]);
+  } else {
+    deliver(kNoPlayerId, nullptr);
+  }
+}
+
+// One buffer with three components holds the planes one after another.
+void FrameSinkBlock::splitPlanes(Planes& planes, Size size) const {
+  if (input().inputCount != 1 || input().componentCount != 3 || planes[0] == nullptr) return;
+  const std::uint32_t samples = size.width * size.height;
+  const std::size_t bytesPerSample =
+      inputConversion() != nullptr ? sizeof(double) : sampleBytes(input().dataType);
+  const auto* first = static_cast<const std::byte*>(planes[0]);
+  planes[1] = first + bytesPerSample * samples;
+  planes[2] = first + 2 * bytesPerSample * samples;
+}
+
+bool FrameSinkBlock::isPlaneNeeded(std::size_t plane) const {
+  return plane == 0 || inputKind() != kInputIntensity;
+}
+
+bool FrameSinkBlock::areNeededPlanesPresent(const Planes& planes) const {
+  for (std::size_t i = 0; i < planes.size(); ++i) {
+    if (planes[i] == nullptr && isPlaneNeeded(i)) return false;
+  }
+  return true;
+}
+
+// A plane without a scratch plane is left alone when the frame can do without it.
+bool FrameSinkBlock::centre(Planes& planes, Size size) const {
+  if (!fitsWhenCentred(planeSize(size), planeSize(frameSize()))) return false;
+  for (std::size_t i = 0; i < planes.size(); ++i) {
+    if (planes[i] == nullptr) continue;
+    if (planeBuffer(i) == nullptr) {
+      if (isPlaneNeeded(i)) return false;
+      continue;
+    }
+    centreIntoFrame(input().dataType, planes[i], planeSize(size), planeBuffer(i),
+                    planeSize(frameSize()));
+    planes[i] = planeBuffer(i);
+  }
+  return true;
+}
+
+bool FrameSinkBlock::convert(Planes& planes) const {
+  for (std::size_t i = 0; i < planes.size(); ++i) {
+    if (planes[i] == nullptr) continue;
+    if (planeBuffer(i) == nullptr) {
+      if (isPlaneNeeded(i)) return false;
+      continue;
+    }
+    inputConversion()(static_cast<const double*>(planes[i]), planeBuffer(i),
+                      std::size_t{input().widths[i]} * input().heights[i]);
+    planes[i] = planeBuffer(i);
+  }
+  return true;
+}
+
+// Without a record, or with one that another block has set up for frames of another size, there is
+// nowhere to convert to.
+void FrameSinkBlock::outputFrame(const void* plane1, const void* plane2, const void* plane3) {
+  const VideoWindow* window = videoWindowRegistry().findVideoWindow(settings_.playerName);
+  if (window == nullptr || window->frameSize() != frameSize()) {
+    deliver(kNoPlayerId, nullptr);
+    return;
+  }
+  std::uint8_t* target = window->frameBuffer.get();
+  conversionKernel_(plane1, plane2, plane3, target, static_cast<std::int32_t>(frameSize().width),
+                    static_cast<std::int32_t>(frameSize().height), input().layout);
+  deliver(window->playerId, target);
+}
+
+// A synchronous server drains its events even when there is no frame.
+void FrameSinkBlock::deliver(std::int32_t playerId, const std::uint8_t* frame) const {
+  SdlServer* server = existingServer(settings_.synchronous != 0);
+  if (server != nullptr) server->deliverFrame(playerId, frame, frameSize());
+}
+
+}  // namespace framesink

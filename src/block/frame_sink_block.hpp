@@ -1,0 +1,67 @@
+// One display block of the host: converts each frame to 8-bit red, green and blue planes and hands
+// it to the player that is registered under its name.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "block/pk_output_converter.hpp"
+#include "convert/kernel_selection.hpp"
+#include "display/geometry.hpp"
+
+namespace framesink {
+
+// What libCreate receives.
+struct BlockSettings {
+  std::string playerName;
+  std::uint64_t hostContext = 0;
+  std::string windowTitle;
+  bool fullscreen = false;
+  bool openAtStart = false;
+  Position windowPosition;
+  std::uint8_t useWindowSize = 0;
+  Size windowSize;
+  std::uint32_t inputConversion = 0;
+  bool allocatePlaneBuffers = false;
+  std::uint8_t synchronous = 0;
+};
+
+// Host thread only. The window and its record belong to the registry and outlive the block.
+class FrameSinkBlock final : public PKOutputConverter {
+ public:
+  // A null description counts as one that is all zero. Throws std::bad_alloc.
+  FrameSinkBlock(BlockSettings settings, const InputDescription* input);
+
+  // Chooses the kernel and sets up the window. Throws a constant text (const char*) when the data
+  // type is not supported, std::bad_alloc when memory runs out.
+  void start();
+
+  // libStart's; all set-up has happened in start().
+  void startHook() {}
+
+  // One frame of the host's; see libUpdate for sizes and for what is dropped.
+  void update(const void* plane1, const void* plane2, const void* plane3, std::uint32_t width,
+              std::uint32_t height);
+
+  // Converts a frame of the configured size and delivers it.
+  void outputFrame(const void* plane1, const void* plane2, const void* plane3) override;
+
+  std::int32_t inputKind() const;
+
+ private:
+  using Planes = std::array<const void*, 3>;
+
+  Size frameSize() const { return {input().widths[0], input().heights[0]}; }
+  bool isPlaneNeeded(std::size_t plane) const;
+  void splitPlanes(Planes& planes, Size size) const;
+  bool centre(Planes& planes, Size size) const;
+  bool convert(Planes& planes) const;
+  bool areNeededPlanesPresent(const Planes& planes) const;
+  void deliver(std::int32_t playerId, const std::uint8_t* frame) const;
+
+  const BlockSettings settings_;
+  ConversionKernel conversionKernel_ = nullptr;  // chosen by start
+};
+
+}  // namespace framesink
