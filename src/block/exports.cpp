@@ -147,7 +147,7 @@ namespace {
 // The life of a block in the order of its calls. Nothing in the library reads the table; it is kept
 // for tools that look for it in the library's writable data.
 using EntryPoint = void (*)();
-[[gnu::used]] constinit EntryPoint lifecycleEntryPoints[] = {
+[[gnu::used]] EntryPoint lifecycleEntryPoints[] = {
     reinterpret_cast<EntryPoint>(libCreate),    reinterpret_cast<EntryPoint>(libStart),
     reinterpret_cast<EntryPoint>(libUpdate),    reinterpret_cast<EntryPoint>(libOutputs),
     reinterpret_cast<EntryPoint>(libTerminate), reinterpret_cast<EntryPoint>(libDestroy)};

@@ -1,4 +1,5 @@
-// Sizes and positions as the host passes them.
+// Sizes and positions as the host passes them. Pairs are aligned to their size, so that an atomic
+// one is a single word.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +8,14 @@
 namespace framesink {
 
 // Pixels.
-struct Size {
+struct alignas(8) Size {
   std::uint32_t width = 0;
   std::uint32_t height = 0;
   bool operator==(const Size&) const = default;
 };
 
 // Screen coordinates; signed values in unsigned fields.
-struct Position {
+struct alignas(8) Position {
   std::uint32_t x = 0;
   std::uint32_t y = 0;
   bool operator==(const Position&) const = default;

@@ -18,6 +18,8 @@ constinit std::atomic<std::uint32_t> callsUnderWay{0};
 constinit std::atomic<bool> ended{false};
 constinit std::atomic<bool> givenUp{false};  // waited in vain once; not again
 
+const std::uint64_t processAtLoad = currentProcess();
+
 std::size_t enter(OsThreadId thread) {
   for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
     OsThreadId free = 0;
@@ -52,7 +54,8 @@ HostCall::~HostCall() {
 
 bool endHostCalls() {
   ended = true;
-  if (isCaller(currentThread()) || sdlGate.isHeldByThisThread() || givenUp) return false;
+  if (givenUp || processAtLoad != currentProcess()) return false;
+  if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
   const auto deadline = std::chrono::steady_clock::now() + kLongestUnload;
   while (callsUnderWay != 0) {
     if (std::chrono::steady_clock::now() >= deadline) {

@@ -29,9 +29,10 @@ class HostCall {
 // Longest time that unloading waits for the display and for host calls under way.
 inline constexpr std::chrono::milliseconds kLongestUnload{20000};
 
-// Turns new host calls away, for good, and waits for those under way. False when this thread is
-// itself inside the library (in a host call, or in SDL through a display pass), or when calls still
-// run after kLongestUnload: nothing that they use may be torn down then.
+// Turns new host calls away, for good, and waits for those under way. False when nothing that they
+// use may be torn down: this thread is itself inside the library (in a host call, or in SDL through
+// a display pass), calls still run after kLongestUnload, or this process is a fork of the one that
+// loaded the library, whose windows these are.
 bool endHostCalls();
 
 }  // namespace framesink

@@ -62,7 +62,7 @@ class SdlPlayer {
  private:
   // Both in one word, so that host threads that submit at the same time never leave a pair from
   // which no frame would be taken.
-  struct BufferMarks {
+  struct alignas(8) BufferMarks {
     std::uint32_t displayBuffer;  // holds the frame to show: 1 is buffer 1, else buffer 2
     std::uint32_t writeState;     // gets the next frame: likewise
   };

@@ -11,27 +11,26 @@ namespace {
 constinit std::array<std::atomic<SdlServer*>, 2> servers{};  // by `synchronous`
 
 // Makes a server and ends it. When its end cannot be had safely, because Xlib called exit() from
-// inside one of our SDL calls, the display thread is stuck, or host calls still run, the server is
-// left as it is to the end of the process, without SDL_Quit.
+// inside one of our SDL calls, the display thread is stuck, host calls still run, or this is a
+// fork, the server is left as it is to the end of the process, without SDL_Quit.
 class ServerLife {
  public:
   explicit ServerLife(bool synchronous)
-      : synchronous_(synchronous),
-        process_(currentProcess()),
-        server_(new SdlServer(!synchronous)) {
+      : synchronous_(synchronous), server_(new SdlServer(!synchronous)) {
     servers[synchronous] = server_;
   }
 
   ~ServerLife() {
-    if (process_ != currentProcess()) return;  // a fork: windows and connection are the parent's
     for (SdlServer* server : servers) {
       if (server != nullptr) server->beginLeaving();
     }
     if (!endHostCalls()) return;
-    // SDL is shut down for both servers, so the display thread ends first, whichever was made
-    // first.
-    SdlServer* threaded = servers[false];
-    if (threaded != nullptr && !threaded->stop()) return;
+    // SDL is shut down for both servers, so both stop first, whichever was made first. No window
+    // may be left to SDL_Quit: with the pointer in one, Xlib would load its cursor library from
+    // inside dlclose, lose it to that dlclose, and crash in the process's next use of X.
+    for (SdlServer* server : servers) {
+      if (server != nullptr && !server->stop()) return;
+    }
     servers[synchronous_] = nullptr;
     delete server_;
   }
@@ -43,7 +42,6 @@ class ServerLife {
 
  private:
   const bool synchronous_;
-  const std::uint64_t process_;
   SdlServer* const server_;
 };
 
