@@ -16,18 +16,20 @@ void DisplayThread::start(const char* name, Body body, void* argument) {
 
 int DisplayThread::main(void* self) {
   auto* thread = static_cast<DisplayThread*>(self);
+  thread->stack_ = currentThreadStack();
   thread->id_ = currentThread();
   thread->body_(thread->argument_);
   thread->running_ = false;
   return 0;
 }
 
-bool DisplayThread::awaitEnd(std::chrono::steady_clock::time_point deadline) const {
+bool DisplayThread::awaitEnd(std::chrono::steady_clock::time_point deadline) {
   if (thread_ == nullptr) return true;
   while (running_ || !isThreadGone(id_)) {
     if (isLost() || std::chrono::steady_clock::now() >= deadline) return false;
     sleepFor(std::chrono::milliseconds(1));
   }
+  giveBack(stack_);
   return true;
 }
 

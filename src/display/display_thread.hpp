@@ -28,8 +28,10 @@ class DisplayThread {
   bool isLost() const { return running_ && id_ != 0 && isThreadGone(id_); }
 
   // Waits until the thread has said farewell and is gone for good, because its code is about to be
-  // unmapped. True at once when there never was one; false at the deadline or when it is lost.
-  bool awaitEnd(std::chrono::steady_clock::time_point deadline) const;
+  // unmapped. True at once when there never was one; false at the deadline or when it is lost. The
+  // thread's stack is given back, so that loading and unloading many times costs little although
+  // the threads are never joined.
+  bool awaitEnd(std::chrono::steady_clock::time_point deadline);
 
  private:
   static int main(void* self);
@@ -37,6 +39,7 @@ class DisplayThread {
   SDL_Thread* thread_ = nullptr;
   Body body_ = nullptr;
   void* argument_ = nullptr;
+  DeadStack stack_;  // written by the thread before it gives its number
   std::atomic<OsThreadId> id_{0};
   std::atomic<bool> running_{false};
 };

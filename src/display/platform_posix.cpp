@@ -1,3 +1,5 @@
+#include <pthread.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -12,6 +14,28 @@ OsThreadId currentThread() { return static_cast<OsThreadId>(::syscall(SYS_gettid
 
 bool isThreadGone(OsThreadId thread) {
   return ::syscall(SYS_tgkill, ::getpid(), thread, 0) != 0 && errno == ESRCH;
+}
+
+// The C library's own record of a thread, its address the thread's handle, lies at the top of the
+// stack and stays in use; what is below it, down from its page, is dead with the thread.
+DeadStack currentThreadStack() {
+  DeadStack stack;
+#if defined(__GLIBC__)
+  pthread_attr_t attributes;
+  if (::pthread_getattr_np(::pthread_self(), &attributes) != 0) return stack;
+  std::size_t bytes = 0;
+  ::pthread_attr_getstack(&attributes, &stack.lowest, &bytes);
+  ::pthread_attr_destroy(&attributes);
+  const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+  const auto lowest = reinterpret_cast<std::uintptr_t>(stack.lowest);
+  const auto record = static_cast<std::uintptr_t>(::pthread_self()) / page * page;
+  if (record > lowest && record < lowest + bytes) stack.bytes = record - lowest;
+#endif
+  return stack;
+}
+
+void giveBack(DeadStack stack) {
+  if (stack.bytes != 0) ::madvise(stack.lowest, stack.bytes, MADV_DONTNEED);
 }
 
 std::uint64_t currentProcess() { return static_cast<std::uint64_t>(::getpid()); }
