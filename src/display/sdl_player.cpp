@@ -29,7 +29,7 @@ void SdlPlayer::submitFrame(const std::uint8_t* frame) {
   const BufferMarks marks = marks_.load(std::memory_order_relaxed);
   const std::uint32_t target = marks.writeState == 1 ? 1 : 2;
   if (marks.displayBuffer != target) {
-    {
+    if (frameBytes_ != 0) {
       const AcceptedTearing tearing;
       std::memcpy(target == 1 ? buffer1_.get() : buffer2_.get(), frame, frameBytes_);
     }

@@ -109,10 +109,7 @@ void SdlServer::closePlayer(std::uint32_t playerId) {
     return;
   }
   const std::lock_guard gate(sdlGate);
-  SdlPlayer* player = findPlayer(players_.players(), playerId);
-  if (player == nullptr) return;
-  players_.remove(player);
-  players_.reclaim();
+  removeNow(findPlayer(players_.players(), playerId));
 }
 
 bool SdlServer::hasOpenPlayer(std::uint32_t playerId) const {
@@ -288,7 +285,7 @@ void SdlServer::deleteAllPlayers() {
   {
     const std::lock_guard gate(sdlGate);
     players_.removeAll();
-    while (!players_.reclaim()) sleepFor(std::chrono::milliseconds(1));
+    awaitReclaim();
   }
   if (locked) SDL_UnlockMutex(mutex_);
 }
@@ -382,11 +379,18 @@ void SdlServer::handleWindowEvent(const SDL_WindowEvent& event, SdlPlayer& playe
   }
 }
 
-void SdlServer::removePlayer(std::uint32_t windowId) {
-  SdlPlayer* player = playerWithWindow(windowId);
+void SdlServer::removePlayer(std::uint32_t windowId) { removeNow(playerWithWindow(windowId)); }
+
+// In the gate the only readers are other threads' looks whether a player is open, and those are
+// short.
+void SdlServer::removeNow(SdlPlayer* player) {
   if (player == nullptr) return;
   players_.remove(player);
-  players_.reclaim();
+  awaitReclaim();
+}
+
+void SdlServer::awaitReclaim() {
+  while (!players_.reclaim()) sleepFor(std::chrono::milliseconds(1));
 }
 
 }  // namespace framesink

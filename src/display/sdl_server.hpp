@@ -95,6 +95,8 @@ class SdlServer {
   void handleEvent(const SDL_Event& event, SdlPlayer& player, bool deferClose);
   void handleWindowEvent(const SDL_WindowEvent& event, SdlPlayer& player, bool deferClose);
   void removePlayer(std::uint32_t windowId);
+  void removeNow(SdlPlayer* player);
+  void awaitReclaim();
 
   SdlPlayer* playerWithWindow(std::uint32_t windowId) const;
   bool canWindowCome(const SdlPlayer& player) const;

@@ -37,8 +37,9 @@ class SdlWindow {
   // Back to the stored size. False when SDL refused.
   bool leaveFullscreen();
 
-  // SDL's id of the window, by which events are routed; 0 when it has none. Any thread.
-  std::uint32_t windowId() const { return windowId_; }
+  // SDL's id of the window, by which events are routed; 0 when it has none, or no longer: a later
+  // SDL may give the number to another window. Any thread.
+  std::uint32_t windowId() const { return isSdlGone() ? 0 : windowId_; }
 
   bool isFullscreen() const;                // any thread
   void raise();                             // any thread
