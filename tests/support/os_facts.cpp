@@ -1,0 +1,64 @@
+#include "support/os_facts.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace framesink::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// "" for a thread that ended meanwhile.
+std::string threadName(int id) {
+  std::ifstream file("/proc/self/task/" + std::to_string(id) + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return name;
+}
+
+}  // namespace
+
+std::vector<int> threadIds() {
+  std::vector<int> ids;
+  for (const auto& entry : fs::directory_iterator("/proc/self/task")) {
+    ids.push_back(std::stoi(entry.path().filename().string()));
+  }
+  std::sort(ids.begin(), ids.end());
+  return ids;
+}
+
+std::vector<std::string> threadNames() {
+  const std::vector<int> ids = threadIds();
+  std::vector<std::string> names;
+  std::transform(ids.begin(), ids.end(), std::back_inserter(names), threadName);
+  return names;
+}
+
+// A line of maps is "address permissions offset device inode path"; only a path holds a slash.
+bool isMapped(std::string_view part) {
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    const std::size_t path = line.find('/');
+    if (path != std::string::npos && line.find(part, path) != std::string::npos) return true;
+  }
+  return false;
+}
+
+std::size_t residentBytes() {
+  std::ifstream statm("/proc/self/statm");
+  std::size_t totalPages = 0;
+  std::size_t residentPages = 0;
+  statm >> totalPages >> residentPages;
+  return residentPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::size_t openFileDescriptors() {
+  const auto count = std::distance(fs::directory_iterator("/proc/self/fd"), {});
+  return static_cast<std::size_t>(count) - 1;  // the walk's own
+}
+
+}  // namespace framesink::test

@@ -1,0 +1,27 @@
+// What the operating system knows about this process.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace framesink::test {
+
+// Thread ids in ascending order. A sanitizer may keep a thread of its own: compare with what stood
+// before.
+std::vector<int> threadIds();
+
+// Names of the threads in the order of threadIds(), cut to 15 characters by the kernel.
+std::vector<std::string> threadNames();
+
+// True when a file whose path holds `part` is mapped, for example a loaded library.
+bool isMapped(std::string_view part);
+
+// Physical memory in use, bytes.
+std::size_t residentBytes();
+
+// Number of open file descriptors.
+std::size_t openFileDescriptors();
+
+}  // namespace framesink::test

@@ -1,0 +1,72 @@
+#include "support/os_facts.hpp"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+namespace {
+
+TEST(OsFacts, CountsAndNamesThreads) {
+  const std::size_t before = threadIds().size();
+  std::atomic<bool> leave{false};
+  std::thread extra([&] { waitUntil([&] { return leave.load(); }); });
+  pthread_setname_np(extra.native_handle(), "extraThread");
+  const std::vector<std::string> names = threadNames();
+  const std::size_t during = threadIds().size();
+  leave = true;
+  extra.join();
+  // A sanitizer starts a thread of its own along with the first one.
+  EXPECT_GE(during, before + 1);
+  EXPECT_EQ(names.size(), during);
+  EXPECT_EQ(std::count(names.begin(), names.end(), "extraThread"), 1);
+  EXPECT_TRUE(waitUntil([&] { return threadIds().size() < during; }));
+}
+
+TEST(OsFacts, ContainsTheCallingThread) {
+  const std::vector<int> ids = threadIds();
+  EXPECT_TRUE(std::binary_search(ids.begin(), ids.end(), gettid()));
+}
+
+TEST(OsFacts, KnowsWhatIsMapped) {
+  EXPECT_TRUE(isMapped("libxcb.so"));
+  EXPECT_TRUE(isMapped("/support_tests"));
+  EXPECT_FALSE(isMapped("libSDL2"));
+}
+
+TEST(OsFacts, SeesMemoryOnceItIsInUse) {
+  constexpr std::size_t kBytes = 64 << 20;
+  constexpr std::size_t kSlack = 8 << 20;
+  void* memory = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  const std::size_t reserved = residentBytes();
+  ASSERT_EQ(madvise(memory, kBytes, MADV_POPULATE_WRITE), 0);
+  const std::size_t inUse = residentBytes();
+  munmap(memory, kBytes);
+  EXPECT_GT(reserved, 500U << 10);
+  EXPECT_GE(inUse, reserved + kBytes - kSlack);
+  EXPECT_LE(residentBytes(), inUse - kBytes + kSlack);
+}
+
+TEST(OsFacts, CountsFileDescriptors) {
+  std::size_t expected = 0;
+  for (int descriptor = 0; descriptor < 4096; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) >= 0) ++expected;
+  }
+  EXPECT_EQ(openFileDescriptors(), expected);
+  const int another = open("/dev/null", O_RDONLY);
+  EXPECT_EQ(openFileDescriptors(), expected + 1);
+  close(another);
+}
+
+}  // namespace
+}  // namespace framesink::test

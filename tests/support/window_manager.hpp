@@ -1,0 +1,29 @@
+// A window manager for an XServer.
+#pragma once
+
+#include <optional>
+
+#include "support/child_process.hpp"
+#include "support/temporary_folder.hpp"
+
+namespace framesink::test {
+
+class XServer;
+
+// Runs openbox with one desktop, without key bindings and without any configuration of the user's.
+// Must go before its server does.
+class WindowManager {
+ public:
+  // Throws std::runtime_error with the reason when openbox is missing, is not ready within 20 s or
+  // would be the second window manager.
+  explicit WindowManager(const XServer& server);
+
+  pid_t pid() const { return process_->pid(); }
+  bool isRunning() { return process_->isRunning(); }
+
+ private:
+  TemporaryFolder folder_;
+  std::optional<ChildProcess> process_;
+};
+
+}  // namespace framesink::test
