@@ -1,0 +1,153 @@
+#include "convert/kernel_selection.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "allocation_counter.hpp"
+#include "convert/sample_types.hpp"
+#include "oracle.hpp"
+#include "sample_pool.hpp"
+
+namespace framesink {
+namespace {
+
+constexpr std::uint32_t kLargestId = std::numeric_limits<std::uint32_t>::max();
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+
+TEST(KernelSelection, EveryInputKindHasAnRgbKernelForEachOfTheNineTypes) {
+  for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
+    std::set<ConversionKernel> kernels;
+    for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+      kernels.insert(selectConversionKernel(kind, kOutputRgbPlanes, dataType));
+    }
+    EXPECT_EQ(kernels.size(), 9U) << "input kind " << kind;
+    EXPECT_EQ(kernels.count(nullptr), 0U) << "input kind " << kind;
+  }
+}
+
+TEST(KernelSelection, DataTypeAboveEightGivesNull) {
+  for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
+    for (const std::int32_t format : {kOutputRgbPlanes, kOutputYuy2}) {
+      for (const std::uint32_t dataType : {9U, 10U, 255U, 256U, 2147483648U, kLargestId}) {
+        EXPECT_EQ(selectConversionKernel(kind, format, dataType), nullptr)
+            << kind << ", " << format << ", " << dataType;
+      }
+    }
+  }
+}
+
+// Boolean shares its sample size with uint8 but is scaled, not copied.
+TEST(KernelSelection, DataTypeEightGivesTheBooleanRgbKernel) {
+  const std::uint8_t sample = 1;
+  std::array<std::uint8_t, 3> out{7, 7, 7};
+  selectConversionKernel(kInputRgb, kOutputRgbPlanes, 8)(&sample, &sample, &sample, out.data(), 1,
+                                                         1, 1);
+  const auto scaled = static_cast<std::uint8_t>(oracle::scaleTo8Bit(8, &sample));
+  EXPECT_EQ(out, (std::array{scaled, scaled, scaled}));
+}
+
+TEST(NaturalKernelSelection, DataTypeEightGivesTheBooleanRgbKernel) {
+  const std::uint8_t sample = 1;
+  std::array<std::uint8_t, 3> out{};
+  selectConversionKernel(kInputRgb, kOutputRgbPlanes, 8)(&sample, &sample, &sample, out.data(), 1,
+                                                         1, 1);
+  EXPECT_EQ(out, (std::array<std::uint8_t, 3>{255, 255, 255}));
+}
+
+TEST(KernelSelection, UnknownInputKindGivesNull) {
+  for (const std::int32_t kind : {kLowest, -1, 0, 4, 5, kHighest}) {
+    for (const std::int32_t format : {kOutputRgbPlanes, kOutputYuy2}) {
+      for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+        EXPECT_EQ(selectConversionKernel(kind, format, dataType), nullptr) << kind;
+      }
+    }
+  }
+}
+
+TEST(KernelSelection, UnknownOutputFormatGivesNull) {
+  for (const std::int32_t format : {kLowest, -1, 0, 2, 4, kHighest}) {
+    for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
+      for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+        EXPECT_EQ(selectConversionKernel(kind, format, dataType), nullptr) << format;
+      }
+    }
+  }
+}
+
+// The intensity kernel must not look at its second and third plane: they are null here.
+TEST(KernelSelection, IntensityForwardsItsFirstPlaneThreeTimesToTheRgbKernel) {
+  std::mt19937 random(2);
+  for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+    std::vector<std::uint8_t> plane(35 * oracle::sampleBytes(dataType));
+    oracle::SamplePool(dataType).fill(plane.data(), 35, random);
+    for (const std::int32_t layout : {1, 0, 2}) {
+      std::vector<std::uint8_t> expected(3 * 35, 99);
+      std::vector<std::uint8_t> actual(expected);
+      selectConversionKernel(kInputRgb, kOutputRgbPlanes, dataType)(
+          plane.data(), plane.data(), plane.data(), expected.data(), 7, 5, layout);
+      selectConversionKernel(kInputIntensity, kOutputRgbPlanes, dataType)(
+          plane.data(), nullptr, nullptr, actual.data(), 7, 5, layout);
+      EXPECT_EQ(actual, expected) << oracle::typeName(dataType) << ", layout " << layout;
+    }
+  }
+}
+
+template <class Visit>
+void forEachRgbKernel(const Visit& visit) {
+  for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
+    for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+      visit(kind, dataType, selectConversionKernel(kind, kOutputRgbPlanes, dataType));
+    }
+  }
+}
+
+TEST(KernelSelection, AllocatesNothing) {
+  const std::size_t before = allocationCount();
+  forEachRgbKernel([](std::int32_t, std::uint32_t, ConversionKernel) {});
+  EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(KernelSelection, KernelsAllocateNothing) {
+  const std::vector<double> plane(70 * 9, 0.25);
+  std::vector<std::uint8_t> out(3 * plane.size());
+  const std::size_t before = allocationCount();
+  ASSERT_GT(before, 0U);  // The counter counts: the two vectors above are in it.
+  forEachRgbKernel([&](std::int32_t, std::uint32_t, ConversionKernel kernel) {
+    for (const std::int32_t layout : {1, 0}) {
+      kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, layout);
+    }
+  });
+  EXPECT_EQ(allocationCount(), before);
+}
+
+// Each thread selects and runs every kernel on its own output, all at the same time.
+TEST(KernelSelection, SelectionAndKernelsRunInSeveralThreadsAtOnce) {
+  const std::vector<double> plane(70 * 9, 0.25);
+  const auto convertAll = [&plane](std::vector<std::uint8_t>& outputs) {
+    forEachRgbKernel([&](std::int32_t, std::uint32_t, ConversionKernel kernel) {
+      std::vector<std::uint8_t> out(3 * plane.size());
+      kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, 1);
+      outputs.insert(outputs.end(), out.begin(), out.end());
+    });
+  };
+  std::vector<std::uint8_t> expected;
+  convertAll(expected);
+  std::array<std::vector<std::uint8_t>, 4> outputs;
+  std::vector<std::thread> threads;
+  for (auto& output : outputs) threads.emplace_back([&] { convertAll(output); });
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& output : outputs) EXPECT_TRUE(output == expected);
+}
+
+}  // namespace
+}  // namespace framesink

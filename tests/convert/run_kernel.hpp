@@ -1,0 +1,36 @@
+// Small frames as tests write them down: samples in, bytes out.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "convert/kernel_selection.hpp"
+#include "convert/sample_types.hpp"
+
+namespace framesink {
+
+using Bytes = std::vector<std::uint8_t>;
+
+template <std::uint32_t Id>
+using Samples = std::vector<SampleOf<Id>>;
+
+template <std::uint32_t Id>
+using Planes = std::array<Samples<Id>, 3>;
+
+struct FrameShape {
+  std::int32_t width;
+  std::int32_t height;
+  std::int32_t layout = 1;
+};
+
+// Runs the kernel to RGB planes on an output that holds `before`; returns what it holds afterwards.
+template <std::uint32_t Id>
+Bytes runToRgb(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
+  const ConversionKernel kernel = selectConversionKernel(inputKind, kOutputRgbPlanes, Id);
+  kernel(planes[0].data(), planes[1].data(), planes[2].data(), before.data(), shape.width,
+         shape.height, shape.layout);
+  return before;
+}
+
+}  // namespace framesink

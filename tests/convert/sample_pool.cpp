@@ -1,0 +1,142 @@
+#include "sample_pool.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "oracle.hpp"
+#include "pixkit/pixkit.h"
+
+namespace framesink::oracle {
+namespace {
+
+// Where 255 times the position in the range, plus 0.5, leaves the 32-bit integers.
+constexpr double kPositionPastInt32 = 2147483648.0 / 255.0;
+
+template <class Sample>
+Sample nearestSample(double value) {
+  if constexpr (std::is_floating_point_v<Sample>) {
+    return static_cast<Sample>(value);
+  } else {
+    using Limits = std::numeric_limits<Sample>;
+    return static_cast<Sample>(
+        std::clamp<double>(std::nearbyint(value), Limits::lowest(), Limits::max()));
+  }
+}
+
+// Doubles near `value`: as narrowing to single sees them, and right at the ties of that narrowing.
+void addNeighbours(std::vector<double>& samples, double value) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const auto nearest = static_cast<float>(value);
+  for (const float side : {-HUGE_VALF, HUGE_VALF}) {
+    const float next = std::nextafter(nearest, side);
+    const double tie = (double{nearest} + double{next}) / 2;
+    const double after = std::nextafter(next, side);
+    samples.insert(samples.end(), {next, after, tie, std::nextafter(tie, -infinity),
+                                   std::nextafter(tie, infinity), std::nextafter(value, side)});
+  }
+  samples.insert(samples.end(), {value, nearest, value * (1 + 1e-12), value * (1 - 1e-12)});
+}
+
+void addNeighbours(std::vector<float>& samples, double value) {
+  const auto nearest = static_cast<float>(value);
+  samples.push_back(nearest);
+  for (const float side : {-HUGE_VALF, HUGE_VALF}) {
+    float next = nearest;
+    for (int step = 0; step < 3; ++step) samples.push_back(next = std::nextafter(next, side));
+  }
+}
+
+// Wide steps because large 32-bit samples are rounded to multiples of up to 256 in single
+// precision.
+template <class Sample>
+void addNeighbours(std::vector<Sample>& samples, double value) {
+  for (const double step : {0, 1, 2, 63, 64, 65, 127, 128, 129, 255, 256, 257}) {
+    samples.push_back(nearestSample<Sample>(value - step));
+    samples.push_back(nearestSample<Sample>(value + step));
+  }
+}
+
+template <class Sample>
+void addLimits(std::vector<Sample>& samples) {
+  using Limits = std::numeric_limits<Sample>;
+  samples.insert(samples.end(), {Limits::lowest(), Limits::max(), Sample{0}, Sample{1}});
+  if constexpr (std::is_floating_point_v<Sample>) {
+    for (const Sample special : {Limits::infinity(), Limits::quiet_NaN(), Limits::denorm_min(),
+                                 Limits::min(), Sample{0}, Limits::epsilon()}) {
+      samples.push_back(special);
+      samples.push_back(-special);
+    }
+  } else {
+    for (const double power : {127.0, 128.0, 32767.0, 32768.0, 16777217.0, 2147483648.0}) {
+      addNeighbours(samples, power);
+      addNeighbours(samples, -power);
+    }
+  }
+}
+
+template <class Sample>
+void addRandomBits(std::vector<Sample>& samples, std::mt19937& random) {
+  for (int i = 0; i < 1000; ++i) {
+    const std::uint64_t bits = std::uint64_t{random()} << 32 | random();
+    Sample sample;
+    std::memcpy(&sample, &bits, sizeof sample);
+    samples.push_back(sample);
+  }
+}
+
+template <class Sample>
+std::vector<Sample> samplesOfRange(double min, double max) {
+  std::vector<Sample> samples;
+  const auto add = [&](double position) { addNeighbours(samples, min + position * (max - min)); };
+  for (int v = -1; v <= 255; ++v) {
+    add(v / 255.0);
+    add((v + 0.5) / 255.0);
+  }
+  for (const double position : {kPositionPastInt32, -kPositionPastInt32, 1e7, 1e10, -1e10}) {
+    add(position);
+  }
+  addLimits(samples);
+  std::mt19937 random(1);
+  addRandomBits(samples, random);
+  std::uniform_real_distribution<double> position(-0.1, 1.1);
+  for (int i = 0; i < 4000; ++i) {
+    samples.push_back(nearestSample<Sample>(min + position(random) * (max - min)));
+  }
+  return samples;
+}
+
+template <class Sample, int N>
+std::vector<std::uint8_t> poolBytes() {
+  const std::vector<Sample> samples =
+      samplesOfRange<Sample>(static_cast<double>(static_cast<Sample>(videoTraits<N>::min)),
+                             static_cast<double>(static_cast<Sample>(videoTraits<N>::max)));
+  std::vector<std::uint8_t> bytes(samples.size() * sizeof(Sample));
+  std::memcpy(bytes.data(), samples.data(), bytes.size());
+  return bytes;
+}
+
+std::vector<std::uint8_t> poolBytesOf(std::uint32_t dataType) {
+  using Maker = std::vector<std::uint8_t> (*)();
+  constexpr std::array<Maker, kTypeCount> kMakers{
+      poolBytes<double, 0>,       poolBytes<float, 1>,         poolBytes<std::int8_t, 2>,
+      poolBytes<std::uint8_t, 3>, poolBytes<std::int16_t, 4>,  poolBytes<std::uint16_t, 5>,
+      poolBytes<std::int32_t, 6>, poolBytes<std::uint32_t, 7>, poolBytes<std::uint8_t, 8>};
+  return kMakers.at(dataType)();
+}
+
+}  // namespace
+
+SamplePool::SamplePool(std::uint32_t dataType)
+    : sampleBytes_(sampleBytes(dataType)), samples_(poolBytesOf(dataType)) {}
+
+void SamplePool::fill(std::uint8_t* plane, std::size_t count, std::mt19937& random) const {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::memcpy(plane + i * sampleBytes_, sample(random() % size()), sampleBytes_);
+  }
+}
+
+}  // namespace framesink::oracle

@@ -1,0 +1,27 @@
+// Samples worth converting: the ends of the type and of its range, the neighbourhoods of every
+// value at which the 8-bit result changes, what is not a number, and random ones.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace framesink::oracle {
+
+class SamplePool {
+ public:
+  explicit SamplePool(std::uint32_t dataType);
+
+  std::size_t size() const { return samples_.size() / sampleBytes_; }
+  const void* sample(std::size_t i) const { return samples_.data() + i * sampleBytes_; }
+
+  // Writes `count` samples drawn at random to `plane`.
+  void fill(std::uint8_t* plane, std::size_t count, std::mt19937& random) const;
+
+ private:
+  std::size_t sampleBytes_;
+  std::vector<std::uint8_t> samples_;
+};
+
+}  // namespace framesink::oracle
