@@ -1,0 +1,168 @@
+/* A library with framesink's interface and no windows. It writes down every call in the file named
+ * by STUB_LOG, one line each, and keeps the planes of the latest frame in a file beside it.
+ *
+ *   STUB_CLOSE_AFTER   isPlayerOpen answers 0 after that many calls; unset: never. It does so, too,
+ *                      when there is a file of the log's name with ".close" added
+ *   STUB_SLOW_START    the first libUpdate takes that many seconds
+ *   STUB_COMPLAINT     libCreate, libStart or libUpdate: which function reports an error
+ *
+ * Compiled with STUB_WITHOUT_UPDATE it lacks libUpdate. */
+#define _POSIX_C_SOURCE 200809L /* sleep */
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "framesink/framesink.h"
+
+struct Block {
+  InputDescription description;
+};
+
+const char* const framesink_version = "7.8.9";
+const char* const framesink_build_date = "Feb  3 2021";
+const char* const framesink_relative_path = "bin\\win64\\framesink.dll";
+
+static FILE* openBesideLog(const char* ending, const char* mode) {
+  char path[4096];
+  const char* log = getenv("STUB_LOG");
+  if (log == NULL) return NULL;
+  snprintf(path, sizeof path, "%s%s", log, ending);
+  return fopen(path, mode);
+}
+
+static void note(const char* format, ...) {
+  FILE* file = openBesideLog("", "a");
+  if (file == NULL) return;
+  va_list arguments;
+  va_start(arguments, format);
+  vfprintf(file, format, arguments);
+  va_end(arguments);
+  fputc('\n', file);
+  fclose(file);
+}
+
+static int complains(const char* function) {
+  const char* complaint = getenv("STUB_COMPLAINT");
+  return complaint != NULL && strcmp(complaint, function) == 0;
+}
+
+/* As long as a text may be: it fills the buffer and has no terminator. */
+static void complain(char* errorMessage) {
+  memset(errorMessage, '!', FRAMESINK_ERROR_BYTES);
+  memcpy(errorMessage, "stub trouble", strlen("stub trouble"));
+}
+
+void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName,
+                const char* windowTitle, uint8_t fullscreen, const InputDescription* description,
+                uint8_t openAtStart, uint32_t windowX, uint32_t windowY, uint8_t useWindowSize,
+                uint32_t windowWidth, uint32_t windowHeight, uint32_t inputConversion,
+                uint8_t allocatePlaneBuffers, uint8_t synchronous) {
+  const InputDescription* d = description;
+  (void)hostContext;
+  note(
+      "libCreate name=\"%s\" title=\"%s\" fullscreen=%d open=%d x=%d y=%d useSize=%d size=%ux%u "
+      "conversion=%u buffers=%d sync=%d",
+      playerName, windowTitle, fullscreen, openAtStart, (int)windowX, (int)windowY, useWindowSize,
+      windowWidth, windowHeight, inputConversion, allocatePlaneBuffers, synchronous);
+  note(
+      "description valid=%d fourcc=\"%.4s\" inputs=%u components=%u widths=%u,%u,%u "
+      "heights=%u,%u,%u type=%u layout=%d",
+      d->valid, d->fourcc, d->inputCount, d->componentCount, d->widths[0], d->widths[1],
+      d->widths[2], d->heights[0], d->heights[1], d->heights[2], d->dataType, d->layout);
+  if (complains("libCreate")) {
+    complain(errorMessage);
+    return NULL;
+  }
+  struct Block* block = malloc(sizeof *block);
+  block->description = *description;
+  return block;
+}
+
+void libStart(void* block, char* errorMessage) {
+  (void)block;
+  note("libStart");
+  if (complains("libStart")) complain(errorMessage);
+}
+
+#ifndef STUB_WITHOUT_UPDATE
+static uint32_t mix(uint32_t hash, const void* bytes, size_t count) {
+  for (size_t i = 0; i < count; ++i) hash = (hash ^ ((const uint8_t*)bytes)[i]) * 16777619u;
+  return hash;
+}
+
+static void slowStart(void) {
+  static int done = 0;
+  const char* seconds = getenv("STUB_SLOW_START");
+  if (seconds != NULL && !done) sleep((unsigned)atoi(seconds));
+  done = 1;
+}
+
+void libUpdate(void* block, char* errorMessage, const void* plane1, const void* plane2,
+               const void* plane3, uint32_t width, uint32_t height) {
+  static const size_t kSampleBytes[] = {8, 4, 1, 1, 2, 2, 4, 4, 1};
+  const InputDescription* d = &((struct Block*)block)->description;
+  const void* planes[3] = {plane1, plane2, plane3};
+  uint32_t hash = 2166136261u;
+  int count = 0;
+  FILE* frame = openBesideLog(".frame", "wb");
+  for (int i = 0; i < 3 && planes[i] != NULL; ++i, ++count) {
+    const size_t bytes = kSampleBytes[d->dataType] * d->widths[i] * d->heights[i];
+    hash = mix(hash, planes[i], bytes);
+    if (frame != NULL) fwrite(planes[i], 1, bytes, frame);
+  }
+  if (frame != NULL) fclose(frame);
+  slowStart();
+  note("libUpdate size=%08x,%08x planes=%d hash=%08x", width, height, count, hash);
+  if (complains("libUpdate")) complain(errorMessage);
+}
+#endif
+
+void libOutputs(void* block) {
+  (void)block;
+  note("libOutputs");
+}
+
+void libTerminate(void* block) {
+  (void)block;
+  note("libTerminate");
+}
+
+void libDestroy(void* block) {
+  note("libDestroy");
+  free(block);
+}
+
+void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* position,
+                       const uint32_t* size, uint8_t useWindowSize) {
+  (void)fullscreen, (void)position, (void)size, (void)useWindowSize;
+  note("createVideoWindow %s", name);
+}
+
+void destroyVideoWindow(const char* name) { note("destroyVideoWindow %s", name); }
+
+void getWindowPosSize(const char* name, int32_t* position, int32_t* size) {
+  (void)position, (void)size;
+  note("getWindowPosSize %s", name);
+}
+
+uint8_t isPlayerOpen(const char* name) {
+  static int calls = 0;
+  const char* limit = getenv("STUB_CLOSE_AFTER");
+  FILE* closed = openBesideLog(".close", "r");
+  (void)name;
+  if (closed != NULL) {
+    fclose(closed);
+    return 0;
+  }
+  return limit == NULL || calls++ < atoi(limit);
+}
+
+void renameVideoWindow(const char* name, const char* newName, const char* newTitle) {
+  (void)newName, (void)newTitle;
+  note("renameVideoWindow %s", name);
+}
+
+__attribute__((destructor)) static void unload(void) { note("unloaded"); }

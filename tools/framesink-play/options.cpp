@@ -1,0 +1,236 @@
+#include "options.hpp"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iostream>
+#include <limits>
+
+#include "failure.hpp"
+#include "model_source.hpp"
+
+namespace framesink::play {
+namespace {
+
+constexpr double kForever = std::numeric_limits<double>::infinity();
+constexpr double kMostSeconds = 1e8;
+constexpr int kMostWindows = 64;
+constexpr int kMostPixels = 20000;  // of a window, either way
+
+constexpr const char* kFooter =
+    "Exit status:\n"
+    "  0  played to the end, or every window was closed\n"
+    "  1  the source cannot be read or is damaged, or --dump-frame cannot be written\n"
+    "  2  the command line is wrong\n"
+    "  3  the library cannot be loaded or refuses the frames\n"
+    "  4  there is no display\n"
+    "Stopped by Ctrl-C or another signal it cleans up and dies by that signal.";
+
+template <class Number>
+std::optional<Number> wholeNumber(const std::string& text) {
+  Number number{};
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
+  return number;
+}
+
+std::optional<double> finiteNumber(const std::string& text) {
+  const auto number = wholeNumber<double>(text);
+  return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+// Two whole numbers with `separator` between them.
+std::optional<std::pair<int, int>> pairOf(const std::string& text, char separator) {
+  const auto middle = text.find(separator);
+  if (middle == std::string::npos) return std::nullopt;
+  const auto first = wholeNumber<int>(text.substr(0, middle));
+  const auto second = wholeNumber<int>(text.substr(middle + 1));
+  if (!first || !second) return std::nullopt;
+  return std::pair{*first, *second};
+}
+
+[[noreturn]] void refuse(const std::string& option, const std::string& value,
+                         const std::string& wanted) {
+  throw CLI::ValidationError(option, "\"" + value + "\" is not " + wanted);
+}
+
+void parseSize(const std::string& text, Options& options) {
+  const auto size = pairOf(text, 'x');
+  const auto fits = [](int pixels) { return pixels >= 1 && pixels <= kMostPixels; };
+  if (!size || !fits(size->first) || !fits(size->second)) {
+    refuse("--size", text, "WIDTHxHEIGHT, each from 1 to 20000");
+  }
+  options.size = Extent{size->first, size->second};
+}
+
+void parsePosition(const std::string& text, Options& options) {
+  const auto place = pairOf(text, ',');
+  if (!place) refuse("--position", text, "X,Y in whole pixels");
+  options.position = Place{place->first, place->second};
+}
+
+void parseRate(const std::string& text, Options& options) {
+  const auto rate = text == "max" ? kForever : finiteNumber(text).value_or(0);
+  if (rate < 1 / kMostSeconds) refuse("--fps", text, "\"max\" or a number above 0");
+  options.rate = rate;
+}
+
+double parseSeconds(const std::string& option, const std::string& text) {
+  const auto seconds = finiteNumber(text);
+  if (!seconds || *seconds < 0 || *seconds > kMostSeconds) {
+    refuse(option, text, "a number of seconds");
+  }
+  return *seconds;
+}
+
+// "--hold FILE" means a hold without end and the source FILE.
+void parseHold(const std::string& text, Options& options) {
+  options.hold = kForever;
+  if (text.empty()) return;
+  if (!finiteNumber(text) && options.source.empty()) {
+    options.source = text;
+  } else {
+    options.hold = parseSeconds("--hold", text);
+  }
+}
+
+template <class Table>
+std::vector<std::string> namesOf(const Table& table) {
+  std::vector<std::string> names;
+  for (const auto& row : table) names.emplace_back(row.name);
+  return names;
+}
+
+void addPictureOptions(CLI::App& app, Options& options) {
+  app.add_option_function<std::string>(
+         "--kind",
+         [&](const std::string& name) {
+           options.kind = std::ranges::find(kKinds, name, &KindInfo::name)->kind;
+         },
+         "What the planes hold (default: rgb)")
+      ->check(CLI::IsMember(namesOf(kKinds)).description(""))
+      ->type_name("rgb|intensity|ycbcr422");
+  app.add_option_function<std::string>(
+         "--type", [&](const std::string& name) { options.type = findSampleType(name); },
+         "double, single, int8, uint8, int16, uint16, int32, uint32 or\n"
+         "boolean (default: uint8, for the model double)")
+      ->check(CLI::IsMember(namesOf(sampleTypes())).description(""))
+      ->type_name("TYPE");
+  app.add_option_function<std::string>(
+         "--layout",
+         [&](const std::string& name) {
+           options.layout = name == "row" ? Layout::kRow : Layout::kColumn;
+         },
+         "Order of the samples (default: column); row leaves most of the\n"
+         "window as it was")
+      ->check(CLI::IsMember({"column", "row"}).description(""))
+      ->type_name("column|row");
+}
+
+void addWindowOptions(CLI::App& app, Options& options) {
+  app.add_option("--windows", options.windows,
+                 "Windows of each kind and type, up to 64 (default: 1)")
+      ->check(CLI::Range(1, kMostWindows).description(""))
+      ->type_name("N");
+  app.add_flag("--sync", options.synchronous,
+               "Draw and handle events inside each frame's call, not on a thread");
+  app.add_option_function<std::string>(
+         "--size", [&](const std::string& text) { parseSize(text, options); },
+         "Size of each window; the model is computed in this size, too\n"
+         "(default: that of the picture; of the model 400x300)")
+      ->type_name("WxH");
+  app.add_option_function<std::string>(
+         "--position", [&](const std::string& text) { parsePosition(text, options); },
+         "Where the first window goes; the others follow, three in a row")
+      ->type_name("X,Y");
+  app.add_flag("--fullscreen", options.fullscreen,
+               "Open the first window full screen (Escape leaves it)");
+  app.add_option("--title", options.title, "Title of the windows (default: what they show)")
+      ->type_name("TEXT");
+}
+
+void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
+  app.add_option_function<std::string>(
+         "--fps", [&](const std::string& text) { parseRate(text, options); },
+         "Frames per second (default: the video's own pace, for the model 60)")
+      ->type_name("R|max");
+  app.add_option_function<std::string>(
+         "--frames",
+         [&](const std::string& text) {
+           options.frames = wholeNumber<std::uint64_t>(text);
+           if (options.frames.value_or(0) < 1) refuse("--frames", text, "a number of frames");
+         },
+         "Stop after N frames")
+      ->type_name("N");
+  app.add_option_function<std::string>(
+         "--duration",
+         [&](const std::string& text) { options.duration = parseSeconds("--duration", text); },
+         "Stop after S seconds")
+      ->type_name("S");
+  app.add_option("--hold", hold,
+                 "Keep the last frame for S seconds, or until its windows are\n"
+                 "closed. An image stays anyway, for --duration if that is given;\n"
+                 "not with --frames")
+      ->expected(0, 1)
+      ->type_name("[S]");
+}
+
+void addOtherOptions(CLI::App& app, Options& options) {
+  app.add_option("--library", options.library,
+                 "The library to load (default: libframesink.so.1 of this build,\n"
+                 "else of the system)")
+      ->type_name("PATH");
+  app.add_option("--dump-frame", options.dumpFile,
+                 "Write the last frame of the first window to FILE: its samples as\n"
+                 "they were sent, plane after plane")
+      ->type_name("FILE");
+  app.add_flag("--version", options.version, "Print the versions of player and library");
+}
+
+void checkModelSize(const Options& options) {
+  if (!options.source.empty() || !options.size) return;
+  const auto [smaller, larger] = std::minmax(options.size->width, options.size->height);
+  if (smaller >= kSmallestModel && larger <= kLargestModel) return;
+  throw Failure(kUsageTrouble, "--size: the model's sides go from " +
+                                   std::to_string(kSmallestModel) + " to " +
+                                   std::to_string(kLargestModel) + " pixels");
+}
+
+[[noreturn]] void refuseLine(std::string what) {
+  std::ranges::replace(what, '\n', ' ');
+  throw Failure(kUsageTrouble, what + " (--help tells more)");
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int argc, char** argv) {
+  Options options;
+  std::string hold;
+  CLI::App app("Shows a live model, a video or an image in framesink's windows, as a host would.",
+               "framesink-play");
+  app.footer(kFooter);
+  app.get_formatter()->column_width(21);
+  app.add_option("source", options.source,
+                 "A video or an image, or - for standard input (default: a model\n"
+                 "that is computed live, in three windows)")
+      ->type_name("FILE");
+  addPictureOptions(app, options);
+  addWindowOptions(app, options);
+  addTimeOptions(app, options, hold);
+  addOtherOptions(app, options);
+  try {
+    app.parse(argc, argv);
+    if (app.count("--hold") > 0) parseHold(hold, options);
+  } catch (const CLI::CallForHelp&) {
+    std::cout << app.help();
+    return std::nullopt;
+  } catch (const CLI::ParseError& error) {
+    refuseLine(error.what());
+  }
+  checkModelSize(options);
+  return options;
+}
+
+}  // namespace framesink::play

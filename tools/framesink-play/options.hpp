@@ -1,0 +1,48 @@
+// What the user asks for on the command line.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "picture.hpp"
+#include "sample_type.hpp"
+
+namespace framesink::play {
+
+struct Extent {
+  int width, height;
+};
+
+struct Place {
+  int x, y;
+};
+
+struct Options {
+  std::string source;  // empty: the built-in model; "-": standard input
+  std::optional<Kind> kind;
+  const SampleType* type = nullptr;  // null: not asked for
+  Layout layout = Layout::kColumn;
+  int windows = 1;  // of each kind and type shown
+  bool synchronous = false;
+  std::optional<Extent> size;
+  std::optional<Place> position;
+  bool fullscreen = false;
+  std::optional<double> rate;  // frames per second; infinite: as fast as possible
+  std::optional<std::uint64_t> frames;
+  std::optional<double> duration;  // seconds
+  std::optional<double> hold;      // seconds; infinite: until the windows are closed
+  std::string title;
+  std::string library;
+  std::string dumpFile;
+  bool version = false;
+
+  // Without a word about them the model shows one window of each kind.
+  bool isDemo() const { return source.empty() && !kind && type == nullptr; }
+};
+
+// Reads the command line. Nothing when the user only asked for help, which is then printed. Throws
+// Failure for what cannot be understood.
+std::optional<Options> parseOptions(int argc, char** argv);
+
+}  // namespace framesink::play

@@ -1,0 +1,129 @@
+#include "player.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <thread>
+
+#include "failure.hpp"
+#include "signals.hpp"
+
+namespace framesink::play {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kNap = 50ms;          // at most, between looks at windows and signals
+constexpr auto kRepeat = 33ms;       // between repeats of a held frame
+constexpr auto kForgivable = 250ms;  // a longer delay is not caught up with
+constexpr auto kNever = Clock::time_point::max();
+
+Clock::time_point after(Clock::time_point from, double seconds) {
+  if (std::isinf(seconds)) return kNever;
+  return from + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+}
+
+Source& atFirstFrame(Source& source) {
+  if (!source.advance()) throw Failure(kSourceTrouble, "there is nothing to show");
+  return source;
+}
+
+}  // namespace
+
+Player::Player(const Options& options, const Library& library, Source& source)
+    : options_(options),
+      source_(atFirstFrame(source)),
+      views_(openViews(options, library, source)),
+      begin_(Clock::now()),
+      end_(options.duration ? after(begin_, *options.duration) : kNever),
+      start_(begin_) {
+  if (!anyOpen()) throw Failure(kNoDisplay, "no display: the library opened no window");
+}
+
+void Player::run() {
+  if (playFrames()) hold();
+}
+
+// True when the source ended or came to the limits that the user set, with windows still open.
+bool Player::playFrames() {
+  while (true) {
+    const auto due = dueTime();
+    if (!waitUntil(std::min(due, end_))) return false;
+    if (due >= end_) return true;
+    send();
+    if (status_.frames() == options_.frames) break;
+    exhausted_ = !source_.advance();
+    if (exhausted_) break;
+  }
+  return waitUntil(lastFrameEnd());
+}
+
+// Synchronous windows live only while they are sent something.
+void Player::hold() {
+  const auto end = holdEnd();
+  while (waitUntil(std::min(end, Clock::now() + kRepeat)) && Clock::now() < end) {
+    if (options_.synchronous) updateWindows();
+  }
+}
+
+Clock::time_point Player::dueTime() {
+  const auto now = Clock::now();
+  const double rate = options_.rate.value_or(0);
+  if (std::isinf(rate)) return now;
+  const double offset = rate > 0 ? static_cast<double>(status_.frames()) / rate : source_.time();
+  const auto due = after(start_, offset);
+  if (now - due <= kForgivable) return due;
+  start_ += now - due;
+  return now;
+}
+
+// The last frame is shown for as long as any other.
+Clock::time_point Player::lastFrameEnd() const {
+  const double rate = options_.rate.value_or(1 / source_.interval());
+  return std::min(end_, after(Clock::now(), 1 / rate));
+}
+
+Clock::time_point Player::holdEnd() const {
+  if (options_.hold) return after(Clock::now(), *options_.hold);
+  const bool image = exhausted_ && status_.frames() == 1 && !options_.frames;
+  return image && source_.trouble().empty() ? end_ : Clock::now();
+}
+
+void Player::send() {
+  for (View& view : views_) {
+    view.planes.fill(source_.picture(view.planes.kind(), view.planes.type().bytes > 1));
+  }
+  updateWindows();
+  status_.addFrame();
+}
+
+void Player::updateWindows() {
+  for (View& view : views_) {
+    for (const auto& window : view.windows) {
+      if (!window->isOpen()) continue;
+      const auto before = Clock::now();
+      window->update(view.planes);
+      status_.addUpdate(Clock::now() - before);
+    }
+  }
+}
+
+bool Player::anyOpen() const {
+  return std::ranges::any_of(views_, [](const View& view) {
+    return std::ranges::any_of(view.windows, [](const auto& window) { return window->isOpen(); });
+  });
+}
+
+// False when the show is over before that: all windows closed, or a signal came.
+bool Player::waitUntil(Clock::time_point when) {
+  while (stopSignal() == 0 && anyOpen()) {
+    status_.refresh();
+    const auto now = Clock::now();
+    if (now >= when) return true;
+    std::this_thread::sleep_until(std::min<Clock::time_point>(when, now + kNap));
+  }
+  return false;
+}
+
+}  // namespace framesink::play

@@ -1,0 +1,30 @@
+// The nine sample types of a host's planes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "picture.hpp"
+
+namespace framesink::play {
+
+// How the samples of a plane follow one another.
+enum class Layout { kRow, kColumn };
+
+struct SampleType {
+  const char* name;
+  std::uint32_t id;   // a FramesinkDataType
+  std::size_t bytes;  // of one sample
+  // Writes a component as a plane of width x height samples of the type: 0 becomes the minimum of
+  // its range, `one` the maximum; integers are rounded to nearest, boolean is true from half on.
+  void (*store)(const Component& component, Layout layout, void* plane);
+};
+
+std::span<const SampleType> sampleTypes();
+
+// The type of that name; null when there is none.
+const SampleType* findSampleType(std::string_view name);
+
+}  // namespace framesink::play

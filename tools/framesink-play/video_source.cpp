@@ -1,0 +1,211 @@
+#include "video_source.hpp"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/pixdesc.h>
+}
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdarg>
+#include <filesystem>
+
+#include "failure.hpp"
+#include "picture_scaler.hpp"
+#include "signals.hpp"
+
+namespace framesink::play {
+namespace {
+
+constexpr double kUnknownInterval = 1.0 / 25;  // seconds
+constexpr double kLongestInterval = 60;        // a longer step in time is a break in the stream
+constexpr std::int64_t kMostPixels = 1 << 27;  // of one frame
+
+// Set by FFmpeg's log, on any thread: some damage is told there only.
+std::atomic<bool> errorLogged{false};
+
+void listenToLog(void*, int level, const char*, va_list) {
+  if (level <= AV_LOG_ERROR) errorLogged = true;
+}
+
+struct Free {
+  void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
+  void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
+  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+
+template <class Thing>
+using Owned = std::unique_ptr<Thing, Free>;
+
+std::string messageOf(int error) {
+  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+  av_strerror(error, text.data(), text.size());
+  return text.data();
+}
+
+class VideoSource final : public Source {
+ public:
+  explicit VideoSource(const std::string& path) : name_(path == "-" ? "standard input" : path) {
+    errorLogged = false;
+    av_log_set_callback(listenToLog);
+    if (!frame_ || !packet_) throw std::bad_alloc();
+    openFile(path);
+    openDecoder();
+    if (!decode()) fail("no picture could be read from it");
+    width_ = frame_->width;
+    height_ = frame_->height;
+    start_ = frame_->best_effort_timestamp;
+  }
+
+  // The first frame was decoded on opening.
+  bool advance() override {
+    if (frames_++ == 0) return true;
+    if (!decode()) return false;
+    keepTime();
+    return true;
+  }
+
+  int width() const override { return width_; }
+  int height() const override { return height_; }
+  double time() const override { return time_; }
+
+  double interval() const override {
+    const double rate = av_q2d(av_guess_frame_rate(format_.get(), stream_, nullptr));
+    return rate > 0 && rate <= 1000 ? 1 / rate : kUnknownInterval;
+  }
+
+  Picture picture(Kind kind, bool deep) override {
+    const AVPixFmtDescriptor* pixels =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame_->format));
+    const bool wide = pixels != nullptr && pixels->comp[0].depth > 8;
+    try {
+      return scaler_.scale(*frame_, kind, deep && wide, sentWidth(kind, width_), height_);
+    } catch (const Failure& failure) {
+      fail(failure.what());
+    }
+  }
+
+  std::string trouble() const override {
+    return damaged_ || errorLogged ? name_ + ": damaged or cut short, not all of it could be read"
+                                   : "";
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const {
+    throw Failure(kSourceTrouble, name_ + ": " + what);
+  }
+
+  void openFile(const std::string& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) fail("is a directory");
+    AVFormatContext* format = avformat_alloc_context();
+    if (format == nullptr) throw std::bad_alloc();
+    format->interrupt_callback.callback = [](void*) { return stopSignal() != 0 ? 1 : 0; };
+    // Play lists are not to reach beyond this machine's files; names are no patterns.
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "file,pipe", 0);
+    av_dict_set(&options, "pattern_type", "none", 0);
+    const std::string url = path == "-" ? "pipe:0" : "file:" + path;
+    const int error = avformat_open_input(&format, url.c_str(), nullptr, &options);
+    av_dict_free(&options);
+    if (error == AVERROR_INVALIDDATA) fail("not a video or an image");
+    if (error < 0) fail(messageOf(error));
+    format_.reset(format);
+  }
+
+  void openDecoder() {
+    if (avformat_find_stream_info(format_.get(), nullptr) < 0) fail("not a video or an image");
+    const AVCodec* codec = nullptr;
+    const int index = av_find_best_stream(format_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    if (index == AVERROR_DECODER_NOT_FOUND) fail("no decoder for its pictures");
+    if (index < 0) fail("there is no picture in it");
+    for (unsigned i = 0; i < format_->nb_streams; ++i) {
+      if (static_cast<int>(i) != index) format_->streams[i]->discard = AVDISCARD_ALL;
+    }
+    stream_ = format_->streams[index];
+    decoder_.reset(avcodec_alloc_context3(codec));
+    if (!decoder_) throw std::bad_alloc();
+    decoder_->thread_count = 0;
+    decoder_->max_pixels = kMostPixels;
+    decoder_->pkt_timebase = stream_->time_base;
+    int error = avcodec_parameters_to_context(decoder_.get(), stream_->codecpar);
+    if (error >= 0) error = avcodec_open2(decoder_.get(), codec, nullptr);
+    if (error < 0) fail("its decoder cannot start: " + messageOf(error));
+  }
+
+  // Makes frame_ the next picture; false when there is no more.
+  bool decode() {
+    while (stopSignal() == 0) {
+      const int result = avcodec_receive_frame(decoder_.get(), frame_.get());
+      if (result == 0) {
+        if ((frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0 || frame_->decode_error_flags != 0) {
+          damaged_ = true;
+        }
+        return true;
+      }
+      if (result != AVERROR(EAGAIN) && result != AVERROR_EOF) damaged_ = true;
+      if (result == AVERROR_EOF || drained_) return false;
+      feed();
+    }
+    return false;
+  }
+
+  // Gives the decoder the stream's next packet, or the end.
+  void feed() {
+    int error = 0;
+    do {
+      av_packet_unref(packet_.get());
+      error = av_read_frame(format_.get(), packet_.get());
+    } while (error >= 0 && packet_->stream_index != stream_->index);
+    if (error < 0) {
+      damaged_ |= error != AVERROR_EOF;
+      drained_ = true;
+      avcodec_send_packet(decoder_.get(), nullptr);
+      return;
+    }
+    damaged_ |= (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0;
+    damaged_ |= avcodec_send_packet(decoder_.get(), packet_.get()) < 0;
+    av_packet_unref(packet_.get());
+  }
+
+  // Follows the stream's timestamps as long as they make sense.
+  void keepTime() {
+    const std::int64_t stamp = frame_->best_effort_timestamp;
+    const double before = time_;
+    const bool stamped = stamp != AV_NOPTS_VALUE && start_ != AV_NOPTS_VALUE;
+    const double told = stamped ? (static_cast<double>(stamp) - static_cast<double>(start_)) *
+                                          av_q2d(stream_->time_base) +
+                                      shift_
+                                : before;
+    const bool sensible = told > before && told <= before + kLongestInterval;
+    time_ = sensible ? told : before + interval();
+    if (!sensible && stamped) shift_ += time_ - told;
+  }
+
+  std::string name_;
+  Owned<AVFormatContext> format_;
+  Owned<AVCodecContext> decoder_;
+  Owned<AVFrame> frame_{av_frame_alloc()};
+  Owned<AVPacket> packet_{av_packet_alloc()};
+  AVStream* stream_ = nullptr;  // belongs to format_
+  PictureScaler scaler_;
+  int width_ = 0;
+  int height_ = 0;
+  std::int64_t frames_ = 0;
+  std::int64_t start_ = AV_NOPTS_VALUE;  // the first frame's timestamp
+  double time_ = 0;                      // seconds
+  double shift_ = 0;                     // seconds that broken timestamps are off
+  bool drained_ = false;
+  bool damaged_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Source> makeVideoSource(const std::string& path) {
+  return std::make_unique<VideoSource>(path);
+}
+
+}  // namespace framesink::play

@@ -1,0 +1,15 @@
+// Videos and images, read by FFmpeg's libraries.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "source.hpp"
+
+namespace framesink::play {
+
+// Opens a file, or standard input for "-". Throws Failure when there is nothing to be shown. A read
+// that is waiting for its input ends when the player is asked to stop.
+std::unique_ptr<Source> makeVideoSource(const std::string& path);
+
+}  // namespace framesink::play

@@ -1,0 +1,78 @@
+#include "views.hpp"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "failure.hpp"
+
+namespace framesink::play {
+namespace {
+
+struct Look {
+  Kind kind;
+  const SampleType* type;
+};
+
+// Three windows in a row, two rows on a screen of 1280 x 800 pixels; larger windows overlap.
+constexpr Place kFirstPlace{20, 60};
+constexpr int kInRow = 3;
+constexpr Extent kWidestStep{400, 300};
+constexpr Extent kGap{20, 50};  // with room for the title bar
+
+std::vector<Look> looksOf(const Options& options) {
+  if (options.isDemo()) {
+    return {{Kind::kRgb, findSampleType("double")},
+            {Kind::kIntensity, findSampleType("single")},
+            {Kind::kYcbcr422, findSampleType("uint8")}};
+  }
+  const char* usualType = options.source.empty() ? "double" : "uint8";
+  return {{options.kind.value_or(Kind::kRgb),
+           options.type != nullptr ? options.type : findSampleType(usualType)}};
+}
+
+std::string titleOf(const Options& options, const Look& look, int copy) {
+  std::string title = options.title;
+  if (title.empty() && options.source.empty()) title = "framesink";
+  if (title.empty() && options.source == "-") title = "standard input";
+  if (title.empty()) title = std::filesystem::path(options.source).filename().string();
+  if (options.isDemo() || (options.source.empty() && options.title.empty())) {
+    title += std::string(": ") + infoOf(look.kind).label + " " + look.type->name;
+  }
+  return copy == 0 ? title : title + " (" + std::to_string(copy + 1) + ")";
+}
+
+// The place of the window `number`, counted from 0 over all views; a single one is the system's.
+std::optional<Place> placeOf(const Options& options, int number, Extent frame) {
+  if (!options.position && !options.isDemo() && options.windows == 1) return std::nullopt;
+  const Place first = options.position.value_or(kFirstPlace);
+  const Extent size = options.size.value_or(frame);
+  return Place{
+      first.x + number % kInRow * (std::min(size.width, kWidestStep.width) + kGap.width),
+      first.y + number / kInRow * (std::min(size.height, kWidestStep.height) + kGap.height)};
+}
+
+}  // namespace
+
+std::vector<View> openViews(const Options& options, const Library& library, const Source& source) {
+  std::vector<View> views;
+  int number = 0;
+  for (const Look& look : looksOf(options)) {
+    const int width = sentWidth(look.kind, source.width());
+    if (width == 0) throw Failure(kSourceTrouble, "one column is too narrow for YCbCr 4:2:2");
+    View view{{look.kind, *look.type, options.layout, width, source.height()}, {}};
+    for (int copy = 0; copy < options.windows; ++copy, ++number) {
+      const WindowSettings settings{.name = "framesink-play " + std::to_string(number + 1),
+                                    .title = titleOf(options, look, copy),
+                                    .position = placeOf(options, number, {width, source.height()}),
+                                    .size = options.size,
+                                    .fullscreen = options.fullscreen && number == 0,
+                                    .synchronous = options.synchronous};
+      view.windows.push_back(
+          std::make_unique<BlockWindow>(library, settings, view.planes.description()));
+    }
+    views.push_back(std::move(view));
+  }
+  return views;
+}
+
+}  // namespace framesink::play

@@ -1,0 +1,24 @@
+// What is shown where: the kinds and types of frames, and their windows.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "block_window.hpp"
+#include "frame_planes.hpp"
+#include "library.hpp"
+#include "options.hpp"
+#include "source.hpp"
+
+namespace framesink::play {
+
+// Frames of one kind and type, with the windows that show them.
+struct View {
+  FramePlanes planes;
+  std::vector<std::unique_ptr<BlockWindow>> windows;
+};
+
+// Opens all windows that the options ask for. The source must be at a frame. Throws Failure.
+std::vector<View> openViews(const Options& options, const Library& library, const Source& source);
+
+}  // namespace framesink::play
