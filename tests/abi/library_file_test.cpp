@@ -1,0 +1,180 @@
+// The shared library as a file: what it offers, what it asks for, and that it can be unloaded.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <link.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+
+#include "elf_file.hpp"
+
+namespace framesink::test {
+namespace {
+
+using Names = std::set<std::string>;
+
+const ElfFile& library() {
+  static const ElfFile file(FRAMESINK_LIBRARY);
+  return file;
+}
+
+const Names kFunctions{"libCreate",         "libStart",           "libUpdate",
+                       "libOutputs",        "libTerminate",       "libDestroy",
+                       "createVideoWindow", "destroyVideoWindow", "getWindowPosSize",
+                       "isPlayerOpen",      "renameVideoWindow"};
+const Names kData{"framesink_version", "framesink_build_date", "framesink_relative_path"};
+
+Names exported(unsigned type) {
+  Names names;
+  for (const ElfSymbol& symbol : library().dynamicSymbols()) {
+    if (symbol.defined && symbol.type == type) names.insert(symbol.name);
+  }
+  return names;
+}
+
+Names definedBy(const std::string& path) {
+  Names names;
+  const ElfFile file(path);
+  for (const ElfSymbol& symbol : file.dynamicSymbols()) {
+    if (symbol.defined) names.insert(symbol.name);
+  }
+  return names;
+}
+
+// Paths of all loaded libraries by their own names.
+std::map<std::string, std::string> loadedLibraries() {
+  void* handle = dlopen(FRAMESINK_LIBRARY, RTLD_NOW);
+  const link_map* loaded = nullptr;
+  if (handle == nullptr || dlinfo(handle, RTLD_DI_LINKMAP, &loaded) != 0) return {};
+  while (loaded->l_prev != nullptr) loaded = loaded->l_prev;
+  std::map<std::string, std::string> paths;
+  for (; loaded != nullptr; loaded = loaded->l_next) {
+    const std::string path = loaded->l_name;
+    paths[path.substr(path.rfind('/') + 1)] = path;
+  }
+  dlclose(handle);
+  return paths;
+}
+
+TEST(LibraryFile, ExportsElevenFunctionsAndThreeDataSymbolsAndNothingElse) {
+  EXPECT_EQ(exported(STT_FUNC), kFunctions);
+  EXPECT_EQ(exported(STT_OBJECT), kData);
+  const auto isDefined = [](const ElfSymbol& symbol) { return symbol.defined; };
+  const auto& symbols = library().dynamicSymbols();
+  EXPECT_EQ(std::count_if(symbols.begin(), symbols.end(), isDefined), 14);
+}
+
+TEST(LibraryFile, DataExportsAreOfAPointersSize) {
+  for (const ElfSymbol& symbol : library().dynamicSymbols()) {
+    if (symbol.defined && symbol.type == STT_OBJECT) {
+      EXPECT_EQ(symbol.size, sizeof(void*)) << symbol.name;
+    }
+  }
+}
+
+TEST(LibraryFile, IsNamedByItsMajorVersion) {
+  EXPECT_EQ(library().dynamicStrings(DT_SONAME), std::vector<std::string>{"libframesink.so.1"});
+}
+
+TEST(LibraryFile, SymbolsHaveNoVersions) {
+  EXPECT_TRUE(library().dynamicValues(DT_VERDEF).empty());
+}
+
+// A unique symbol, or the flag, would keep the library mapped after dlclose.
+TEST(LibraryFile, CanBeUnloaded) {
+  for (const auto* symbols : {&library().dynamicSymbols(), &library().allSymbols()}) {
+    for (const ElfSymbol& symbol : *symbols) {
+      EXPECT_NE(symbol.binding, unsigned{STB_GNU_UNIQUE}) << symbol.name;
+    }
+  }
+  for (const std::uint64_t flags : library().dynamicValues(DT_FLAGS_1)) {
+    EXPECT_EQ(flags & DF_1_NODELETE, 0U);
+  }
+}
+
+TEST(LibraryFile, HasNoThreadLocalStorage) {
+  EXPECT_FALSE(library().hasSegment(PT_TLS));
+  for (const ElfSymbol& symbol : library().allSymbols()) {
+    if (symbol.defined) {
+      EXPECT_NE(symbol.type, unsigned{STT_TLS}) << symbol.name;
+    }
+  }
+}
+
+TEST(LibraryFile, HasNoExecutableStackAndNoTextRelocations) {
+  EXPECT_TRUE(library().hasSegment(PT_GNU_STACK));
+  EXPECT_FALSE(library().isSegmentExecutable(PT_GNU_STACK));
+  EXPECT_TRUE(library().dynamicValues(DT_TEXTREL).empty());
+}
+
+TEST(LibraryFile, NeedsSdlAndPixkit) {
+  const auto needed = library().dynamicStrings(DT_NEEDED);
+  const auto needs = [&](const char* part) {
+    return std::any_of(needed.begin(), needed.end(), [&](const std::string& name) {
+      return name.find(part) != std::string::npos;
+    });
+  };
+  EXPECT_TRUE(needs("libSDL2"));
+  EXPECT_TRUE(needs("libpixkit"));
+}
+
+// Every other symbol comes from a library that it names itself.
+TEST(LibraryFile, LeavesNoSymbolUndefined) {
+  const auto loaded = loadedLibraries();
+  Names offered;
+  for (const std::string& name : library().dynamicStrings(DT_NEEDED)) {
+    ASSERT_TRUE(loaded.count(name)) << name;
+    offered.merge(definedBy(loaded.at(name)));
+  }
+  for (const ElfSymbol& symbol : library().dynamicSymbols()) {
+    if (symbol.defined || symbol.binding == STB_WEAK || symbol.name.empty()) continue;
+    EXPECT_TRUE(offered.count(symbol.name)) << symbol.name;
+  }
+}
+
+// ---- SDL ----------------------------------------------------------------------------------------
+
+const Names kAllowedSdlFunctions{"SDL_WasInit",           "SDL_Init",
+                                 "SDL_EnableScreenSaver", "SDL_Quit",
+                                 "SDL_CreateThread",      "SDL_CreateMutex",
+                                 "SDL_DestroyMutex",      "SDL_LockMutex",
+                                 "SDL_UnlockMutex",       "SDL_Delay",
+                                 "SDL_PollEvent",         "SDL_CreateWindow",
+                                 "SDL_DestroyWindow",     "SDL_GetWindowID",
+                                 "SDL_GetWindowFlags",    "SDL_GetWindowPixelFormat",
+                                 "SDL_GetWindowSize",     "SDL_SetWindowSize",
+                                 "SDL_SetWindowTitle",    "SDL_SetWindowFullscreen",
+                                 "SDL_ShowWindow",        "SDL_RaiseWindow",
+                                 "SDL_SetWindowIcon",     "SDL_CreateRGBSurfaceFrom",
+                                 "SDL_FreeSurface",       "SDL_CreateRenderer",
+                                 "SDL_DestroyRenderer",   "SDL_RenderSetLogicalSize",
+                                 "SDL_RenderClear",       "SDL_RenderCopy",
+                                 "SDL_RenderPresent",     "SDL_CreateTexture",
+                                 "SDL_DestroyTexture",    "SDL_LockTexture",
+                                 "SDL_UnlockTexture",     "SDL_GetError",
+                                 "SDL_LogError",          "SDL_SetHintWithPriority"};
+
+TEST(LibraryFile, UsesOnlyTheSdlFunctionsThatItMay) {
+  Names used;
+  for (const ElfSymbol& symbol : library().dynamicSymbols()) {
+    if (symbol.name.rfind("SDL_", 0) == 0) used.insert(symbol.name);
+  }
+  EXPECT_TRUE(used.count("SDL_CreateWindow"));
+  for (const std::string& name : used) EXPECT_TRUE(kAllowedSdlFunctions.count(name)) << name;
+}
+
+// The library loads against an SDL that has no hints.
+TEST(LibraryFile, CanDoWithoutSdlsHints) {
+  int references = 0;
+  for (const ElfSymbol& symbol : library().dynamicSymbols()) {
+    if (symbol.name != "SDL_SetHintWithPriority") continue;
+    EXPECT_EQ(symbol.binding, unsigned{STB_WEAK});
+    ++references;
+  }
+  EXPECT_EQ(references, 1);
+}
+
+}  // namespace
+}  // namespace framesink::test

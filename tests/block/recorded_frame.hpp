@@ -1,0 +1,24 @@
+// Looks at the frame buffer into which the blocks of a name convert.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "display/video_window_registry.hpp"
+#include "test_frame.hpp"
+
+namespace framesink::test {
+
+// Empty when the name is not registered.
+inline Bytes recordedFrame(const std::string& name) {
+  const VideoWindow* window = videoWindowRegistry().findVideoWindow(name);
+  if (window == nullptr) return {};
+  const std::uint8_t* frame = window->frameBuffer.get();
+  return {frame, frame + frameByteCount(window->frameSize())};
+}
+
+// A frame that nobody has converted anything to.
+inline Bytes blankFrame(Size size) { return Bytes(frameByteCount(size)); }
+
+}  // namespace framesink::test

@@ -1,0 +1,62 @@
+// What the tests of the display have in common.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "display/sdl_server.hpp"
+#include "frames.hpp"
+#include "sdl_spy.hpp"
+#include "support/scoped_variable.hpp"
+#include "support/x_client.hpp"
+
+namespace framesink {
+
+// For messages of failed tests.
+inline void PrintTo(const Size& size, std::ostream* out) {
+  *out << size.width << "x" << size.height;
+}
+inline void PrintTo(const Position& position, std::ostream* out) {
+  *out << static_cast<std::int32_t>(position.x) << "," << static_cast<std::int32_t>(position.y);
+}
+
+}  // namespace framesink
+
+namespace framesink::test {
+
+// SDL without a screen, watched: for what is asked of SDL, not for what a user sees.
+class DummyVideoTest : public testing::Test {
+ protected:
+  ScopedVariable driver{"SDL_VIDEODRIVER", "dummy"};
+  SdlSpy spy;
+};
+
+inline constexpr Size kFrameSize{64, 48};
+inline constexpr Position kPlace{60, 80};
+
+// What addPlayer is asked for.
+struct Opening {
+  std::string title = "player";
+  Size frameSize = kFrameSize;
+  std::optional<Size> windowSize{};  // the frame's when absent
+  Position position = kPlace;
+  bool fullscreen = false;
+};
+
+// Adds a player that first shows a black frame.
+std::uint32_t addPlayer(SdlServer& server, const Opening& opening = {});
+
+void deliver(SdlServer& server, std::uint32_t player, const Frame& frame);
+
+// The player's window has been made. Waits for it.
+bool hasWindow(SdlServer& server, std::uint32_t player);
+
+// Waits until the window shows `picture` and nothing else.
+testing::AssertionResult shows(XClient& x, Window window, const Image& picture,
+                               std::chrono::milliseconds deadline = kDeadline);
+
+}  // namespace framesink::test

@@ -1,0 +1,100 @@
+#include "display/display_thread.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "display_helpers.hpp"
+#include "sdl_spy.hpp"
+#include "support/capture_stderr.hpp"
+#include "support/os_facts.hpp"
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+// What the display thread runs here: it waits until it is told to end.
+class DisplayThreadTest : public DummyVideoTest {
+ protected:
+  ~DisplayThreadTest() override {
+    mayEnd = true;
+    thread.awaitEnd(inTime());
+  }
+
+  void start() { thread.start("testThread", body, this); }
+  static Clock::time_point inTime() { return Clock::now() + kDeadline; }
+  static bool isThere() {
+    const auto names = threadNames();
+    return std::find(names.begin(), names.end(), "testThread") != names.end();
+  }
+
+  DisplayThread thread;
+  std::atomic<bool> began{false};
+  std::atomic<bool> knewItself{false};
+  std::atomic<bool> mayEnd{false};
+
+ private:
+  static void body(void* argument) {
+    auto* test = static_cast<DisplayThreadTest*>(argument);
+    test->began = true;
+    while (!test->mayEnd) std::this_thread::yield();
+  }
+};
+
+TEST_F(DisplayThreadTest, IsNobodyBeforeItIsStarted) {
+  EXPECT_FALSE(thread.isRunning());
+  EXPECT_FALSE(thread.isThisThread());
+  EXPECT_FALSE(thread.isLost());
+  EXPECT_TRUE(thread.awaitEnd(Clock::now()));
+}
+
+TEST_F(DisplayThreadTest, RunsItsBodyUnderItsName) {
+  start();
+  EXPECT_TRUE(thread.isRunning());
+  EXPECT_TRUE(waitUntil([&] { return began.load(); }));
+  EXPECT_TRUE(isThere());
+  EXPECT_FALSE(thread.isThisThread());
+  EXPECT_FALSE(thread.isLost());
+}
+
+TEST_F(DisplayThreadTest, IsGoneWhenItsEndHasBeenAwaited) {
+  start();
+  mayEnd = true;
+  EXPECT_TRUE(thread.awaitEnd(inTime()));
+  EXPECT_FALSE(thread.isRunning());
+  EXPECT_FALSE(isThere());
+}
+
+TEST_F(DisplayThreadTest, IsAwaitedToTheDeadlineOnly) {
+  start();
+  const auto before = Clock::now();
+  EXPECT_FALSE(thread.awaitEnd(before + milliseconds(20)));
+  EXPECT_GE(Clock::now() - before, milliseconds(20));
+  EXPECT_TRUE(thread.isRunning());
+}
+
+TEST_F(DisplayThreadTest, TellsThatItCouldNotBeStarted) {
+  spy.refuse("SDL_CreateThread");
+  const CaptureStderr said;
+  start();
+  EXPECT_EQ(said.text(), "Internal error: SDL_CreateThread failed: refused by the test\n");
+  EXPECT_FALSE(thread.isRunning());
+  EXPECT_TRUE(thread.awaitEnd(Clock::now()));
+}
+
+TEST_F(DisplayThreadTest, IsNeitherJoinedNorDetached) {
+  start();
+  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+  mayEnd = true;
+  EXPECT_TRUE(thread.awaitEnd(inTime()));
+  EXPECT_EQ(spy.count("SDL_WaitThread"), 0U);
+  EXPECT_EQ(spy.count("SDL_DetachThread"), 0U);
+}
+
+}  // namespace
+}  // namespace framesink::test

@@ -1,0 +1,38 @@
+// Holds the display thread in the middle of what it does.
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "sdl_spy.hpp"
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+
+// Holds the display thread before its next call of an SDL function until release() or the end.
+class Hold {
+ public:
+  Hold(SdlSpy& spy, const std::string& function)
+      : hook_(spy.before(function, [this](const SdlCall&) {
+          if (!isDisplayThread()) return;
+          reached_ = true;
+          while (!released_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        })) {}
+  ~Hold() { release(); }
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+
+  // Waits until the thread is there; false at the deadline.
+  bool isReached() const {
+    return waitUntil([&] { return reached_.load(); });
+  }
+  void release() { released_ = true; }
+
+ private:
+  std::atomic<bool> reached_{false};
+  std::atomic<bool> released_{false};
+  const SdlHook hook_;
+};
+
+}  // namespace framesink::test

@@ -1,0 +1,109 @@
+// The end of host calls is for good: each of these tests needs a process of its own.
+#include "display/host_calls.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "display/sdl_session.hpp"
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+namespace {
+
+bool areCallsTurnedAway() { return !HostCall(); }
+
+// endHostCalls() on a thread of its own.
+class Ending {
+ public:
+  ~Ending() { thread_.join(); }
+
+  bool hasEndedAfterAWhile() const {
+    return waitUntil([&] { return ended_.load(); }, std::chrono::milliseconds(30));
+  }
+  bool answer() const {
+    EXPECT_TRUE(waitUntil([&] { return ended_.load(); }));
+    return answer_;
+  }
+
+ private:
+  std::atomic<bool> ended_{false};
+  std::atomic<bool> answer_{false};
+  std::thread thread_{[this] {
+    answer_ = endHostCalls();
+    ended_ = true;
+  }};
+};
+
+TEST(HostCalls, AreLetInBeforeTheEnd) { EXPECT_TRUE(HostCall()); }
+
+TEST(HostCalls, AreTurnedAwayAfterTheEnd) {
+  EXPECT_TRUE(endHostCalls());
+  EXPECT_TRUE(areCallsTurnedAway());
+}
+
+TEST(HostCalls, TheEndMayComeTwice) {
+  EXPECT_TRUE(endHostCalls());
+  EXPECT_TRUE(endHostCalls());
+}
+
+TEST(HostCalls, TheEndWaitsForCallsOfOtherThreads) {
+  auto call = std::make_unique<HostCall>();
+  const Ending ending;
+  EXPECT_TRUE(waitUntil(areCallsTurnedAway));
+  EXPECT_FALSE(ending.hasEndedAfterAWhile());
+  call.reset();
+  EXPECT_TRUE(ending.answer());
+}
+
+TEST(HostCalls, TheEndDoesNotWaitForItsOwnThreadsCall) {
+  const HostCall call;
+  EXPECT_FALSE(endHostCalls());
+  EXPECT_TRUE(areCallsTurnedAway());
+}
+
+TEST(HostCalls, TheEndDoesNotWaitInsideTheGate) {
+  const std::lock_guard gate(sdlGate);
+  EXPECT_FALSE(endHostCalls());
+  EXPECT_TRUE(areCallsTurnedAway());
+}
+
+TEST(HostCalls, ANestedCallLeavesItsThreadACaller) {
+  const HostCall outer;
+  { const HostCall inner; }
+  EXPECT_FALSE(endHostCalls());
+}
+
+TEST(HostCalls, TheEndWaitsForMoreCallsThanAreKnownByThread) {
+  std::deque<HostCall> calls(100);
+  const Ending ending;
+  EXPECT_TRUE(waitUntil(areCallsTurnedAway));
+  while (calls.size() > 1) calls.pop_back();
+  EXPECT_FALSE(ending.hasEndedAfterAWhile());
+  calls.clear();
+  EXPECT_TRUE(ending.answer());
+}
+
+TEST(HostCalls, AForkHasNoEndOfItsOwn) {
+  const pid_t fork = ::fork();
+  if (fork == 0) ::_exit(endHostCalls() ? 1 : 0);
+  int status = -1;
+  ASSERT_EQ(::waitpid(fork, &status, 0), fork);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(endHostCalls());
+}
+
+TEST(HostCalls, AFreedPlaceIsTakenAgain) {
+  for (int i = 0; i < 1000; ++i) const HostCall call;
+  const HostCall call;
+  EXPECT_FALSE(endHostCalls()) << "the thread is not known any more";
+}
+
+}  // namespace
+}  // namespace framesink::test

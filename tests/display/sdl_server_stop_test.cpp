@@ -1,0 +1,215 @@
+// How a threaded server ends, without a screen.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <optional>
+#include <thread>
+
+#include "hold.hpp"
+#include "pass_stepper.hpp"
+#include "server_fixtures.hpp"
+#include "support/capture_stderr.hpp"
+#include "support/os_facts.hpp"
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Clock = std::chrono::steady_clock;
+
+bool isDisplayThreadThere() {
+  const Names names = threadNames();
+  return std::find(names.begin(), names.end(), "sdlVideoPlayers") != names.end();
+}
+
+class SdlServerStopTest : public ThreadedServerTest {
+ protected:
+  Numbers restsOf(int thread) const {
+    Numbers rests;
+    for (const SdlCall& call : spy.calls("SDL_Delay")) {
+      if (call.thread == thread) rests.push_back(call.arguments[0]);
+    }
+    return rests;
+  }
+
+  // Adds a player and lets the display thread stand where it draws it, in the middle of a pass.
+  void holdDisplayThread() {
+    hold.emplace(spy, "SDL_RenderPresent");
+    addPlayer(server);
+    EXPECT_TRUE(hold->isReached());
+  }
+  void releaseDisplayThread() {
+    hold->release();
+    EXPECT_TRUE(waitUntil([] { return !isDisplayThreadThere(); }));
+  }
+
+  std::optional<Hold> hold;
+};
+
+TEST_F(SdlServerStopTest, WithoutAPlayerThereIsNothingToStop) {
+  EXPECT_TRUE(server.stop());
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+TEST_F(SdlServerStopTest, TheThreadIsGoneAfterwards) {
+  open();
+  ASSERT_TRUE(isDisplayThreadThere());
+  EXPECT_TRUE(server.stop());
+  EXPECT_FALSE(isDisplayThreadThere());
+}
+
+TEST_F(SdlServerStopTest, ReturnsFarWithinItsBound) {
+  for (int i = 0; i < 4; ++i) open();
+  const auto before = Clock::now();
+  EXPECT_TRUE(server.stop());
+  EXPECT_LT(Clock::now() - before, seconds(5));
+}
+
+TEST_F(SdlServerStopTest, TheDisplayThreadDestroysTheWindows) {
+  open();
+  open();
+  EXPECT_TRUE(server.stop());
+  EXPECT_FALSE(server.hasOpenPlayer(0));
+  const auto destroyed = spy.calls("SDL_DestroyWindow");
+  ASSERT_EQ(destroyed.size(), 2U);
+  for (const SdlCall& call : destroyed) EXPECT_NE(call.thread, hostThread);
+}
+
+TEST_F(SdlServerStopTest, TheMutexGoesAfterTheLastWindow) {
+  open();
+  const std::int64_t mutex = spy.last("SDL_CreateMutex").result;
+  EXPECT_TRUE(server.stop());
+  const Names order = spy.order();
+  EXPECT_EQ(order.back(), "SDL_DestroyMutex");
+  EXPECT_EQ(spy.last("SDL_DestroyMutex").arguments, Numbers{mutex});
+}
+
+TEST_F(SdlServerStopTest, DoesNotShutSdlDown) {
+  open();
+  EXPECT_TRUE(server.stop());
+  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+}
+
+TEST_F(SdlServerStopTest, MayBeCalledTwice) {
+  open();
+  EXPECT_TRUE(server.stop());
+  spy.forget();
+  EXPECT_TRUE(server.stop());
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+TEST_F(SdlServerStopTest, NobodyIsAddedAfterwards) {
+  open();
+  EXPECT_TRUE(server.stop());
+  spy.forget();
+  EXPECT_EQ(addPlayer(server), kNoPlayer);
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+TEST_F(SdlServerStopTest, WaitsInStepsOfTenMillisecondsWhilePlayersAreListed) {
+  holdDisplayThread();
+  const SdlHook hook = spy.before("SDL_Delay", [&](const SdlCall& call) {
+    if (call.thread == hostThread && restsOf(hostThread).size() >= 3) hold->release();
+  });
+  EXPECT_TRUE(server.stop());
+  const Numbers rests = restsOf(hostThread);
+  EXPECT_GE(rests.size(), 3U);
+  EXPECT_EQ(std::count(rests.begin(), rests.end(), 10), static_cast<std::ptrdiff_t>(rests.size()));
+}
+
+TEST_F(SdlServerStopTest, DoesNotRestWithSdlOnceNoPlayerIsListed) {
+  server.closePlayer(open());
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  std::optional<PassStepper> passes(spy);
+  ASSERT_TRUE(passes->halted());
+  std::atomic<bool> stopped{false};
+  std::thread host([&] {
+    EXPECT_TRUE(server.stop());
+    stopped = true;
+  });
+  EXPECT_FALSE(waitUntil([&] { return stopped.load(); }, milliseconds(30)));
+  passes.reset();
+  host.join();
+  for (const SdlCall& rest : spy.calls("SDL_Delay")) EXPECT_NE(rest.arguments[0], 10);
+}
+
+// The rests are not made here, so that 20 s of them take no time.
+TEST_F(SdlServerStopTest, WaitsAtMostTwentySecondsForThePlayersToGo) {
+  holdDisplayThread();
+  spy.forget();
+  spy.refuse("SDL_Delay");
+  EXPECT_FALSE(server.stop());
+  EXPECT_EQ(restsOf(hostThread), Numbers(2000, 10));
+  EXPECT_EQ(spy.count("SDL_DestroyMutex"), 0U) << "the thread still uses it";
+  spy.permit("SDL_Delay");
+  releaseDisplayThread();
+  EXPECT_TRUE(server.stop());
+  EXPECT_EQ(spy.count("SDL_DestroyMutex"), 1U);
+}
+
+TEST_F(SdlServerStopTest, WaitsItsTwentySecondsOnlyOnce) {
+  holdDisplayThread();
+  spy.refuse("SDL_Delay");
+  EXPECT_FALSE(server.stop());
+  spy.permit("SDL_Delay");
+  spy.forget();
+  const auto before = Clock::now();
+  EXPECT_FALSE(server.stop());
+  EXPECT_LT(Clock::now() - before, seconds(5));
+  EXPECT_EQ(restsOf(hostThread), Numbers{});
+  releaseDisplayThread();
+}
+
+TEST_F(SdlServerStopTest, DoesNotWaitOnTheDisplayThreadItself) {
+  std::atomic<bool> stopped{false};
+  std::atomic<bool> answer{true};
+  std::atomic<int> displayThread{0};
+  const SdlHook hook = spy.before("SDL_RenderPresent", [&](const SdlCall& call) {
+    if (stopped) return;
+    displayThread = call.thread;
+    answer = server.stop();
+    stopped = true;
+  });
+  addPlayer(server);
+  EXPECT_TRUE(waitUntil([&] { return stopped.load(); }, seconds(5)));
+  EXPECT_FALSE(answer);
+  const Numbers rests = restsOf(displayThread);
+  EXPECT_EQ(std::count(rests.begin(), rests.end(), 10), 0);
+  EXPECT_TRUE(server.stop()) << "from elsewhere it still stops";
+}
+
+TEST_F(SdlServerStopTest, WithoutAThreadItDoesNotWait) {
+  spy.refuse("SDL_CreateThread");
+  const CaptureStderr said;
+  addPlayer(server);
+  EXPECT_TRUE(server.hasOpenPlayer(0));
+  EXPECT_TRUE(server.stop());
+  EXPECT_EQ(restsOf(hostThread), Numbers{});
+}
+
+// ---- The destructor ----
+
+class SdlServerDestructorTest : public DummyVideoTest {};
+
+TEST_F(SdlServerDestructorTest, ShutsSdlDownForAServerThatWasNeverUsedToo) {
+  { const SdlServer server(true); }
+  EXPECT_EQ(spy.order(), Names{"SDL_Quit"});
+}
+
+TEST_F(SdlServerDestructorTest, StopsTheServerAndShutsSdlDown) {
+  {
+    SdlServer server(true);
+    addPlayer(server);
+    hasWindow(server, 0);
+  }
+  EXPECT_FALSE(isDisplayThreadThere());
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(spy.order().back(), "SDL_Quit");
+  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+}
+
+}  // namespace
+}  // namespace framesink::test

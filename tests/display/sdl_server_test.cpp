@@ -1,0 +1,421 @@
+// The threaded server, pass by pass, without a screen.
+#include "display/sdl_server.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "allocations.hpp"
+#include "events.hpp"
+#include "frames.hpp"
+#include "pass_stepper.hpp"
+#include "sdl_spy.hpp"
+#include "server_fixtures.hpp"
+#include "shown_frames.hpp"
+#include "support/capture_stderr.hpp"
+#include "support/os_facts.hpp"
+
+namespace framesink::test {
+namespace {
+
+class SdlServerTest : public ThreadedServerTest {
+ protected:
+  // The numbers of milliseconds that the display thread slept, one per pass.
+  Numbers passRests() const {
+    Numbers rests;
+    for (const SdlCall& call : spy.calls("SDL_Delay")) {
+      if (call.thread != hostThread) rests.push_back(call.arguments[0]);
+    }
+    return rests;
+  }
+};
+
+// ---- Start ----
+
+TEST_F(SdlServerTest, AsksNothingOfSdlBeforeTheFirstPlayer) {
+  EXPECT_FALSE(server.hasOpenPlayer(0));
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+TEST_F(SdlServerTest, TheFirstPlayerInitialisesSdlAndStartsTheDisplayThread) {
+  addPlayer(server);
+  const Names starting{"SDL_Init", "SDL_EnableScreenSaver", "SDL_CreateMutex", "SDL_CreateThread"};
+  Names order;
+  for (const SdlCall& call : spy.calls()) {
+    const bool isStarting =
+        std::find(starting.begin(), starting.end(), call.function) != starting.end();
+    if (isStarting && call.thread == hostThread) order.push_back(call.function);
+  }
+  EXPECT_EQ(order, starting);
+  EXPECT_EQ(spy.last("SDL_CreateThread").texts, Names{"sdlVideoPlayers"});
+}
+
+TEST_F(SdlServerTest, AFurtherPlayerStartsNothing) {
+  addPlayer(server);
+  addPlayer(server);
+  for (const char* function :
+       {"SDL_Init", "SDL_EnableScreenSaver", "SDL_CreateMutex", "SDL_CreateThread"}) {
+    EXPECT_EQ(spy.count(function), 1U) << function;
+  }
+}
+
+TEST_F(SdlServerTest, StartsOneThreadForPlayersAddedAtTheSameTime) {
+  std::vector<std::thread> hosts;
+  for (int i = 0; i < 4; ++i) hosts.emplace_back([&] { addPlayer(server); });
+  for (auto& host : hosts) host.join();
+  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+  for (std::uint32_t player = 0; player < 4; ++player) EXPECT_TRUE(hasWindow(server, player));
+}
+
+TEST_F(SdlServerTest, TheDisplayThreadIsNamedSdlVideoPlayers) {
+  open();
+  const Names names = threadNames();
+  EXPECT_EQ(std::count(names.begin(), names.end(), "sdlVideoPlayers"), 1);
+}
+
+TEST_F(SdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
+  EXPECT_EQ(addPlayer(server), 0U);
+  EXPECT_EQ(addPlayer(server), 1U);
+  server.closePlayer(0);
+  server.closePlayer(1);
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 2; }));
+  EXPECT_EQ(addPlayer(server), 2U);
+  EXPECT_EQ(addPlayer(server), 3U);
+}
+
+// ---- Threads ----
+
+TEST_F(SdlServerTest, MakesDrawsAndDestroysWindowsOnTheDisplayThreadAlone) {
+  const std::uint32_t player = open();
+  deliver(server, player, noiseFrame(kFrameSize, 1));
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_RenderPresent") >= 2; }));
+  server.closePlayer(player);
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  const int displayThread = spy.last("SDL_CreateWindow").thread;
+  EXPECT_NE(displayThread, hostThread);
+  for (const SdlCall& call : spy.calls()) {
+    const bool isStart = call.function == "SDL_Init" || call.function == "SDL_WasInit" ||
+                         call.function == "SDL_EnableScreenSaver" ||
+                         call.function == "SDL_SetHintWithPriority" ||
+                         call.function == "SDL_CreateThread";
+    const bool isLock = call.function.find("Mutex") != std::string::npos;
+    if (isStart || isLock || call.function == "SDL_Delay") continue;
+    EXPECT_EQ(call.thread, displayThread) << call.function;
+  }
+}
+
+TEST_F(SdlServerTest, AFrameCostsTheHostNoCallOfSdlAndNoAllocation) {
+  const std::uint32_t player = open();
+  const Frame frame = noiseFrame(kFrameSize, 1);
+  const PassStepper passes(spy);
+  spy.forget();
+  const std::size_t before = allocationCount();
+  deliver(server, player, frame);
+  EXPECT_EQ(allocationCount(), before);
+  for (const SdlCall& call : spy.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
+}
+
+TEST_F(SdlServerTest, OnlyAddPlayerTakesTheLock) {
+  const std::uint32_t player = open();
+  spy.forget();
+  deliver(server, player, noiseFrame(kFrameSize, 1));
+  server.hasOpenPlayer(player);
+  server.windowGeometry(player);
+  server.isPlayerFullscreen(player);
+  server.raisePlayer(player);
+  server.renamePlayer(player, "another");
+  server.closePlayer(player);
+  const auto locksOfTheHost = [&] {
+    const auto locks = spy.calls("SDL_LockMutex");
+    return std::count_if(locks.begin(), locks.end(),
+                         [&](const SdlCall& call) { return call.thread == hostThread; });
+  };
+  EXPECT_EQ(locksOfTheHost(), 0);
+  addPlayer(server);
+  EXPECT_EQ(locksOfTheHost(), 1);
+}
+
+// ---- Passes ----
+
+TEST_F(SdlServerTest, RestsOneMillisecondBetweenPassesWithPlayersAndThreeWithout) {
+  PassStepper passes(spy);
+  const std::uint32_t player = addPlayer(server);
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(passRests().back(), 1);
+  server.closePlayer(player);
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(passRests().back(), 3);
+}
+
+TEST_F(SdlServerTest, APassIsOneLockOneWalkAndOneDrain) {
+  open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  spy.forget();
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.order(), (Names{"SDL_PollEvent", "SDL_UnlockMutex", "SDL_Delay", "SDL_LockMutex"}))
+      << "from behind one lock to the next";
+}
+
+TEST_F(SdlServerTest, MakesTheWindowAndShowsTheInitialFrameInOnePass) {
+  PassStepper passes(spy);
+  const ShownFrames shown(spy, kFrameSize);
+  addPlayer(server);
+  ASSERT_TRUE(passes.halted());
+  EXPECT_EQ(spy.count("SDL_CreateWindow"), 0U);
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(plainFrame(kFrameSize, 0))});
+}
+
+TEST_F(SdlServerTest, ShowsOnlyTheThirdOfThreeFramesDeliveredBetweenTwoPasses) {
+  const std::uint32_t player = open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  const ShownFrames shown(spy, kFrameSize);
+  for (const std::uint32_t seed : {1, 2, 3}) deliver(server, player, noiseFrame(kFrameSize, seed));
+  ASSERT_TRUE(passes.runPasses(3));
+  EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 3))});
+}
+
+TEST_F(SdlServerTest, ShowsAFrameThatComesWhileAnotherIsDrawnOnTheNextPass) {
+  const std::uint32_t player = open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  bool first = true;
+  const ShownFrames shown(spy, kFrameSize, [&] {
+    if (std::exchange(first, false)) deliver(server, player, noiseFrame(kFrameSize, 2));
+  });
+  deliver(server, player, noiseFrame(kFrameSize, 1));
+  ASSERT_TRUE(passes.runPasses(2));
+  EXPECT_EQ(shown.last(), pictureOf(noiseFrame(kFrameSize, 2)));
+}
+
+TEST_F(SdlServerTest, APassWithoutNewFramesDrawsNothing) {
+  open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  spy.forget();
+  ASSERT_TRUE(passes.runPasses(3));
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+}
+
+TEST_F(SdlServerTest, AFrameOfAnotherSizeIsNotTaken) {
+  const std::uint32_t player = open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  spy.forget();
+  deliver(server, player, noiseFrame({kFrameSize.height, kFrameSize.width}, 1));
+  deliver(server, player, noiseFrame({kFrameSize.width, kFrameSize.height - 1}, 1));
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+}
+
+// The walk goes by index, and removal closes the gap.
+TEST_F(SdlServerTest, TheEntryThatMovesDownIsServedOnTheNextPass) {
+  const std::uint32_t first = open();
+  const std::uint32_t second = open();
+  const std::int64_t secondTexture = spy.last("SDL_CreateTexture").result;
+  const std::uint32_t third = open();
+  const std::int64_t thirdTexture = spy.last("SDL_CreateTexture").result;
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  server.closePlayer(first);
+  deliver(server, second, noiseFrame(kFrameSize, 2));
+  deliver(server, third, noiseFrame(kFrameSize, 3));
+
+  spy.forget();
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(spy.last("SDL_LockTexture").arguments[0], thirdTexture);
+  spy.forget();
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(spy.last("SDL_LockTexture").arguments[0], secondTexture);
+}
+
+TEST_F(SdlServerTest, APassThatCannotHaveTheLockServesNobody) {
+  const std::uint32_t player = open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  spy.refuse("SDL_LockMutex", 1, 1);
+  ASSERT_TRUE(passes.runPass());  // ends before the refused lock
+  deliver(server, player, noiseFrame(kFrameSize, 1));
+  spy.forget();
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.order(), (Names{"SDL_Delay", "SDL_LockMutex"}));
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
+}
+
+TEST_F(SdlServerTest, AddPlayerTriesAFailedLockAgainAfterAMillisecond) {
+  open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.halted());
+  spy.forget();
+  spy.refuse("SDL_LockMutex", 1, 3);
+  EXPECT_EQ(addPlayer(server), 1U);
+  EXPECT_EQ(spy.order(), (Names{"SDL_LockMutex", "SDL_Delay", "SDL_LockMutex", "SDL_Delay",
+                                "SDL_LockMutex", "SDL_Delay", "SDL_LockMutex", "SDL_UnlockMutex"}));
+  for (const SdlCall& rest : spy.calls("SDL_Delay")) EXPECT_EQ(rest.arguments, Numbers{1});
+}
+
+// ---- Closing ----
+
+TEST_F(SdlServerTest, ACloseButtonAsksAndTheNextPassCloses) {
+  const std::uint32_t player = open();
+  const std::uint32_t window = lastWindowId();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  ASSERT_TRUE(push(windowEvent(window, SDL_WINDOWEVENT_CLOSE)));
+  EXPECT_TRUE(server.hasOpenPlayer(player));
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_FALSE(server.hasOpenPlayer(player));
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 0U);
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+}
+
+TEST_F(SdlServerTest, ClosePlayerAsksAndTheNextPassCloses) {
+  const std::uint32_t player = open();
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.halted());
+  server.closePlayer(player);
+  EXPECT_FALSE(server.hasOpenPlayer(player));
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 0U);
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+}
+
+TEST_F(SdlServerTest, AClosedPlayerTakesNoFramesAndNothingIsReported) {
+  const std::uint32_t player = open();
+  server.closePlayer(player);
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  PassStepper passes(spy);
+  ASSERT_TRUE(passes.runPass());
+  spy.forget();
+  const CaptureStderr said;
+  deliver(server, player, noiseFrame(kFrameSize, 1));
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(said.text(), "");
+}
+
+TEST_F(SdlServerTest, APlayerClosedBeforeItsFirstPassStillOpensAndCloses) {
+  PassStepper passes(spy);
+  server.closePlayer(addPlayer(server));
+  ASSERT_TRUE(passes.runPass());
+  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+}
+
+TEST_F(SdlServerTest, TheLastPlayersGoingLeavesThreadAndSdlUp) {
+  server.closePlayer(open());
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  EXPECT_NE(SDL_WasInit(SDL_INIT_VIDEO), 0U);
+  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_TRUE(hasWindow(server, addPlayer(server)));
+  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+}
+
+// ---- Asking about players ----
+
+TEST_F(SdlServerTest, KnowsItsPlayersFrameSizeAndGeometry) {
+  const std::uint32_t player = open({.windowSize = Size{320, 240}, .position = {12, 34}});
+  EXPECT_EQ(server.getFrameWidth(player), 64);
+  EXPECT_EQ(server.getFrameHeight(player), 48);
+  EXPECT_EQ(server.getWindowWidth(player), 320U);
+  EXPECT_EQ(server.getWindowHeight(player), 240U);
+  EXPECT_EQ(server.getWindowX(player), 12U);
+  EXPECT_EQ(server.getWindowY(player), 34U);
+  EXPECT_FALSE(server.isPlayerFullscreen(player));
+  EXPECT_TRUE(server.hasOpenPlayer(player));
+}
+
+TEST_F(SdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
+  open();
+  spy.forget();
+  const std::uint32_t unknown = 99;
+  EXPECT_FALSE(server.hasOpenPlayer(unknown));
+  EXPECT_FALSE(server.isPlayerFullscreen(unknown));
+  EXPECT_EQ(server.getFrameWidth(unknown), 0);
+  EXPECT_EQ(server.getFrameHeight(unknown), 0);
+  EXPECT_EQ(server.getWindowWidth(unknown), 0U);
+  EXPECT_EQ(server.getWindowHeight(unknown), 0U);
+  EXPECT_EQ(server.getWindowX(unknown), 0U);
+  EXPECT_EQ(server.getWindowY(unknown), 0U);
+  EXPECT_FALSE(server.windowGeometry(unknown));
+  server.raisePlayer(unknown);
+  server.renamePlayer(unknown, "title");
+  server.closePlayer(unknown);
+  deliver(server, unknown, noiseFrame(kFrameSize, 1));
+  for (const SdlCall& call : spy.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
+}
+
+TEST_F(SdlServerTest, WaitsForTheWindowInStepsOfTwoMilliseconds) {
+  PassStepper passes(spy);
+  const std::uint32_t player = addPlayer(server);
+  ASSERT_TRUE(passes.halted());
+  spy.forget();
+  std::atomic<int> waiter{0};
+  std::thread host([&] {
+    waiter = static_cast<int>(currentThread());
+    EXPECT_EQ(server.getWindowWidth(player), kFrameSize.width);
+  });
+  const auto restsOfTheWaiter = [&] {
+    const auto rests = spy.calls("SDL_Delay");
+    return std::count_if(rests.begin(), rests.end(), [&](const SdlCall& call) {
+      return call.thread == waiter && call.arguments == Numbers{2};
+    });
+  };
+  EXPECT_TRUE(waitUntil([&] { return restsOfTheWaiter() >= 3; }));
+  EXPECT_TRUE(passes.runPass());
+  host.join();
+}
+
+TEST_F(SdlServerTest, RenamesAndRaisesAWindowOnTheHostsThread) {
+  const std::uint32_t player = open();
+  const std::int64_t window = spy.last("SDL_CreateWindow").result;
+  server.renamePlayer(player, "another");
+  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"another"});
+  EXPECT_EQ(spy.last("SDL_SetWindowTitle").arguments[0], window);
+  server.raisePlayer(player);
+  EXPECT_EQ(spy.last("SDL_RaiseWindow").arguments, Numbers{window});
+}
+
+TEST_F(SdlServerTest, AWaitEndsForAPlayerThatIsClosed) {
+  PassStepper passes(spy);
+  const std::uint32_t player = addPlayer(server);
+  ASSERT_TRUE(passes.halted());
+  std::thread host([&] { server.getWindowWidth(player); });
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_Delay") > 0; }));
+  server.closePlayer(player);
+  EXPECT_TRUE(passes.runPass());
+  host.join();
+}
+
+TEST_F(SdlServerTest, AWaitEndsWhenTheLibraryIsLeaving) {
+  PassStepper passes(spy);
+  const std::uint32_t player = addPlayer(server);
+  ASSERT_TRUE(passes.halted());
+  std::thread host([&] {
+    EXPECT_EQ(server.getWindowWidth(player), 0U);
+    EXPECT_FALSE(server.isPlayerFullscreen(player));
+  });
+  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_Delay") > 0; }));
+  server.beginLeaving();
+  host.join();
+}
+
+TEST_F(SdlServerTest, AddsNobodyWhileTheLibraryIsLeaving) {
+  server.beginLeaving();
+  EXPECT_EQ(addPlayer(server), kNoPlayer);
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+}  // namespace
+}  // namespace framesink::test

@@ -1,0 +1,171 @@
+#include "display/sdl_session.hpp"
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <csignal>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "display_helpers.hpp"
+#include "sdl_spy.hpp"
+#include "support/capture_stderr.hpp"
+#include "support/scoped_variable.hpp"
+#include "support/wait_until.hpp"
+
+namespace framesink::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+std::string hint(const char* name) {
+  const char* value = SDL_GetHint(name);
+  return value == nullptr ? "" : value;
+}
+
+class SdlSessionTest : public DummyVideoTest {
+ protected:
+  ~SdlSessionTest() override { quitSdl(); }
+};
+
+TEST_F(SdlSessionTest, InitialisesVideoAloneAndOnce) {
+  initSdlVideo();
+  initSdlVideo();
+  ASSERT_EQ(spy.count("SDL_Init"), 1U);
+  EXPECT_EQ(spy.last("SDL_Init").arguments[0], 0x20);
+}
+
+TEST_F(SdlSessionTest, LeavesTheScreenSaverEnabledOnce) {
+  initSdlVideo();
+  initSdlVideo();
+  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(SDL_IsScreenSaverEnabled(), SDL_TRUE);
+}
+
+TEST_F(SdlSessionTest, TellsThatVideoDidNotComeUpAndCarriesOn) {
+  spy.refuse("SDL_Init");
+  const CaptureStderr said;
+  initSdlVideo();
+  EXPECT_EQ(said.text(), "Could not initialize SDL: refused by the test\n");
+  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+}
+
+TEST_F(SdlSessionTest, LeavesVideoAloneThatIsUpAlready) {
+  ASSERT_EQ(SDL_VideoInit(nullptr), 0);
+  SDL_VideoQuit();
+  initSdlVideo();
+  spy.forget();
+  initSdlVideo();
+  EXPECT_EQ(spy.order(), Names{"SDL_WasInit"});
+}
+
+TEST_F(SdlSessionTest, SetsTheThreeHintsBeforeInitialisation) {
+  initSdlVideo();
+  const Names order = spy.order();
+  EXPECT_EQ(order, (Names{"SDL_WasInit", "SDL_SetHintWithPriority", "SDL_SetHintWithPriority",
+                          "SDL_SetHintWithPriority", "SDL_Init", "SDL_EnableScreenSaver"}));
+  EXPECT_EQ(hint(SDL_HINT_FRAMEBUFFER_ACCELERATION), "0");
+  EXPECT_EQ(hint(SDL_HINT_NO_SIGNAL_HANDLERS), "1");
+  EXPECT_EQ(hint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR), "0");
+}
+
+TEST_F(SdlSessionTest, TheUsersEnvironmentWinsOverTheHints) {
+  const ScopedVariable acceleration("SDL_FRAMEBUFFER_ACCELERATION", "software");
+  const ScopedVariable signals("SDL_NO_SIGNAL_HANDLERS", "0");
+  const ScopedVariable compositor("SDL_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR", "1");
+  initSdlVideo();
+  EXPECT_EQ(hint(SDL_HINT_FRAMEBUFFER_ACCELERATION), "software");
+  EXPECT_EQ(hint(SDL_HINT_NO_SIGNAL_HANDLERS), "0");
+  EXPECT_EQ(hint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR), "1");
+}
+
+TEST_F(SdlSessionTest, LeavesSignalsToTheHost) {
+  initSdlVideo();
+  for (const int number : {SIGINT, SIGTERM}) {
+    struct sigaction action {};
+    ASSERT_EQ(sigaction(number, nullptr, &action), 0);
+    EXPECT_EQ(action.sa_handler, SIG_DFL);
+  }
+}
+
+// ---- Generations ----
+
+TEST_F(SdlSessionTest, QuittingEndsTheGeneration) {
+  const std::uint32_t first = sdlGeneration();
+  quitSdl();
+  EXPECT_NE(sdlGeneration(), first);
+  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+}
+
+TEST_F(SdlSessionTest, AnInitialisationBeginsNoGeneration) {
+  const std::uint32_t first = sdlGeneration();
+  initSdlVideo();
+  EXPECT_EQ(sdlGeneration(), first);
+}
+
+TEST_F(SdlSessionTest, AUseKnowsWhetherItsGenerationIsOver) {
+  const std::uint32_t generation = sdlGeneration();
+  EXPECT_TRUE(SdlUse(generation));
+  quitSdl();
+  EXPECT_FALSE(SdlUse(generation));
+  EXPECT_TRUE(SdlUse(sdlGeneration()));
+}
+
+TEST_F(SdlSessionTest, QuittingWaitsForUsesUnderWay) {
+  const std::uint32_t generation = sdlGeneration();
+  auto use = std::make_unique<SdlUse>(generation);
+  std::atomic<bool> hasQuit{false};
+  std::thread quitter([&] {
+    quitSdl();
+    hasQuit = true;
+  });
+  // The quitter has begun to wait once it has ended the generation.
+  EXPECT_TRUE(waitUntil([&] { return sdlGeneration() != generation; }));
+  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_FALSE(hasQuit);
+  use.reset();
+  quitter.join();
+  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+}
+
+// ---- The gate ----
+
+TEST(SdlGate, KnowsItsHolder) {
+  EXPECT_FALSE(sdlGate.isHeldByThisThread());
+  const std::lock_guard gate(sdlGate);
+  EXPECT_TRUE(sdlGate.isHeldByThisThread());
+  bool heldByOther = true;
+  std::thread([&] { heldByOther = sdlGate.isHeldByThisThread(); }).join();
+  EXPECT_FALSE(heldByOther);
+}
+
+TEST(SdlGate, IsHeldUntilTheOutermostHolderLeaves) {
+  {
+    const std::lock_guard outer(sdlGate);
+    { const std::lock_guard inner(sdlGate); }
+    EXPECT_TRUE(sdlGate.isHeldByThisThread());
+  }
+  EXPECT_FALSE(sdlGate.isHeldByThisThread());
+}
+
+TEST(SdlGate, LetsOneThreadInAtATime) {
+  int inside = 0;
+  int together = 0;
+  const auto visit = [&] {
+    for (int i = 0; i < 10000; ++i) {
+      const std::lock_guard gate(sdlGate);
+      together += inside++;
+      --inside;
+    }
+  };
+  std::thread other(visit);
+  visit();
+  other.join();
+  EXPECT_EQ(together, 0);
+}
+
+}  // namespace
+}  // namespace framesink::test

@@ -1,0 +1,91 @@
+// The meeting place of SdlSpy and the wrapped SDL functions.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "sdl_spy.hpp"
+
+namespace framesink::test {
+
+struct SpyState {
+  struct Refusal {
+    std::size_t first = 1;
+    std::size_t last = SdlSpy::kForever;
+    std::size_t seen = 0;
+  };
+
+  struct Action {
+    std::function<void(const SdlCall&)> run;
+    int underWay = 0;
+  };
+  using Change = std::function<std::int64_t(std::int64_t)>;
+
+  // Looked at without the mutex and without ordering: while no spy lives, the wrappers must not
+  // synchronise threads, or they would hide races from the thread sanitizer.
+  std::atomic<bool> active{false};
+  std::mutex mutex;
+  std::uint64_t generation = 0;  // of `calls`: grows when they are forgotten
+  std::vector<SdlCall> calls;
+  std::map<std::string, Refusal> refusals;
+  std::map<std::string, std::shared_ptr<Action>> actions;
+  std::map<std::string, std::shared_ptr<Change>> changes;
+};
+
+// One call: reported on construction.
+class SdlWatch {
+ public:
+  explicit SdlWatch(SdlCall call);
+  bool isRefused() const { return refused_; }
+  // What the caller is to see instead of `result`.
+  std::int64_t resultToGive(std::int64_t result) const;
+
+ private:
+  static constexpr std::uint64_t kUnseen = UINT64_MAX;
+
+  std::string function_;
+  bool refused_ = false;
+  std::uint64_t generation_ = kUnseen;
+  std::size_t index_ = 0;
+};
+
+template <class Value>
+std::int64_t asNumber(Value value) {
+  if constexpr (std::is_pointer_v<Value>) {
+    return static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(value));
+  } else {
+    return static_cast<std::int64_t>(value);
+  }
+}
+
+template <class Value>
+Value fromNumber(std::int64_t number) {
+  if constexpr (std::is_pointer_v<Value>) {
+    return reinterpret_cast<Value>(static_cast<std::intptr_t>(number));
+  } else {
+    return static_cast<Value>(number);
+  }
+}
+
+template <class Value>
+void describe(SdlCall& call, Value value) {
+  call.arguments.push_back(asNumber(value));
+  if constexpr (std::is_same_v<Value, const char*>) call.texts.emplace_back(value);
+}
+
+template <class... Arguments>
+SdlCall describedCall(const char* function, Arguments... arguments) {
+  SdlCall call{.function = function, .arguments = {}, .texts = {}};
+  (describe(call, arguments), ...);
+  return call;
+}
+
+}  // namespace framesink::test

@@ -1,0 +1,241 @@
+// Windows whose parts SDL refuses to make.
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "display/sdl_session.hpp"
+#include "display/sdl_window.hpp"
+#include "display_helpers.hpp"
+#include "foreign_leaks.hpp"
+#include "frames.hpp"
+#include "sdl_spy.hpp"
+#include "support/capture_stderr.hpp"
+
+namespace framesink::test {
+namespace {
+
+using Numbers = std::vector<std::int64_t>;
+using Names = std::vector<std::string>;
+
+// What SDL logs, in place of its own output.
+class CaptureLog {
+ public:
+  CaptureLog() {
+    SDL_LogGetOutputFunction(&previous_, &previousData_);
+    SDL_LogSetOutputFunction(write, this);
+  }
+  ~CaptureLog() { SDL_LogSetOutputFunction(previous_, previousData_); }
+  CaptureLog(const CaptureLog&) = delete;
+  CaptureLog& operator=(const CaptureLog&) = delete;
+
+  std::string text;
+  int category = -1;
+  SDL_LogPriority priority = SDL_NUM_LOG_PRIORITIES;
+
+ private:
+  static void write(void* self, int category, SDL_LogPriority priority, const char* message) {
+    auto* log = static_cast<CaptureLog*>(self);
+    log->text += message;
+    log->category = category;
+    log->priority = priority;
+  }
+
+  SDL_LogOutputFunction previous_ = nullptr;
+  void* previousData_ = nullptr;
+};
+
+class SdlWindowFailureTest : public DummyVideoTest {
+ protected:
+  SdlWindowFailureTest() { initSdlVideo(); }
+  ~SdlWindowFailureTest() override {
+    window.reset();
+    quitSdl();
+  }
+
+  void open() { window = std::make_unique<SdlWindow>(kFrameSize, "", kFrameSize, kPlace, false); }
+
+  std::string saidWhileOpening() {
+    const CaptureStderr said;
+    open();
+    return said.text();
+  }
+  void showFrame() { window->showFrame(plainFrame(kFrameSize, 0).data()); }
+
+  std::unique_ptr<SdlWindow> window;
+};
+
+TEST_F(SdlWindowFailureTest, TellsThatSdlMadeNoWindow) {
+  spy.refuse("SDL_CreateWindow");
+  EXPECT_EQ(saidWhileOpening(), "Could not create window: refused by the test\n");
+}
+
+TEST_F(SdlWindowFailureTest, TellsWhySdlMakesNoWindowOf20000Pixels) {
+  const CaptureStderr said;
+  const SdlWindow tooWide(kFrameSize, "", {30000, 10}, kPlace, false);
+  EXPECT_EQ(said.text(), "Could not create window: Window is too large.\n");
+}
+
+TEST_F(SdlWindowFailureTest, WithoutAWindowThereIsNothingElse) {
+  spy.refuse("SDL_CreateWindow");
+  saidWhileOpening();
+  EXPECT_EQ(spy.count("SDL_CreateRGBSurfaceFrom"), 0U);
+  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 0U);
+  EXPECT_EQ(spy.count("SDL_CreateTexture"), 0U);
+  EXPECT_EQ(spy.count("SDL_RenderSetLogicalSize"), 0U);
+  EXPECT_EQ(window->windowId(), 0U);
+  EXPECT_FALSE(window->isFullscreen());
+  EXPECT_EQ(window->geometry().size, kFrameSize);
+  EXPECT_EQ(window->geometry().position, kPlace);
+}
+
+TEST_F(SdlWindowFailureTest, WithoutAWindowNothingIsDrawnOrReleased) {
+  spy.refuse("SDL_CreateWindow");
+  saidWhileOpening();
+  spy.forget();
+  showFrame();
+  EXPECT_EQ(spy.order(), Names{});
+  window.reset();
+  EXPECT_EQ(spy.order(), Names{"SDL_DestroyWindow"});
+  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{0});
+}
+
+TEST_F(SdlWindowFailureTest, AWindowWithoutPixelFormatIsNeverDrawnButReleased) {
+  spy.refuse("SDL_GetWindowPixelFormat");
+  EXPECT_EQ(saidWhileOpening(), "");
+  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 0U);
+  EXPECT_NE(window->windowId(), 0U);
+  const std::int64_t handle = spy.last("SDL_CreateWindow").result;
+  spy.forget();
+  showFrame();
+  window.reset();
+  EXPECT_EQ(spy.order(), Names{"SDL_DestroyWindow"});
+  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{handle});
+}
+
+TEST_F(SdlWindowFailureTest, TriesAnAcceleratedRendererNext) {
+  spy.refuse("SDL_CreateRenderer", 1, 1);
+  saidWhileOpening();
+  const auto tried = spy.calls("SDL_CreateRenderer");
+  ASSERT_EQ(tried.size(), 2U);
+  EXPECT_EQ(tried[0].arguments[2], SDL_RENDERER_SOFTWARE);
+  EXPECT_EQ(tried[1].arguments, (Numbers{tried[0].arguments[0], -1, SDL_RENDERER_ACCELERATED}));
+}
+
+TEST_F(SdlWindowFailureTest, TellsThatNoRendererCouldBeMade) {
+  spy.refuse("SDL_CreateRenderer");
+  EXPECT_EQ(saidWhileOpening(),
+            "Could not create renderer: refused by the test\n"
+            "Unable to create texture: Parameter 'renderer' is invalid\n"
+            "Internal error: unable to set logical size: Parameter 'renderer' is invalid\n");
+  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 2U);
+}
+
+TEST_F(SdlWindowFailureTest, WithoutARendererTheWindowIsReleasedOnce) {
+  spy.refuse("SDL_CreateRenderer");
+  saidWhileOpening();
+  const std::int64_t handle = spy.last("SDL_CreateWindow").result;
+  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{handle});
+  EXPECT_EQ(window->windowId(), 0U);
+  spy.forget();
+  showFrame();
+  window->raise();
+  window->setTitle("title");
+  window->enterFullscreen();
+  EXPECT_FALSE(window->isFullscreen());
+  window->leaveFullscreen();
+  window.reset();
+  for (const SdlCall& call : spy.calls()) {
+    EXPECT_EQ(call.arguments[0], 0) << call.function << " of a window that is gone";
+  }
+}
+
+TEST_F(SdlWindowFailureTest, TellsThatNoTextureCouldBeMade) {
+  spy.refuse("SDL_CreateTexture");
+  EXPECT_EQ(saidWhileOpening(), "Unable to create texture: refused by the test\n");
+}
+
+TEST_F(SdlWindowFailureTest, WithoutATextureNothingIsDrawn) {
+  spy.refuse("SDL_CreateTexture");
+  saidWhileOpening();
+  spy.forget();
+  showFrame();
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+TEST_F(SdlWindowFailureTest, TellsThatTheLogicalSizeWasRefused) {
+  spy.refuse("SDL_RenderSetLogicalSize");
+  EXPECT_EQ(saidWhileOpening(),
+            "Internal error: unable to set logical size: refused by the test\n");
+}
+
+TEST_F(SdlWindowFailureTest, DrawsWithoutALogicalSize) {
+  spy.refuse("SDL_RenderSetLogicalSize");
+  saidWhileOpening();
+  showFrame();
+  EXPECT_EQ(spy.count("SDL_RenderPresent"), 1U);
+}
+
+// ---- A lost texture ----
+
+class SdlWindowLostTextureTest : public SdlWindowFailureTest {
+ protected:
+  SdlWindowLostTextureTest() { expectLeaks(); }
+};
+
+TEST_F(SdlWindowLostTextureTest, IsLoggedAndShutsSdlDown) {
+  open();
+  spy.refuse("SDL_LockTexture");
+  const CaptureLog log;
+  showFrame();
+  // SDL's logging takes one line feed off each message and lets its output add its own.
+  EXPECT_EQ(log.text, "Could not lock texture: refused by the test");
+  EXPECT_EQ(log.category, SDL_LOG_CATEGORY_APPLICATION);
+  EXPECT_EQ(log.priority, SDL_LOG_PRIORITY_ERROR);
+  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+  EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0U);
+}
+
+TEST_F(SdlWindowLostTextureTest, WritesNothingToStandardError) {
+  open();
+  spy.refuse("SDL_LockTexture");
+  const CaptureLog log;
+  const CaptureStderr said;
+  showFrame();
+  EXPECT_EQ(said.text(), "");
+}
+
+TEST_F(SdlWindowLostTextureTest, DrawsNothing) {
+  open();
+  spy.forget();
+  spy.refuse("SDL_LockTexture");
+  const CaptureLog log;
+  showFrame();
+  EXPECT_EQ(spy.order(), (Names{"SDL_LockTexture", "SDL_Quit"}));
+}
+
+TEST_F(SdlWindowLostTextureTest, NothingOfThatSdlIsTouchedAgain) {
+  open();
+  SdlWindow other(kFrameSize, "", kFrameSize, kPlace, false);
+  spy.refuse("SDL_LockTexture");
+  const CaptureLog log;
+  showFrame();
+  spy.permit("SDL_LockTexture");
+  spy.forget();
+  for (SdlWindow* lost : {window.get(), &other}) {
+    lost->showFrame(plainFrame(kFrameSize, 0).data());
+    lost->raise();
+    lost->setTitle("title");
+    lost->enterFullscreen();
+    EXPECT_FALSE(lost->leaveFullscreen());
+    EXPECT_FALSE(lost->isFullscreen());
+    EXPECT_EQ(lost->geometry().size, kFrameSize);
+  }
+  window.reset();
+  EXPECT_EQ(spy.order(), Names{});
+}
+
+}  // namespace
+}  // namespace framesink::test

@@ -1,0 +1,47 @@
+// A server of the test's own, without a screen.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "display/platform.hpp"
+#include "display/sdl_server.hpp"
+#include "display_helpers.hpp"
+
+namespace framesink::test {
+
+using Numbers = std::vector<std::int64_t>;
+using Names = std::vector<std::string>;
+
+class ServerTest : public DummyVideoTest {
+ protected:
+  explicit ServerTest(bool threaded) : server(threaded) {}
+
+  // A player whose window is made.
+  std::uint32_t open(const Opening& opening = {}) {
+    const std::uint32_t player = addPlayer(server, opening);
+    EXPECT_TRUE(hasWindow(server, player));
+    return player;
+  }
+
+  // Of the window that was made last.
+  std::uint32_t lastWindowId() const {
+    return static_cast<std::uint32_t>(spy.last("SDL_GetWindowID").result);
+  }
+
+  const int hostThread = static_cast<int>(currentThread());
+  SdlServer server;
+};
+
+class ThreadedServerTest : public ServerTest {
+ protected:
+  ThreadedServerTest() : ServerTest(true) {}
+};
+
+class SynchronousServerTest : public ServerTest {
+ protected:
+  SynchronousServerTest() : ServerTest(false) {}
+};
+
+}  // namespace framesink::test

@@ -1,0 +1,148 @@
+// A host at full speed on several windows while their user closes, moves and resizes them.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "display/server_instances.hpp"
+#include "display_helpers.hpp"
+#include "support/scoped_variable.hpp"
+#include "support/x_fixtures.hpp"
+
+namespace framesink::test {
+namespace {
+
+// The user's pace. SDL takes events from X as long as more arrive, so that a flood of them, which
+// no hand makes, would keep it from ever coming back.
+constexpr std::chrono::milliseconds kBetweenDeeds{2};
+constexpr std::uint32_t kThreadedWindows = 4;
+constexpr std::uint32_t kWindows = kThreadedWindows + 1;  // the last is synchronous
+
+std::chrono::milliseconds duration() {
+  const auto seconds = environmentVariable("FRAMESINK_TORTURE_SECONDS");
+  return std::chrono::seconds(seconds ? std::atoi(seconds->c_str()) : 2);
+}
+
+std::string titleOf(std::uint32_t index) { return "window " + std::to_string(index); }
+
+// On a thread and a connection of its own until it goes.
+class RestlessUser {
+ public:
+  explicit RestlessUser(const std::string& display) : thread_([this, display] { work(display); }) {}
+  ~RestlessUser() {
+    stop_ = true;
+    thread_.join();
+  }
+  RestlessUser(const RestlessUser&) = delete;
+  RestlessUser& operator=(const RestlessUser&) = delete;
+
+  int deeds() const { return deeds_; }
+  int closed() const { return closed_; }
+
+ private:
+  // A search grabs the server, which slows the windows down: only for one that is gone.
+  void work(const std::string& display) {
+    XClient x(display);
+    std::mt19937 random(1);
+    std::vector<Window> windows(kWindows, kNoWindow);
+    while (!stop_) {
+      const auto index = static_cast<std::uint32_t>(random()) % kWindows;
+      Window& window = windows[index];
+      if (!x.exists(window)) window = x.findWindow(titleOf(index)).value_or(kNoWindow);
+      if (window != kNoWindow) act(x, window, random);
+      std::this_thread::sleep_for(kBetweenDeeds);
+    }
+  }
+  void act(XClient& x, Window window, std::mt19937& random) {
+    const auto number = [&](std::uint32_t limit) { return static_cast<int>(random() % limit); };
+    switch (random() % 8) {
+      case 0:
+        if (x.closeButton(window)) ++closed_;
+        break;
+      case 1:
+      case 2:
+      case 3:
+        x.resize(window, 20 + number(200), 20 + number(200));
+        break;
+      case 4:
+        x.raise(window);
+        break;
+      default:
+        x.move(window, number(800), number(600));
+    }
+    ++deeds_;
+  }
+
+  std::atomic<bool> stop_{false};
+  std::atomic<int> deeds_{0};
+  std::atomic<int> closed_{0};
+  std::thread thread_;
+};
+
+// Four threaded windows fed by one host thread and a synchronous one fed by another, so that both
+// servers are in SDL all the time. No spy here: its bookkeeping would keep the threads apart.
+class TortureTest : public ManagedXTest {
+ protected:
+  static SdlServer& serverOf(std::uint32_t index) { return serverFor(index == kThreadedWindows); }
+
+  void open(std::uint32_t index) {
+    players[index] =
+        addPlayer(serverOf(index), {.title = titleOf(index), .position = {40 + 200 * index, 60}});
+  }
+  // A frame for the window, and now and then all that a host may ask.
+  void step(std::uint32_t index, std::uint32_t number) {
+    SdlServer& display = serverOf(index);
+    if (!display.hasOpenPlayer(players[index])) open(index);
+    const std::uint32_t player = players[index];
+    deliver(display, player, frames[number % frames.size()]);
+    ++delivered;
+    if (number % 16 != index) return;
+    display.windowGeometry(player);
+    display.isPlayerFullscreen(player);
+    display.raisePlayer(player);
+    display.renamePlayer(player, titleOf(index));
+    if (number % 512 == index) display.closePlayer(player);
+  }
+  void play(std::uint32_t first, std::uint32_t last, std::chrono::steady_clock::time_point end) {
+    for (std::uint32_t number = 0; std::chrono::steady_clock::now() < end; ++number) {
+      for (std::uint32_t index = first; index <= last; ++index) step(index, number);
+    }
+  }
+
+  std::vector<std::uint32_t> players = std::vector<std::uint32_t>(kWindows);
+  std::vector<Frame> frames{noiseFrame(kFrameSize, 1), noiseFrame(kFrameSize, 2)};
+  std::atomic<int> delivered{0};
+};
+
+TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
+  for (std::uint32_t index = 0; index < kWindows; ++index) open(index);
+  {
+    const RestlessUser user(server.display());
+    const auto end = std::chrono::steady_clock::now() + duration();
+    std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, end); });
+    play(0, kThreadedWindows - 1, end);
+    synchronousHost.join();
+    EXPECT_GT(user.deeds(), 10);
+    EXPECT_GT(user.closed(), 0);
+    EXPECT_GT(delivered, 100);
+  }
+  for (std::uint32_t index = 0; index < kWindows; ++index) {
+    SdlServer& display = serverOf(index);
+    const std::uint32_t fresh = addPlayer(display, {.title = "fresh " + std::to_string(index)});
+    const Window window = x.waitForWindow("fresh " + std::to_string(index));
+    const Frame last = noiseFrame(kFrameSize, 100 + index);
+    const auto isShown = [&] {
+      deliver(display, fresh, last);
+      return x.pixels(window) == pictureOf(last);
+    };
+    EXPECT_TRUE(waitUntil(isShown)) << "window " << index;
+    display.closePlayer(fresh);
+  }
+}
+
+}  // namespace
+}  // namespace framesink::test
