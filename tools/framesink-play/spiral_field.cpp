@@ -14,8 +14,8 @@ constexpr double kDiffusion = 3;  // per cell squared; sets the width of the wav
 constexpr double kC = 1.15;
 
 // Unrest begins where 1 + bc falls below zero, here at b = -0.87, in spirals somewhat earlier.
-constexpr double kCalmestB = -0.15;
-constexpr double kWildestB = -0.55;
+constexpr double kCalmestB = 0.05;
+constexpr double kWildestB = -0.40;
 constexpr double kSwingSeconds = 50;
 
 constexpr int kSeedCells = 40;   // between independent values of the noise,
