@@ -23,7 +23,7 @@ void centre(const void* source, PlaneSize sourceSize, void* destination, PlaneSi
   auto* to = static_cast<Sample*>(destination);
   const std::int64_t frameSamples = std::int64_t{frame.width} * frame.height;
   std::fill_n(to, frameSamples, static_cast<Sample>(videoTraits<Id>::min));
-  if (sourceSize.width < 1) return;
+  if (sourceSize.width < 1 || sourceSize.height < 1) return;
   to += firstSample(sourceSize, frame);
   for (std::int32_t column = 0; column < sourceSize.width; ++column) {
     std::copy_n(from, sourceSize.height, to);
@@ -41,6 +41,7 @@ constexpr auto kCentre =
 
 bool fitsWhenCentred(PlaneSize source, PlaneSize frame) {
   if (source.width < 1 || source.height < 1) return source.width < 1 || source.height == 0;
+  if (frame.width < 1 || frame.height < 1) return false;
   const std::int64_t first = firstSample(source, frame);
   const std::int64_t last =
       first + std::int64_t{source.width - 1} * frame.height + source.height - 1;

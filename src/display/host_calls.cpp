@@ -18,7 +18,8 @@ constinit std::atomic<std::uint32_t> callsUnderWay{0};
 constinit std::atomic<bool> ended{false};
 constinit std::atomic<bool> givenUp{false};  // waited in vain once; not again
 
-const std::uint64_t processAtLoad = currentProcess();
+constinit std::atomic<std::uint64_t> owner{0};  // the process that has windows; 0: none yet
+constinit std::atomic<std::int64_t> waited{0};  // milliseconds spent in endHostCalls
 
 std::size_t enter(OsThreadId thread) {
   for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
@@ -35,7 +36,13 @@ bool isCaller(OsThreadId thread) {
   return false;
 }
 
+bool isFork() { return owner != 0 && owner != currentProcess(); }
+
 }  // namespace
+
+void claimForThisProcess() { owner = currentProcess(); }
+
+std::chrono::milliseconds waitedForHostCalls() { return std::chrono::milliseconds(waited); }
 
 // Counted before `ended` is looked at, as endHostCalls sets `ended` before it looks at the count:
 // one of the two sees the other.
@@ -54,7 +61,7 @@ HostCall::~HostCall() {
 
 bool endHostCalls() {
   ended = true;
-  if (givenUp || processAtLoad != currentProcess()) return false;
+  if (givenUp || isFork()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
   const auto deadline = std::chrono::steady_clock::now() + kLongestUnload;
   while (callsUnderWay != 0) {
@@ -63,6 +70,9 @@ bool endHostCalls() {
       return false;
     }
     sleepFor(std::chrono::milliseconds(1));
+    waited = (kLongestUnload - std::chrono::duration_cast<std::chrono::milliseconds>(
+                                   deadline - std::chrono::steady_clock::now()))
+                 .count();
   }
   return true;
 }

@@ -1,5 +1,6 @@
 #include "display/sdl_server.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 #include <new>
@@ -31,7 +32,8 @@ SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, std::uint32_t playerI
 // The server's mutex for a host thread: retried without limit while it can still be had.
 class SdlServer::Lock {
  public:
-  explicit Lock(SdlServer& server) : mutex_(server.mutex_) {
+  explicit Lock(SdlServer& server)
+      : mutex_(server.thread_.isLost() ? nullptr : server.mutex_.load()) {
     while (mutex_ != nullptr && SDL_LockMutex(mutex_) != 0) {
       if (server.leaving_) mutex_ = nullptr;
       SDL_Delay(kLockRetry);
@@ -119,7 +121,7 @@ bool SdlServer::hasOpenPlayer(std::uint32_t playerId) const {
 }
 
 bool SdlServer::canWindowCome(const SdlPlayer& player) const {
-  return !leaving_ && thread_.isRunning() && !player.isWindowImpossible();
+  return !leaving_ && thread_.isRunning() && !thread_.isLost() && !player.isWindowImpossible();
 }
 
 template <class Result, class Action>
@@ -225,11 +227,12 @@ bool SdlServer::stop() {
 
 bool SdlServer::awaitDisplayThread() {
   if (thread_.isThisThread()) return false;
+  waited_ = std::max(waited_, static_cast<std::uint32_t>(waitedForHostCalls().count()));
   while (thread_.isRunning() && !players_.empty() && waited_ < kLongestWait && !thread_.isLost()) {
     SDL_Delay(kUnloadPoll);
     waited_ += kUnloadPoll;
   }
-  const std::chrono::milliseconds left(kLongestWait - waited_);
+  const std::chrono::milliseconds left(kLongestWait - std::min(waited_, kLongestWait));
   const bool ended = thread_.awaitEnd(std::chrono::steady_clock::now() + left);
   waited_ = kLongestWait;
   return ended;
@@ -311,7 +314,8 @@ void SdlServer::leaveFullscreenAll() {
 SdlPlayer* SdlServer::playerWithWindow(std::uint32_t windowId) const {
   for (SdlPlayer* player : players_.players()) {
     const SdlWindow* window = player->window();
-    if (window != nullptr && window->windowId() == windowId) return player;
+    if (window == nullptr || window->isSdlGone()) continue;
+    if (window->windowId() == windowId) return player;
   }
   return nullptr;
 }

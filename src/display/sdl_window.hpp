@@ -41,6 +41,9 @@ class SdlWindow {
   // SDL may give the number to another window. Any thread.
   std::uint32_t windowId() const { return isSdlGone() ? 0 : windowId_; }
 
+  // The SDL that the window was made in has been shut down: nothing of it is touched any more.
+  bool isSdlGone() const;
+
   bool isFullscreen() const;                // any thread
   void raise();                             // any thread
   void setTitle(const std::string& title);  // any thread, one at a time
@@ -56,7 +59,6 @@ class SdlWindow {
   void createRenderer();
   void createTexture();
   void fitLogicalSize();
-  bool isSdlGone() const;
 
   const Size textureSize_;
   std::string title_;

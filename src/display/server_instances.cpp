@@ -17,6 +17,7 @@ class ServerLife {
  public:
   explicit ServerLife(bool synchronous)
       : synchronous_(synchronous), server_(new SdlServer(!synchronous)) {
+    claimForThisProcess();
     servers[synchronous] = server_;
   }
 

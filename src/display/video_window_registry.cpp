@@ -92,9 +92,11 @@ VideoWindow* VideoWindowRegistry::registerVideoWindow(std::string_view name, Siz
 }
 
 void VideoWindowRegistry::unregisterVideoWindow(std::string_view name) {
-  const auto found = std::find_if(windows_->begin(), windows_->end(),
-                                  [&](const auto& window) { return isNamed(*window, name); });
-  if (found != windows_->end()) windows_->erase(found);
+  forget(findVideoWindow(name));
+}
+
+void VideoWindowRegistry::forget(const VideoWindow* window) {
+  std::erase_if(*windows_, [&](const auto& owned) { return owned.get() == window; });
 }
 
 void VideoWindowRegistry::setupVideoWindow(const WindowSetup& setup) {
@@ -119,7 +121,7 @@ void VideoWindowRegistry::setupVideoWindow(const WindowSetup& setup) {
     window->playerId = createPlayerForVideoWindow(*window, setup.title, setup.frameSize,
                                                   setup.fullscreen, position, windowSize);
   } catch (...) {
-    unregisterVideoWindow(setup.name);
+    forget(window);
     throw;
   }
 }

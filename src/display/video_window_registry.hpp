@@ -96,6 +96,7 @@ class VideoWindowRegistry {
   std::int32_t playerIdOf(std::string_view name) const;
 
  private:
+  void forget(const VideoWindow* window);
   std::int32_t createPlayerForVideoWindow(const VideoWindow& window, std::string_view title,
                                           Size frameSize, std::uint8_t fullscreen,
                                           Position position, Size windowSize);

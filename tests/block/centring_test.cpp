@@ -123,6 +123,14 @@ TEST(FitsWhenCentred, IsTrueExactlyWhenCentringStaysInside) {
   }
 }
 
+// A height that is no 32-bit number of rows passes for a negative one here.
+TEST(FitsWhenCentred, NothingFitsIntoAFrameWithoutPixels) {
+  EXPECT_FALSE(fitsWhenCentred({3, 1}, {0, -1}));
+  EXPECT_FALSE(fitsWhenCentred({3, 1}, {0, -5}));
+  EXPECT_FALSE(fitsWhenCentred({1, 1}, {0, 0}));
+  EXPECT_FALSE(fitsWhenCentred({1, 1}, {-1, 0}));
+}
+
 TEST(FitsWhenCentred, KnowsTheLargestSizes) {
   EXPECT_TRUE(fitsWhenCentred({kLargest, kLargest}, {kLargest, kLargest}));
   EXPECT_FALSE(fitsWhenCentred({kLargest, kLargest}, {kLargest, kLargest - 1}));

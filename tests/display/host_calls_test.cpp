@@ -91,6 +91,7 @@ TEST(HostCalls, TheEndWaitsForMoreCallsThanAreKnownByThread) {
 }
 
 TEST(HostCalls, AForkHasNoEndOfItsOwn) {
+  claimForThisProcess();
   const pid_t fork = ::fork();
   if (fork == 0) ::_exit(endHostCalls() ? 1 : 0);
   int status = -1;
