@@ -15,7 +15,8 @@
 namespace framesink::test {
 namespace {
 
-constexpr int kReaders = 4;
+// More than there are processors, so that readers are interrupted anywhere.
+constexpr int kReaders = 6;
 constexpr std::chrono::milliseconds kDuration{1000};
 constexpr std::uint64_t kSound = 0x5AFE5AFE5AFE5AFE;
 constexpr std::uint64_t kPoison = 0xDEADDEADDEADDEAD;
@@ -48,7 +49,9 @@ bool isSound(std::span<MarkedPlayer* const> players) {
 class Readers {
  public:
   explicit Readers(const Players& list) {
-    for (int i = 0; i < kReaders; ++i) threads_.emplace_back([&] { readOn(list); });
+    for (int i = 0; i < kReaders; ++i) {
+      threads_.emplace_back([this, &list, rests = i % 2 == 1] { readOn(list, rests); });
+    }
   }
   ~Readers() {
     stop_ = true;
@@ -61,9 +64,11 @@ class Readers {
   std::uint64_t unsoundReads() const { return unsound_; }
 
  private:
-  void readOn(const Players& list) {
+  // A reader that rests gives the owner time for many changes while it holds on to what it saw.
+  void readOn(const Players& list, bool rests) {
     while (!stop_) {
       const Players::Reader reader(list);
+      if (rests) std::this_thread::yield();
       if (!isSound(reader.players())) ++unsound_;
       ++reads_;
     }

@@ -1,0 +1,192 @@
+/* exit_host LIBRARY DISPLAY ENDING: shows two windows and ends in some way, or is ended. Ends with
+ * status 7 when all goes well. DISPLAY is threaded, synchronous, both, or closed for no windows. */
+#include <pthread.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "host.h"
+
+enum { STATUS = 7 };
+
+static Library library;
+static void* blocks[2];
+static const char* const names[2] = {"exit A", "exit B"};
+
+static void openWindows(const char* display) {
+  const uint8_t both = strcmp(display, "both") == 0;
+  const uint8_t closed = strcmp(display, "closed") == 0;
+  const uint8_t synchronous = strcmp(display, "synchronous") == 0;
+  CHECK(both || closed || synchronous || strcmp(display, "threaded") == 0);
+  blocks[0] = createBlock(&library, (WindowRequest){names[0], 100, 100, closed == 0, synchronous});
+  blocks[1] =
+      createBlock(&library, (WindowRequest){names[1], 300, 100, closed == 0, synchronous || both});
+}
+
+static void showOnce(uint32_t colour) {
+  Frame frame;
+  fillFrame(&frame, colour);
+  updateBlock(&library, blocks[0], &frame);
+  updateBlock(&library, blocks[1], &frame);
+}
+
+/* ---- Endings that the host chooses
+ * --------------------------------------------------------------- */
+
+static void leave(void) {
+  say("leaving");
+  exit(STATUS);
+}
+
+static void* leaveFromThread(void* unused) {
+  sleepMilliseconds(50);
+  leave();
+  return unused;
+}
+
+static void pump(void) {
+  for (uint32_t colour = 0;; ++colour) showOnce(colour);
+}
+
+static void pumpSlowly(void) {
+  for (uint32_t colour = 0;; ++colour) {
+    showOnce(colour);
+    sleepMilliseconds(1);
+  }
+}
+
+static void idle(void) {
+  for (;;) pause();
+}
+
+/* ---- Calls from exit handlers
+ * -------------------------------------------------------------------- */
+
+static void callEverything(void) {
+  const InputDescription description = describeFrames();
+  const uint32_t place[2] = {10, 10};
+  int32_t pairs[4] = {1, 2, 3, 4};
+  char error[FRAMESINK_ERROR_BYTES] = "";
+  Frame frame;
+  fillFrame(&frame, 0xFF0000);
+  void* const block =
+      library.create(error, 0, "late", "late", 0, &description, 1, 10, 10, 0, 0, 0, 0, 0, 0);
+  printf("late block: %s\n", block != NULL ? "made" : "none");
+  library.start(block, error);
+  if (block != NULL) updateBlock(&library, block, &frame);
+  updateBlock(&library, blocks[0], &frame);
+  updateBlock(&library, blocks[1], &frame);
+  library.createWindow(names[0], 0, place, place, 0);
+  library.getPosSize(names[0], pairs, pairs + 2);
+  printf("late size: %d\n", pairs[2]);
+  printf("late window: %s\n", library.isOpen(names[0]) ? "open" : "closed");
+  library.rename(names[0], "late name", "late title");
+  library.destroyWindow("late name");
+  library.outputs(blocks[0]);
+  library.terminate(blocks[0]);
+  library.destroy(block);
+  library.destroy(blocks[0]);
+  library.destroy(blocks[1]);
+  say("late calls done");
+}
+
+/* ---- Endings that others choose
+ * ------------------------------------------------------------------ */
+
+static volatile sig_atomic_t handled;
+
+static void noteSignal(int number) { handled = number; }
+
+static void installHandlers(void) {
+  struct sigaction action;
+  memset(&action, 0, sizeof action);
+  action.sa_handler = noteSignal;
+  CHECK(sigaction(SIGINT, &action, NULL) == 0 && sigaction(SIGTERM, &action, NULL) == 0);
+}
+
+static void pumpUntilHandled(void) {
+  while (!handled) {
+    showOnce(0x808080);
+    sleepMilliseconds(1);
+  }
+  printf("handled %d\n", (int)handled);
+  leave();
+}
+
+/* A child that ends leaves the windows to its parent. */
+static void forkAndGoOn(void) {
+  const double start = secondsNow();
+  const pid_t child = fork();
+  CHECK(child >= 0);
+  if (child == 0) exit(5);
+  int status = 0;
+  CHECK(waitpid(child, &status, 0) == child);
+  CHECK(WIFEXITED(status) && WEXITSTATUS(status) == 5);
+  CHECK(secondsNow() - start < 1);
+  CHECK(library.isOpen(names[0]) && library.isOpen(names[1]));
+  say("forked");
+  showUntilClosed(&library, blocks[0], names[0], 0x30C060);
+  leave();
+}
+
+/* ---- All together
+ * -------------------------------------------------------------------------------- */
+
+typedef struct Ending {
+  const char* name;
+  void (*beforeLoad)(void);
+  void (*beforeUse)(void);
+  void (*afterUse)(void);
+} Ending;
+
+static void callAtExit(void) { CHECK(atexit(callEverything) == 0); }
+
+static void startLeavingThread(void) {
+  pthread_t thread;
+  CHECK(pthread_create(&thread, NULL, leaveFromThread, NULL) == 0);
+  pump();
+}
+
+static void callAtExitAndLeave(void) {
+  callAtExit();
+  leave();
+}
+
+static const Ending endings[] = {
+    {"return", NULL, NULL, NULL},
+    {"exit", NULL, NULL, leave},
+    {"exit-from-thread", NULL, NULL, startLeavingThread},
+    {"late-calls-before-load", callAtExit, NULL, leave},
+    {"late-calls-before-use", NULL, callAtExit, leave},
+    {"late-calls-after-use", NULL, NULL, callAtExitAndLeave},
+    {"pump", NULL, NULL, pumpSlowly},
+    {"idle", NULL, NULL, idle},
+    {"handlers-before-load", installHandlers, NULL, pumpUntilHandled},
+    {"handlers-before-use", NULL, installHandlers, pumpUntilHandled},
+    {"fork", NULL, NULL, forkAndGoOn},
+};
+
+static const Ending* findEnding(const char* name) {
+  for (size_t i = 0; i < sizeof endings / sizeof *endings; ++i) {
+    if (strcmp(endings[i].name, name) == 0) return &endings[i];
+  }
+  return NULL;
+}
+
+int main(int count, char** arguments) {
+  CHECK(count == 4);
+  const Ending* const ending = findEnding(arguments[3]);
+  CHECK(ending != NULL);
+  if (ending->beforeLoad != NULL) ending->beforeLoad();
+  library = loadLibrary(arguments[1]);
+  if (ending->beforeUse != NULL) ending->beforeUse();
+  openWindows(arguments[2]);
+  showOnce(0x3060C0);
+  say("showing");
+  if (ending->afterUse != NULL) ending->afterUse();
+  say("leaving");
+  return STATUS;
+}

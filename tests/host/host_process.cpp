@@ -1,0 +1,66 @@
+#include "host_process.hpp"
+
+namespace framesink::test {
+namespace {
+
+std::vector<std::string> commandOf(const std::string& program,
+                                   const std::vector<std::string>& arguments) {
+  std::vector<std::string> command{HOST_FOLDER "/" + program, FRAMESINK_LIBRARY};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
+}
+
+bool hasReport(const std::string& error) {
+  return error.find("Sanitizer") != std::string::npos ||
+         error.find("runtime error:") != std::string::npos;
+}
+
+// Leaks that are left on purpose are named there.
+bool isWorthAWord(const std::string& error) {
+  return !error.empty() && error.find("Suppressions used:") == std::string::npos;
+}
+
+}  // namespace
+
+HostProcess::HostProcess(const std::string& program, std::vector<std::string> arguments,
+                         std::vector<std::string> environment)
+    : process_(commandOf(program, arguments), {.environment = std::move(environment)}) {}
+
+testing::AssertionResult HostProcess::says(const std::string& line) {
+  const auto isSaid = [&] {
+    return ("\n" + output()).find("\n" + line + "\n") != std::string::npos;
+  };
+  waitUntil([&] { return isSaid() || !isRunning(); });
+  if (isSaid()) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "has not said \"" << line << "\" but:\n"
+                                     << output() << error();
+}
+
+testing::AssertionResult HostProcess::ends(const ExitStatus& expected,
+                                           std::chrono::milliseconds deadline) {
+  const auto status = process_.wait(deadline);
+  if (!status) {
+    return testing::AssertionFailure() << "still runs after " << deadline.count() << " ms";
+  }
+  if (*status == expected && !hasReport(error())) return testing::AssertionSuccess();
+  return testing::AssertionFailure()
+         << "ended with status " << status->code << ", signal " << status->signal << ":\n"
+         << output() << error();
+}
+
+testing::AssertionResult HostProcess::endsWith(int status, std::chrono::milliseconds deadline) {
+  const testing::AssertionResult result = endsNoisilyWith(status, deadline);
+  if (!result || !isWorthAWord(error())) return result;
+  return testing::AssertionFailure() << "wrote to standard error:\n" << error();
+}
+
+testing::AssertionResult HostProcess::endsNoisilyWith(int status,
+                                                      std::chrono::milliseconds deadline) {
+  return ends({.code = status, .signal = 0}, deadline);
+}
+
+testing::AssertionResult HostProcess::endsBySignal(int signal, std::chrono::milliseconds deadline) {
+  return ends({.code = -1, .signal = signal}, deadline);
+}
+
+}  // namespace framesink::test
