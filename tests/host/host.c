@@ -141,6 +141,18 @@ static int countEntries(const char* path) {
 
 int countThreads(void) { return countEntries("/proc/self/task"); }
 
+int areThreadsGone(int before) {
+#if defined(__SANITIZE_THREAD__)
+  const int own = 1;
+#elif defined(__has_feature)
+  const int own = __has_feature(thread_sanitizer);
+#else
+  const int own = 0;
+#endif
+  const int now = countThreads();
+  return now == before || now == before + own;
+}
+
 int countDescriptors(void) { return countEntries("/proc/self/fd") - 1; /* the walk's own */ }
 
 int isMapped(const char* part) {

@@ -84,6 +84,10 @@ void showUntilClosed(const Library* library, void* block, const char* name, uint
  * ---------------------------------------------------------- */
 
 int countThreads(void);
+
+/* None but those counted before, and one that the thread sanitizer keeps for itself. */
+int areThreadsGone(int before);
+
 int countDescriptors(void);
 /* Code of a file whose path holds `part`: a sanitizer may map such a file to read its symbols. */
 int isMapped(const char* part);

@@ -111,6 +111,6 @@ int main(int count, char** arguments) {
   CHECK(strcmp(setlocale(LC_ALL, NULL), locale) == 0);
   CHECK(!isMapped("libframesink"));
   CHECK(!isMapped("libSDL2"));
-  CHECK(countThreads() == threads);
+  CHECK(areThreadsGone(threads));
   return 0;
 }

@@ -77,7 +77,7 @@ static void runCycle(const char* path, int cycle, int threads) {
   CHECK(!isMapped("libframesink"));
   CHECK(!isMapped("libSDL2"));
   CHECK(!isMapped("libpixkit"));
-  CHECK(countThreads() == threads);
+  CHECK(areThreadsGone(threads));
   if (seconds >= 1) fprintf(stderr, "cycle %d took %.3f s\n", cycle, seconds);
   CHECK(seconds < 1);
 }

@@ -8,8 +8,9 @@ FOR_SANITIZER const char* __asan_default_options(void);
 FOR_SANITIZER const char* __lsan_default_suppressions(void);
 FOR_SANITIZER int __lsan_is_turned_off(void);
 
-/* The display thread has ended when the library is gone, but nobody joins it: by design. */
-const char* __tsan_default_options(void) { return "report_thread_leaks=0"; }
+/* The display thread has ended when the library is gone, but nobody joins it: by design. And these
+ * hosts' ends are timed. */
+const char* __tsan_default_options(void) { return "report_thread_leaks=0:atexit_sleep_ms=0"; }
 
 /* SDL keeps no frame pointers, by which allocations are else traced back to those who asked. */
 const char* __asan_default_options(void) { return "fast_unwind_on_malloc=0"; }
