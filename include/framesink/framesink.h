@@ -1,18 +1,18 @@
 /* framesink: shows the frames of a running model in live windows.
  *
- * The one header for hosts; valid C11 and C++. Load libframesink.so with the system's loader or link
- * it; either way these eleven functions and three strings are all there is.
+ * The one header for hosts; valid C11 and C++. Load libframesink.so with the system's loader or
+ * link it; either way these eleven functions and three strings are all there is.
  *
  * Conventions, said once:
  *
  *  1. Threads. Call one export at a time; which thread makes the call does not matter for threaded
  *     windows. The windows of a synchronous block belong to the thread that created the block: make
  *     every call that concerns them there. Nothing ever calls back into the host.
- *  2. Blocking. Unless a function says otherwise it does not wait for drawing. "Waits for the window"
- *     means: until the display thread has made the window, normally a few milliseconds, looked for
- *     every 2 ms. It ends at once when that window can no longer come (closed by the user, no display
- *     thread, library leaving). A window manager that does not answer while a window is made holds up
- *     the functions that wait for a window, and no others.
+ *  2. Blocking. Unless a function says otherwise it does not wait for drawing. "Waits for the
+ * window" means: until the display thread has made the window, normally a few milliseconds, looked
+ * for every 2 ms. It ends at once when that window can no longer come (closed by the user, no
+ * display thread, library leaving). A window manager that does not answer while a window is made
+ * holds up the functions that wait for a window, and no others.
  *  3. Ownership. Every pointer passed in is read, or written, during the call only. Strings are
  *     zero-terminated and copied; a null string counts as an empty one. The one thing handed out is
  *     the block handle, which goes back through libDestroy.
@@ -27,10 +27,10 @@
  *     FRAMESINK_ERROR_BYTES bytes are written; a text of that length or more arrives without its
  *     terminating zero. A null buffer drops the text. Trouble with the display is told on standard
  *     error and never disturbs the model.
- *  8. Memory. When memory runs out libCreate lets std::bad_alloc pass to the host and leaves nothing
- *     behind.
- *  9. Lifetime. Windows belong to the library: they outlive blocks and runs, and close when the user
- *     closes them, by destroyVideoWindow, or when the library is unloaded. Unloading and exiting
+ *  8. Memory. When memory runs out libCreate lets std::bad_alloc pass to the host and leaves
+ * nothing behind.
+ *  9. Lifetime. Windows belong to the library: they outlive blocks and runs, and close when the
+ * user closes them, by destroyVideoWindow, or when the library is unloaded. Unloading and exiting
  *     close everything; they wait at most 20 s for a display that no longer answers.
  * 10. After the library's own end (in exit handlers that run later) every function returns at once
  *     and does nothing.
@@ -63,9 +63,9 @@ extern "C" {
 /* As x or y of a window: the system chooses (SDL_WINDOWPOS_UNDEFINED). */
 #define FRAMESINK_POSITION_UNDEFINED 0x1FFF0000u
 
-/* The sample types of input planes (InputDescription.dataType), one sample each. Nominal ranges come
- * from the host's media library, pixkit; the stand-in's are given here. Samples are scaled so that
- * the range's minimum becomes 0 and its maximum 255; uint8 samples are shown as they are. */
+/* The sample types of input planes (InputDescription.dataType), one sample each. Nominal ranges
+ * come from the host's media library, pixkit; the stand-in's are given here. Samples are scaled so
+ * that the range's minimum becomes 0 and its maximum 255; uint8 samples are shown as they are. */
 enum FramesinkDataType {
   FRAMESINK_DOUBLE = 0, /* 64-bit float, 0..1 */
   FRAMESINK_SINGLE = 1, /* 32-bit float, 0..1 */
@@ -80,9 +80,9 @@ enum FramesinkDataType {
 
 /* Describes the planes of every frame of a block. Copied whole by libCreate.
  *
- * What the planes hold follows from three fields: inputCount 1 with componentCount 1 is one intensity
- * plane; otherwise a fourcc of "YUY2" means YCbCr 4:2:2 (Y, then Cb and Cr of half the width, BT.601
- * studio range); otherwise the planes are red, green and blue. */
+ * What the planes hold follows from three fields: inputCount 1 with componentCount 1 is one
+ * intensity plane; otherwise a fourcc of "YUY2" means YCbCr 4:2:2 (Y, then Cb and Cr of half the
+ * width, BT.601 studio range); otherwise the planes are red, green and blue. */
 typedef struct InputDescription {
   uint8_t valid;           /* 0: every frame of the block is ignored */
   uint8_t reserved1[23];   /* not read */
@@ -116,41 +116,41 @@ FRAMESINK_ASSERT_OFFSET(reserved3, 80);
 #undef FRAMESINK_ASSERT_OFFSET
 static_assert(sizeof(InputDescription) == 88, "InputDescription is 88 bytes");
 
-/* ---- The life of a block ------------------------------------------------------------------------ */
+/* ---- The life of a block ------------------------------------------------------------------------
+ */
 
-/* Creates a block and registers its window under playerName; opens the window when openAtStart is set
- * or when a window of that name is already open.
+/* Creates a block and registers its window under playerName; opens the window when openAtStart is
+ * set or when a window of that name is already open.
  *
  *   hostContext           kept, not used
  *   windowTitle           title of the window
  *   fullscreen            open full screen on the desktop; at most one window is full screen
  *   description           must not be null
  *   windowX, windowY      position of the window, see convention 6
- *   useWindowSize         use windowWidth and windowHeight instead of the frame's size; they are also
- *                         used when fullscreen is set; both 2147483647 means the frame's size
- *   inputConversion       0, or the index of a pixkit routine that turns the host's planes of doubles
- *                         into samples of dataType before display
- *   allocatePlaneBuffers  allow frames smaller than the configured size; they are centred. Without
- *                         it, and without an inputConversion, such frames are dropped
- *   synchronous           draw and handle events inside the host's own calls, on the calling thread,
- *                         instead of on the library's display thread
+ *   useWindowSize         use windowWidth and windowHeight instead of the frame's size; they are
+ * also used when fullscreen is set; both 2147483647 means the frame's size inputConversion       0,
+ * or the index of a pixkit routine that turns the host's planes of doubles into samples of dataType
+ * before display allocatePlaneBuffers  allow frames smaller than the configured size; they are
+ * centred. Without it, and without an inputConversion, such frames are dropped synchronous draw and
+ * handle events inside the host's own calls, on the calling thread, instead of on the library's
+ * display thread
  *
  * A window of that name that is open already is kept when frame size, fullscreen, synchronous and
  * window size are unchanged; otherwise a fresh one opens where the user left the old one.
  *
  * Returns the block handle; null after a failure, with the text in errorMessage: "Unsupported video
- * data type" when dataType is above 8. Throws std::bad_alloc when memory runs out or a frame of 8-bit
- * red, green and blue planes exceeds 2147483647 bytes.
- * Blocking: may wait for the window when a window of that name is open; synchronous: draws. */
-FRAMESINK_API void *libCreate(char *errorMessage, uint64_t hostContext, const char *playerName,
-                              const char *windowTitle, uint8_t fullscreen,
-                              const InputDescription *description, uint8_t openAtStart,
+ * data type" when dataType is above 8. Throws std::bad_alloc when memory runs out or a frame of
+ * 8-bit red, green and blue planes exceeds 2147483647 bytes. Blocking: may wait for the window when
+ * a window of that name is open; synchronous: draws. */
+FRAMESINK_API void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName,
+                              const char* windowTitle, uint8_t fullscreen,
+                              const InputDescription* description, uint8_t openAtStart,
                               uint32_t windowX, uint32_t windowY, uint8_t useWindowSize,
                               uint32_t windowWidth, uint32_t windowHeight, uint32_t inputConversion,
                               uint8_t allocatePlaneBuffers, uint8_t synchronous);
 
 /* To be called once between libCreate and the first libUpdate. All set-up has happened by then. */
-FRAMESINK_API void libStart(void *block, char *errorMessage);
+FRAMESINK_API void libStart(void* block, char* errorMessage);
 
 /* Shows one frame.
  *
@@ -172,20 +172,22 @@ FRAMESINK_API void libStart(void *block, char *errorMessage);
  * frame size.
  * Cost: one conversion and one memcpy; no allocation, no lock held by drawing, no waiting.
  * Synchronous blocks draw the frame and handle all waiting events before they return. */
-FRAMESINK_API void libUpdate(void *block, char *errorMessage, const void *plane1,
-                             const void *plane2, const void *plane3, uint32_t width,
+FRAMESINK_API void libUpdate(void* block, char* errorMessage, const void* plane1,
+                             const void* plane2, const void* plane3, uint32_t width,
                              uint32_t height);
 
 /* The block has no outputs: does nothing. */
-FRAMESINK_API void libOutputs(void *block);
+FRAMESINK_API void libOutputs(void* block);
 
-/* Ends a run: does nothing. The window stays open, deliberately, so that the last frame can be seen. */
-FRAMESINK_API void libTerminate(void *block);
+/* Ends a run: does nothing. The window stays open, deliberately, so that the last frame can be
+ * seen. */
+FRAMESINK_API void libTerminate(void* block);
 
 /* Frees a block; null is ignored. The window stays open. */
-FRAMESINK_API void libDestroy(void *block);
+FRAMESINK_API void libDestroy(void* block);
 
-/* ---- Windows by name ---------------------------------------------------------------------------- */
+/* ---- Windows by name ----------------------------------------------------------------------------
+ */
 
 /* Opens the window of a registered name, or raises it when it is open. Unknown names are ignored.
  *
@@ -194,38 +196,40 @@ FRAMESINK_API void libDestroy(void *block);
  *                  the window gets the frame's size
  *
  * A null position or size: nothing happens. Blocking: waits for the window when it is open. */
-FRAMESINK_API void createVideoWindow(const char *name, uint8_t fullscreen, const uint32_t *position,
-                                     const uint32_t *size, uint8_t useWindowSize);
+FRAMESINK_API void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* position,
+                                     const uint32_t* size, uint8_t useWindowSize);
 
-/* Closes the window of that name and forgets the name. Frames of blocks that use it are dropped from
- * then on. Unknown names are ignored. The close request always goes to the display thread's windows:
- * a synchronous window stays on screen. */
-FRAMESINK_API void destroyVideoWindow(const char *name);
+/* Closes the window of that name and forgets the name. Frames of blocks that use it are dropped
+ * from then on. Unknown names are ignored. The close request always goes to the display thread's
+ * windows: a synchronous window stays on screen. */
+FRAMESINK_API void destroyVideoWindow(const char* name);
 
 /* Writes the window's position (x, y) and size (width, height, of the window when not full screen);
  * all four are -2 when the name is registered and its window closed. Writes nothing for an unknown
  * name; a null pair is skipped. Blocking: waits for the window when it is open. */
-FRAMESINK_API void getWindowPosSize(const char *name, int32_t *position, int32_t *size);
+FRAMESINK_API void getWindowPosSize(const char* name, int32_t* position, int32_t* size);
 
 /* 1 when the window of that name is open and not closing, else 0. */
-FRAMESINK_API uint8_t isPlayerOpen(const char *name);
+FRAMESINK_API uint8_t isPlayerOpen(const char* name);
 
-/* Gives the record called name the name newName, and its window, if open, the title newTitle. Blocks
- * that were created under the old name no longer find their record; their frames are dropped. The
- * title change always goes to the display thread's windows: a synchronous window keeps its title.
- * Blocking: waits for the window when it is open. */
-FRAMESINK_API void renameVideoWindow(const char *name, const char *newName, const char *newTitle);
+/* Gives the record called name the name newName, and its window, if open, the title newTitle.
+ * Blocks that were created under the old name no longer find their record; their frames are
+ * dropped. The title change always goes to the display thread's windows: a synchronous window keeps
+ * its title. Blocking: waits for the window when it is open. */
+FRAMESINK_API void renameVideoWindow(const char* name, const char* newName, const char* newTitle);
 
-/* ---- About the library -------------------------------------------------------------------------- */
+/* ---- About the library --------------------------------------------------------------------------
+ */
 
 /* Dotted version number, for example "1.0.0". */
-FRAMESINK_API extern const char *const framesink_version;
+FRAMESINK_API extern const char* const framesink_version;
 
 /* Build date in the compiler's form, for example "Jul 28 2017". */
-FRAMESINK_API extern const char *const framesink_build_date;
+FRAMESINK_API extern const char* const framesink_build_date;
 
-/* The library file's path within a host's installation: "bin\win64\framesink.dll" on every system. */
-FRAMESINK_API extern const char *const framesink_relative_path;
+/* The library file's path within a host's installation: "bin\win64\framesink.dll" on every system.
+ */
+FRAMESINK_API extern const char* const framesink_relative_path;
 
 #ifdef __cplusplus
 }

@@ -66,11 +66,11 @@ Refresh refreshOf(SdlServer& server, const VideoWindow& window, const WindowSetu
 
 }  // namespace
 
-VideoWindowRegistry::VideoWindowRegistry() : windows_(std::make_unique<Windows>()) {}
+VideoWindowRegistry::VideoWindowRegistry() : windows_(new Windows) {}
 
 // Records that a host call may still be using are left to the end of the process.
 VideoWindowRegistry::~VideoWindowRegistry() {
-  if (!endHostCalls()) static_cast<void>(windows_.release());
+  if (endHostCalls()) delete windows_;
 }
 
 VideoWindow* VideoWindowRegistry::findVideoWindow(std::string_view name) const {

@@ -103,7 +103,7 @@ class VideoWindowRegistry {
 
   // Ordered by address, so that a name plays no part in the order.
   using Windows = std::set<std::unique_ptr<VideoWindow>>;
-  std::unique_ptr<Windows> windows_;
+  Windows* const windows_;  // owned
 };
 
 // The registry of the process: made at load, destroyed at unload.
