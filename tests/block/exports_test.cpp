@@ -123,8 +123,9 @@ TEST(NullPointers, DescriptionIsOfABlockThatIgnoresFrames) {
 
 // ---- With windows -------------------------------------------------------------------------------
 
-class LifeOfABlock : public BareXTest, public testing::WithParamInterface<std::uint8_t> {
+class LifeOfABlock : public XTest, public testing::WithParamInterface<std::uint8_t> {
  protected:
+  explicit LifeOfABlock(bool managed = false) : XTest(managed) {}
   BlockRequest open() const { return {.openAtStart = 1, .synchronous = GetParam()}; }
   InputDescription input() const { return describe(kRgb, FRAMESINK_UINT8, kFrame); }
   Window window() { return x.waitForWindow(name); }
@@ -145,7 +146,7 @@ using ThreadedLifeOfABlock = BareXTest;
 
 class LifeOfABlockOnADesktop : public LifeOfABlock {
  protected:
-  WindowManager windowManager{server};
+  LifeOfABlockOnADesktop() : LifeOfABlock(true) {}
 };
 
 std::string displayName(const testing::TestParamInfo<std::uint8_t>& test) {

@@ -50,6 +50,11 @@ class Probe {
   Window window_;
 };
 
+std::optional<WindowManager>& sharedInstance() {
+  static std::optional<WindowManager> manager;
+  return manager;
+}
+
 }  // namespace
 
 WindowManager::WindowManager(const XServer& server) {
@@ -67,5 +72,14 @@ WindowManager::WindowManager(const XServer& server) {
   const std::string how = isRunning() ? "is not ready after 20 s" : "ended at its start";
   throw std::runtime_error("openbox " + how + ": " + process_->standardError());
 }
+
+WindowManager& sharedWindowManager() {
+  XServer& server = sharedXServer();
+  std::optional<WindowManager>& manager = sharedInstance();
+  if (manager && !manager->isRunning()) manager.reset();
+  return manager ? *manager : manager.emplace(server);
+}
+
+void endSharedWindowManager() { sharedInstance().reset(); }
 
 }  // namespace framesink::test

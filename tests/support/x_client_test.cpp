@@ -21,13 +21,9 @@ constexpr milliseconds kShort{50};
 constexpr int kEscapeKeycode = 9;
 constexpr int kLetterAKeycode = 38;
 
-class XClientTest : public BareXTest, public testing::WithParamInterface<bool> {
+class XClientTest : public XTest, public testing::WithParamInterface<bool> {
  protected:
-  void SetUp() override {
-    if (GetParam()) windowManager.emplace(server);
-  }
-
-  std::optional<WindowManager> windowManager;
+  XClientTest() : XTest(GetParam()) {}
 };
 INSTANTIATE_TEST_SUITE_P(Windows, XClientTest, testing::Bool(), [](const auto& parameter) {
   return std::string(parameter.param ? "Managed" : "Bare");

@@ -9,17 +9,31 @@
 
 namespace framesink::test {
 
-// A server without a window manager: windows appear where they ask to be, with no frame.
-class BareXTest : public testing::Test {
+// A server, with a window manager or without.
+class XTest : public testing::Test {
  protected:
+  explicit XTest(bool managed) {
+    if (managed) {
+      sharedWindowManager();
+    } else {
+      endSharedWindowManager();
+    }
+  }
+
   XServer& server = sharedXServer();
   XClient x{server.display()};
 };
 
-// A server with a window manager, as on a user's desktop.
-class ManagedXTest : public BareXTest {
+// Windows appear where they ask to be, with no frame.
+class BareXTest : public XTest {
  protected:
-  WindowManager windowManager{server};
+  BareXTest() : XTest(false) {}
+};
+
+// As on a user's desktop.
+class ManagedXTest : public XTest {
+ protected:
+  ManagedXTest() : XTest(true) {}
 };
 
 }  // namespace framesink::test

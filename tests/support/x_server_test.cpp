@@ -143,5 +143,24 @@ TEST(WindowManager, RefusesToBeTheSecond) {
             "a window manager runs on " + server.display() + " already");
 }
 
+TEST(SharedWindowManager, IsOneUntilItIsEnded) {
+  const pid_t pid = sharedWindowManager().pid();
+  EXPECT_EQ(sharedWindowManager().pid(), pid);
+  XClient client;
+  EXPECT_TRUE(client.hasWindowManager());
+  endSharedWindowManager();
+  EXPECT_TRUE(waitUntil([&] { return !client.hasWindowManager(); }));
+  EXPECT_NE(sharedWindowManager().pid(), pid);
+}
+
+TEST(SharedWindowManager, IsStartedAgainAfterItsDeath) {
+  const pid_t pid = sharedWindowManager().pid();
+  kill(pid, SIGKILL);
+  XClient client;
+  ASSERT_TRUE(waitUntil([&] { return !client.hasWindowManager(); }));
+  ASSERT_TRUE(waitUntil([&] { return sharedWindowManager().pid() != pid; }));
+  EXPECT_TRUE(client.hasWindowManager());
+}
+
 }  // namespace
 }  // namespace framesink::test
