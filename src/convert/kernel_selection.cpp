@@ -2,12 +2,12 @@
 
 #include "convert/kernel_table.hpp"
 #include "convert/planes_to_rgb.hpp"
+#include "convert/planes_to_yuy2.hpp"
 #include "convert/ycbcr_to_rgb.hpp"
+#include "convert/ycbcr_to_yuy2.hpp"
 
 namespace framesink {
 namespace {
-
-constexpr KernelTable kNoKernels{};
 
 // The three tables of an output format; null for an unknown kind.
 const KernelTable* rgbPlanesTable(std::int32_t inputKind) {
@@ -26,9 +26,11 @@ const KernelTable* rgbPlanesTable(std::int32_t inputKind) {
 const KernelTable* yuy2Table(std::int32_t inputKind) {
   switch (inputKind) {
     case kInputIntensity:
+      return &intensityToYuy2Kernels;
     case kInputYcbcr422:
+      return &ycbcrToYuy2Kernels;
     case kInputRgb:
-      return &kNoKernels;
+      return &rgbToYuy2Kernels;
     default:
       return nullptr;
   }

@@ -24,15 +24,22 @@ constexpr std::uint32_t kLargestId = std::numeric_limits<std::uint32_t>::max();
 constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
-TEST(KernelSelection, EveryInputKindHasAnRgbKernelForEachOfTheNineTypes) {
-  for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
-    std::set<ConversionKernel> kernels;
-    for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
-      kernels.insert(selectConversionKernel(kind, kOutputRgbPlanes, dataType));
+template <class Visit>
+void forEachKernel(const Visit& visit) {
+  for (const std::int32_t format : {kOutputRgbPlanes, kOutputYuy2}) {
+    for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
+      for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
+        visit(selectConversionKernel(kind, format, dataType));
+      }
     }
-    EXPECT_EQ(kernels.size(), 9U) << "input kind " << kind;
-    EXPECT_EQ(kernels.count(nullptr), 0U) << "input kind " << kind;
   }
+}
+
+TEST(KernelSelection, EveryKindFormatAndTypeHasAKernelOfItsOwn) {
+  std::set<ConversionKernel> kernels;
+  forEachKernel([&](ConversionKernel kernel) { kernels.insert(kernel); });
+  EXPECT_EQ(kernels.size(), 54U);
+  EXPECT_EQ(kernels.count(nullptr), 0U);
 }
 
 TEST(KernelSelection, DataTypeAboveEightGivesNull) {
@@ -102,27 +109,18 @@ TEST(KernelSelection, IntensityForwardsItsFirstPlaneThreeTimesToTheRgbKernel) {
   }
 }
 
-template <class Visit>
-void forEachRgbKernel(const Visit& visit) {
-  for (const std::int32_t kind : {kInputRgb, kInputIntensity, kInputYcbcr422}) {
-    for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
-      visit(kind, dataType, selectConversionKernel(kind, kOutputRgbPlanes, dataType));
-    }
-  }
-}
-
 TEST(KernelSelection, AllocatesNothing) {
   const std::size_t before = allocationCount();
-  forEachRgbKernel([](std::int32_t, std::uint32_t, ConversionKernel) {});
+  forEachKernel([](ConversionKernel) {});
   EXPECT_EQ(allocationCount(), before);
 }
 
 TEST(KernelSelection, KernelsAllocateNothing) {
-  const std::vector<double> plane(70 * 9, 0.25);
-  std::vector<std::uint8_t> out(3 * plane.size());
+  const std::vector<double> plane(70 * 9 + 1, 0.25);  // overlapping pairs reach one past an end
+  std::vector<std::uint8_t> out(4 * plane.size());
   const std::size_t before = allocationCount();
   ASSERT_GT(before, 0U);  // The counter counts: the two vectors above are in it.
-  forEachRgbKernel([&](std::int32_t, std::uint32_t, ConversionKernel kernel) {
+  forEachKernel([&](ConversionKernel kernel) {
     for (const std::int32_t layout : {1, 0}) {
       kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, layout);
     }
@@ -134,8 +132,8 @@ TEST(KernelSelection, KernelsAllocateNothing) {
 TEST(KernelSelection, SelectionAndKernelsRunInSeveralThreadsAtOnce) {
   const std::vector<double> plane(70 * 9, 0.25);
   const auto convertAll = [&plane](std::vector<std::uint8_t>& outputs) {
-    forEachRgbKernel([&](std::int32_t, std::uint32_t, ConversionKernel kernel) {
-      std::vector<std::uint8_t> out(3 * plane.size());
+    forEachKernel([&](ConversionKernel kernel) {
+      std::vector<std::uint8_t> out(4 * plane.size());
       kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, 1);
       outputs.insert(outputs.end(), out.begin(), out.end());
     });

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "convert/kernel_selection.hpp"
@@ -24,13 +25,29 @@ struct FrameShape {
   std::int32_t layout = 1;
 };
 
-// Runs the kernel to RGB planes on an output that holds `before`; returns what it holds afterwards.
+struct Conversion {
+  std::int32_t inputKind;
+  std::int32_t outputFormat;
+};
+
+// Runs the kernel on an output that holds `before`; returns what it holds afterwards.
 template <std::uint32_t Id>
-Bytes runToRgb(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
-  const ConversionKernel kernel = selectConversionKernel(inputKind, kOutputRgbPlanes, Id);
+Bytes runKernel(Conversion conversion, const Planes<Id>& planes, Bytes before, FrameShape shape) {
+  const ConversionKernel kernel =
+      selectConversionKernel(conversion.inputKind, conversion.outputFormat, Id);
   kernel(planes[0].data(), planes[1].data(), planes[2].data(), before.data(), shape.width,
          shape.height, shape.layout);
   return before;
+}
+
+template <std::uint32_t Id>
+Bytes runToRgb(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
+  return runKernel<Id>({inputKind, kOutputRgbPlanes}, planes, std::move(before), shape);
+}
+
+template <std::uint32_t Id>
+Bytes runToYuy2(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
+  return runKernel<Id>({inputKind, kOutputYuy2}, planes, std::move(before), shape);
 }
 
 }  // namespace framesink

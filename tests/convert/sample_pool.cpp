@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -60,6 +61,24 @@ void addNeighbours(std::vector<Sample>& samples, double value) {
   }
 }
 
+// NaNs with payloads, quiet and signalling, and denormals: all by their bits.
+void addBitPatterns(std::vector<double>& samples) {
+  for (const std::uint64_t bits : std::initializer_list<std::uint64_t>{
+           0x7FF0000000000001U, 0x7FF8DEADBEEF0001U, 0x7FFFFFFFFFFFFFFFU, 0x000FFFFFFFFFFFFFU,
+           0x0000000000000001U, 0x36A0000000000000U, 0x369FFFFFFFFFFFFFU, 0x47EFFFFFF0000000U}) {
+    samples.push_back(std::bit_cast<double>(bits));
+    samples.push_back(std::bit_cast<double>(bits | std::uint64_t{1} << 63));
+  }
+}
+
+void addBitPatterns(std::vector<float>& samples) {
+  for (const std::uint32_t bits :
+       {0x7F800001U, 0x7FBEEF01U, 0x7FFFFFFFU, 0x007FFFFFU, 0x00000001U}) {
+    samples.push_back(std::bit_cast<float>(bits));
+    samples.push_back(std::bit_cast<float>(bits | std::uint32_t{1} << 31));
+  }
+}
+
 template <class Sample>
 void addLimits(std::vector<Sample>& samples) {
   using Limits = std::numeric_limits<Sample>;
@@ -70,6 +89,7 @@ void addLimits(std::vector<Sample>& samples) {
       samples.push_back(special);
       samples.push_back(-special);
     }
+    addBitPatterns(samples);
   } else {
     for (const double power : {127.0, 128.0, 32767.0, 32768.0, 16777217.0, 2147483648.0}) {
       addNeighbours(samples, power);
