@@ -45,8 +45,8 @@ std::vector<ElfSymbol> ElfFile::symbolsOf(const Elf64_Shdr& table) const {
   std::vector<ElfSymbol> symbols;
   for (const Elf64_Sym& symbol : read<Elf64_Sym>(table.sh_offset, table.sh_size)) {
     symbols.push_back({.name = text(sections_.at(table.sh_link), symbol.st_name),
-                       .type = ELF64_ST_TYPE(symbol.st_info),
-                       .binding = ELF64_ST_BIND(symbol.st_info),
+                       .type = static_cast<unsigned>(ELF64_ST_TYPE(symbol.st_info)),
+                       .binding = static_cast<unsigned>(ELF64_ST_BIND(symbol.st_info)),
                        .defined = symbol.st_shndx != SHN_UNDEF,
                        .size = symbol.st_size});
   }

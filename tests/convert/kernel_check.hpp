@@ -27,6 +27,8 @@ class KernelCheck {
   // No frame may need more than `largestPlane` samples or `largestOutput` bytes, offsets included.
   KernelCheck(const KernelCase& test, std::size_t largestPlane, std::size_t largestOutput);
 
+  const KernelCase& test() const { return test_; }
+
   // Where to write the samples of plane 0, 1 or 2 for the next check.
   std::uint8_t* plane(std::size_t number, const oracle::Frame& frame, Placement placement);
 

@@ -27,9 +27,9 @@ class WindowManager {
 };
 
 // The window manager of this test process on sharedXServer(), started at the first call and again
-// after it ended. It outlives whatever the process makes after that call: when it goes while windows
-// are open, SDL 2.26 may ask for the place of a frame that is gone, and Xlib ends the process for
-// that (BadWindow, X_TranslateCoords).
+// after it ended. It outlives whatever the process makes after that call: when it goes while
+// windows are open, SDL 2.26 may ask for the place of a frame that is gone, and Xlib ends the
+// process for that (BadWindow, X_TranslateCoords).
 WindowManager& sharedWindowManager();
 
 // Ends it, for a test that wants none after one that did, in one process.
