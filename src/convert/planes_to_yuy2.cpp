@@ -1,7 +1,13 @@
 #include "convert/planes_to_yuy2.hpp"
 
+#include <algorithm>
+#include <array>
+
 #include "convert/colour_constants.hpp"
+#include "convert/colour_rows.hpp"
+#include "convert/sample_rows.hpp"
 #include "convert/sample_scaling.hpp"
+#include "convert/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {
@@ -70,15 +76,79 @@ class IntensityReader {
   SampleScale<Id> scale_;
 };
 
+// Rows that column-major planes are converted by at a time: many, so that columns are read in long
+// runs, and few enough to stay on the stack.
+constexpr std::size_t kBlockRows = 1024;
+
+struct YcbcrRuns {
+  const std::uint8_t* y;
+  const std::uint8_t* cb;
+  const std::uint8_t* cr;
+};
+
+// Runs of RGB samples as 8-bit YCbCr, until the next call.
+template <std::uint32_t Id>
+class RgbRuns {
+ public:
+  RgbRuns(const void* red, const void* green, const void* blue)
+      : red_(static_cast<const Sample*>(red)),
+        green_(static_cast<const Sample*>(green)),
+        blue_(static_cast<const Sample*>(blue)) {}
+
+  YcbcrRuns operator()(std::ptrdiff_t first, std::size_t count) {
+    rgbRowToYcbcr({reds_.scaled(red_ + first, count), greens_.scaled(green_ + first, count),
+                   blues_.scaled(blue_ + first, count)},
+                  {y_.data(), cb_.data(), cr_.data()}, count);
+    return {y_.data(), cb_.data(), cr_.data()};
+  }
+
+ private:
+  using Sample = SampleOf<Id>;
+  using Run = std::array<std::uint8_t, kBlockRows>;
+  const Sample* red_;
+  const Sample* green_;
+  const Sample* blue_;
+  ByteRun<Id, kBlockRows> reds_, greens_, blues_;
+  Run y_, cb_, cr_;
+};
+
+// Runs of intensities likewise; chroma is always 128.
+template <std::uint32_t Id>
+class IntensityRuns {
+ public:
+  explicit IntensityRuns(const void* intensity)
+      : intensity_(static_cast<const Sample*>(intensity)) {
+    chroma_.fill(128);
+  }
+
+  YcbcrRuns operator()(std::ptrdiff_t first, std::size_t count) {
+    intensityRowToLuma(bytes_.scaled(intensity_ + first, count), y_.data(), count);
+    return {y_.data(), chroma_.data(), chroma_.data()};
+  }
+
+ private:
+  using Sample = SampleOf<Id>;
+  using Run = std::array<std::uint8_t, kBlockRows>;
+  const Sample* intensity_;
+  ByteRun<Id, kBlockRows> bytes_;
+  Run y_, chroma_;
+};
+
 // Column-major planes of either kind: disjoint pairs, the last pixel of an odd width alone.
-template <class Reader>
-void columnsToGroups(const Reader& pixel, GroupWriter out, std::ptrdiff_t width,
+template <class Runs>
+void columnsToGroups(Runs firstColumn, std::uint8_t* out, std::ptrdiff_t width,
                      std::ptrdiff_t height) {
-  for (std::ptrdiff_t row = 0; row < height; ++row) {
+  Runs secondColumn = firstColumn;
+  const std::ptrdiff_t lineBytes = 4 * ((width + 1) / 2);
+  for (std::ptrdiff_t row = 0; row < height; row += kBlockRows) {
+    const auto count = std::min<std::size_t>(kBlockRows, height - row);
     for (std::ptrdiff_t column = 0; column < width; column += 2) {
-      const Ycbcr first = pixel(row + column * height);
+      const YcbcrRuns first = firstColumn(row + column * height, count);
       const bool alone = column + 1 == width;
-      out.write(first, alone ? first.y : pixel(row + (column + 1) * height).y);
+      const std::uint8_t* const y1 =
+          alone ? first.y : secondColumn(row + (column + 1) * height, count).y;
+      packGroupsDown({first.y, first.cb, y1, first.cr}, out + row * lineBytes + 2 * column,
+                     lineBytes, count);
     }
   }
 }
@@ -121,22 +191,20 @@ void intensityRowsToGroups(const Reader& pixel, GroupWriter out, std::ptrdiff_t 
 template <std::uint32_t Id>
 void rgbToYuy2(const void* plane0, const void* plane1, const void* plane2, std::uint8_t* out,
                std::int32_t width, std::int32_t height, std::int32_t layout) {
-  const RgbReader<Id> pixel{plane0, plane1, plane2};
   if (layout == 1) {
-    columnsToGroups(pixel, GroupWriter(out), width, height);
+    columnsToGroups(RgbRuns<Id>{plane0, plane1, plane2}, out, width, height);
   } else {
-    rgbRowsToGroups(pixel, GroupWriter(out), width, height);
+    rgbRowsToGroups(RgbReader<Id>{plane0, plane1, plane2}, GroupWriter(out), width, height);
   }
 }
 
 template <std::uint32_t Id>
 void intensityToYuy2(const void* plane0, const void*, const void*, std::uint8_t* out,
                      std::int32_t width, std::int32_t height, std::int32_t layout) {
-  const IntensityReader<Id> pixel{plane0};
   if (layout != 0) {
-    columnsToGroups(pixel, GroupWriter(out), width, height);
+    columnsToGroups(IntensityRuns<Id>{plane0}, out, width, height);
   } else {
-    intensityRowsToGroups(pixel, GroupWriter(out), width, height);
+    intensityRowsToGroups(IntensityReader<Id>{plane0}, GroupWriter(out), width, height);
   }
 }
 

@@ -16,34 +16,45 @@ inline std::int32_t truncateToInt32(double value) {
   return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
 }
 
-// Scales samples of one type. Made once per plane, so that pixkit's range is read once.
+// Pixkit's range of one type in single precision.
+template <std::uint32_t Id>
+class SampleRange {
+ public:
+  SampleRange()
+      : min_(toSingle(videoTraits<Id>::min)), span_(toSingle(videoTraits<Id>::max) - min_) {}
+
+  float min() const { return min_; }
+  float span() const { return span_; }
+
+  // Through the sample's own type first: pixkit declares int8 ranges as plain char, which is
+  // unsigned on some machines.
+  template <class Value>
+  static float toSingle(Value value) {
+    return static_cast<float>(static_cast<SampleOf<Id>>(value));
+  }
+
+ private:
+  float min_;
+  float span_;
+};
+
+// Scales samples of one type. Made once per plane, so that the range is read once.
 template <std::uint32_t Id>
 class SampleScale {
  public:
   using Sample = SampleOf<Id>;
 
-  SampleScale()
-      : min_(toSingle(videoTraits<Id>::min)), span_(toSingle(videoTraits<Id>::max) - min_) {}
-
   // Single precision except for the last rounding: to nearest, halves up. Values below the range
   // give 0, above it 255; NaN, infinities and what leaves 32 bits on the way give 0, white turning
   // black included. That is the system's own rule.
   std::uint32_t operator()(Sample sample) const {
-    const float t = (toSingle(sample) - min_) / span_ * 255.0F;
+    const float t = (range_.toSingle(sample) - range_.min()) / range_.span() * 255.0F;
     const std::int32_t rounded = truncateToInt32(static_cast<double>(t) + 0.5);
     return static_cast<std::uint32_t>(rounded < 0 ? 0 : rounded > 255 ? 255 : rounded);
   }
 
  private:
-  // Through Sample first: pixkit declares int8 ranges as plain char, which is unsigned on some
-  // machines.
-  template <class Value>
-  static float toSingle(Value value) {
-    return static_cast<float>(static_cast<Sample>(value));
-  }
-
-  float min_;
-  float span_;
+  SampleRange<Id> range_;
 };
 
 // Uint8 samples pass unchanged, whatever range pixkit declares for them. Booleans do not: they are

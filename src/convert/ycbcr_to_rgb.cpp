@@ -1,8 +1,11 @@
 #include "convert/ycbcr_to_rgb.hpp"
 
 #include <algorithm>
+#include <array>
 
 #include "convert/colour_constants.hpp"
+#include "convert/colour_rows.hpp"
+#include "convert/sample_rows.hpp"
 #include "convert/sample_scaling.hpp"
 
 namespace framesink {
@@ -43,21 +46,26 @@ class YcbcrReader {
   SampleScale<Id> scale_;
 };
 
+// Pixels that are scaled and converted at a time, so that their bytes stay in the first-level
+// cache.
+constexpr std::size_t kBlockPixels = 1024;
+
+// Column by column: both columns of a pair take the chroma of theirs.
 template <std::uint32_t Id>
-void columnsToPlanes(const YcbcrReader<Id>& frame, std::uint8_t* out, std::int32_t width,
-                     std::ptrdiff_t height) {
-  const std::ptrdiff_t n = planeSamples(width, static_cast<std::int32_t>(height));
-  const auto store = [&](std::ptrdiff_t e, Rgb pixel) {
-    out[e] = pixel.red;
-    out[n + e] = pixel.green;
-    out[2 * n + e] = pixel.blue;
-  };
+void columnsToPlanes(const std::array<const SampleOf<Id>*, 3>& planes, std::uint8_t* out,
+                     std::int32_t width, std::int32_t height) {
+  ByteRun<Id, kBlockPixels> y, cb, cr;
+  const std::ptrdiff_t n = planeSamples(width, height);
   for (std::ptrdiff_t pair = 0; pair < width / 2; ++pair) {
-    for (std::ptrdiff_t row = 0; row < height; ++row) {
-      const std::ptrdiff_t first = 2 * pair * height + row;
-      const std::ptrdiff_t chroma = pair * height + row;
-      store(first, frame.pixel(first, chroma));
-      store(first + height, frame.pixel(first + height, chroma));
+    for (std::ptrdiff_t row = 0; row < height; row += kBlockPixels) {
+      const auto count = std::min<std::size_t>(kBlockPixels, height - row);
+      const std::uint8_t* const blueness = cb.scaled(planes[1] + pair * height + row, count);
+      const std::uint8_t* const redness = cr.scaled(planes[2] + pair * height + row, count);
+      for (const std::ptrdiff_t column : {2 * pair, 2 * pair + 1}) {
+        const std::ptrdiff_t e = column * height + row;
+        ycbcrRowToRgb({y.scaled(planes[0] + e, count), blueness, redness},
+                      {out + e, out + n + e, out + 2 * n + e}, count);
+      }
     }
   }
 }
@@ -82,11 +90,13 @@ void rowsToPackedLines(const YcbcrReader<Id>& frame, std::uint8_t* out, std::ptr
 template <std::uint32_t Id>
 void ycbcrPlanesToRgb(const void* plane0, const void* plane1, const void* plane2, std::uint8_t* out,
                       std::int32_t width, std::int32_t height, std::int32_t layout) {
-  const YcbcrReader<Id> frame{plane0, plane1, plane2};
+  using Sample = SampleOf<Id>;
   if (layout != 0) {
-    columnsToPlanes(frame, out, width, height);
+    columnsToPlanes<Id>({static_cast<const Sample*>(plane0), static_cast<const Sample*>(plane1),
+                         static_cast<const Sample*>(plane2)},
+                        out, width, height);
   } else {
-    rowsToPackedLines(frame, out, width, height);
+    rowsToPackedLines(YcbcrReader<Id>{plane0, plane1, plane2}, out, width, height);
   }
 }
 

@@ -1,34 +1,63 @@
 #include "convert/ycbcr_to_yuy2.hpp"
 
-#include "convert/sample_scaling.hpp"
+#include <algorithm>
+#include <array>
+
+#include "convert/sample_rows.hpp"
+#include "convert/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {
 
+// Rows, or groups of one long run, that are packed at a time: see the RGB planes.
+constexpr std::size_t kBlockRows = 1024;
+constexpr std::size_t kBlockGroups = 1024;
+
+template <std::uint32_t Id>
+using Planes = std::array<const SampleOf<Id>*, 3>;
+
+// Of an odd width the last pair's second column is the one after the last.
+template <std::uint32_t Id>
+void columnsToGroups(const Planes<Id>& planes, std::uint8_t* out, std::ptrdiff_t width,
+                     std::ptrdiff_t height) {
+  ByteRun<Id, kBlockRows> y0, y1, cb, cr;
+  const std::ptrdiff_t pairs = (width + 1) / 2;
+  for (std::ptrdiff_t row = 0; row < height; row += kBlockRows) {
+    const auto count = std::min<std::size_t>(kBlockRows, height - row);
+    for (std::ptrdiff_t pair = 0; pair < pairs; ++pair) {
+      const std::ptrdiff_t luma = row + 2 * pair * height;
+      const std::ptrdiff_t chroma = row + pair * height;
+      packGroupsDown(
+          {y0.scaled(planes[0] + luma, count), cb.scaled(planes[1] + chroma, count),
+           y1.scaled(planes[0] + luma + height, count), cr.scaled(planes[2] + chroma, count)},
+          out + 4 * (row * pairs + pair), 4 * pairs, count);
+    }
+  }
+}
+
+// One run of n samples without regard to lines; an odd n reads one more.
+template <std::uint32_t Id>
+void runToGroups(const Planes<Id>& planes, std::uint8_t* out, std::ptrdiff_t n) {
+  ByteRun<Id, 2 * kBlockGroups> y;
+  ByteRun<Id, kBlockGroups> cb, cr;
+  const std::ptrdiff_t groups = n > 0 ? n / 2 + n % 2 : 0;
+  for (std::ptrdiff_t first = 0; first < groups; first += kBlockGroups) {
+    const auto count = std::min<std::size_t>(kBlockGroups, groups - first);
+    packPairs(y.scaled(planes[0] + 2 * first, 2 * count), cb.scaled(planes[1] + first, count),
+              cr.scaled(planes[2] + first, count), out + 4 * first, count);
+  }
+}
+
 template <std::uint32_t Id>
 void ycbcrToYuy2(const void* plane0, const void* plane1, const void* plane2, std::uint8_t* out,
                  std::int32_t width, std::int32_t height, std::int32_t layout) {
-  const auto* y = static_cast<const SampleOf<Id>*>(plane0);
-  const auto* cb = static_cast<const SampleOf<Id>*>(plane1);
-  const auto* cr = static_cast<const SampleOf<Id>*>(plane2);
-  const SampleScale<Id> scale;
-  const auto write = [&](std::ptrdiff_t luma0, std::ptrdiff_t luma1, std::ptrdiff_t chroma) {
-    *out++ = static_cast<std::uint8_t>(scale(y[luma0]));
-    *out++ = static_cast<std::uint8_t>(scale(cb[chroma]));
-    *out++ = static_cast<std::uint8_t>(scale(y[luma1]));
-    *out++ = static_cast<std::uint8_t>(scale(cr[chroma]));
-  };
-  if (layout == 0) {
-    const std::ptrdiff_t n = planeSamples(width, height);
-    for (std::ptrdiff_t pair = 0; 2 * pair < n; ++pair) write(2 * pair, 2 * pair + 1, pair);
-    return;
-  }
-  const std::ptrdiff_t rows = height;
-  for (std::ptrdiff_t row = 0; row < rows; ++row) {
-    for (std::ptrdiff_t pair = 0; 2 * pair < width; ++pair) {
-      const std::ptrdiff_t first = row + 2 * pair * rows;
-      write(first, first + rows, row + pair * rows);
-    }
+  using Sample = SampleOf<Id>;
+  const Planes<Id> planes{static_cast<const Sample*>(plane0), static_cast<const Sample*>(plane1),
+                          static_cast<const Sample*>(plane2)};
+  if (layout != 0) {
+    columnsToGroups<Id>(planes, out, width, height);
+  } else {
+    runToGroups<Id>(planes, out, planeSamples(width, height));
   }
 }
 

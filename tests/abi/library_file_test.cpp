@@ -109,7 +109,7 @@ TEST(LibraryFile, HasNoExecutableStackAndNoTextRelocations) {
   EXPECT_TRUE(library().dynamicValues(DT_TEXTREL).empty());
 }
 
-TEST(LibraryFile, NeedsSdlAndPixkit) {
+TEST(LibraryFile, NeedsSdlPixkitAndHighway) {
   const auto needed = library().dynamicStrings(DT_NEEDED);
   const auto needs = [&](const char* part) {
     return std::any_of(needed.begin(), needed.end(), [&](const std::string& name) {
@@ -118,6 +118,7 @@ TEST(LibraryFile, NeedsSdlAndPixkit) {
   };
   EXPECT_TRUE(needs("libSDL2"));
   EXPECT_TRUE(needs("libpixkit"));
+  EXPECT_TRUE(needs("libhwy"));
 }
 
 // Every other symbol comes from a library that it names itself.

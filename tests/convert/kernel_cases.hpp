@@ -1,5 +1,5 @@
 // The table that drives every check and every timing of the kernels: each family in each sample
-// type on each instruction set that this machine has.
+// type, on each instruction set that this machine has.
 #pragma once
 
 #include <cstdint>
@@ -12,19 +12,20 @@
 
 namespace framesink {
 
-// A way to run the kernels; use() chooses it for this process from then on.
+// Vectors that the kernels can run on.
 struct InstructionSet {
-  const char* name;
-  void (*use)();
+  std::string name;
+  std::int64_t target;  // Highway's number of it
+
+  void use() const;  // the kernels of this process run on it from now on
 };
 
-// At least one; the first is what the library chooses by itself.
+// The best one first: what the library chooses by itself.
 const std::vector<InstructionSet>& instructionSets();
 
 struct KernelCase {
   const oracle::Family* family;
   std::uint32_t dataType;
-  const InstructionSet* instructionSet;
 
   ConversionKernel kernel() const;
 };
@@ -33,7 +34,7 @@ struct KernelCase {
 // `largest` bytes.
 std::vector<KernelCase> kernelCases(std::size_t smallest = 1, std::size_t largest = 8);
 
-// For example "RgbToYuy2Uint16Plain".
+// For example "RgbToYuy2Uint16".
 std::string nameOf(const KernelCase& test);
 std::ostream& operator<<(std::ostream& stream, const KernelCase& test);
 

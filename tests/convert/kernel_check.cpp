@@ -56,21 +56,27 @@ std::array<const void*, 3> KernelCheck::planes(const oracle::Frame& frame, Place
 std::string KernelCheck::difference(const oracle::Frame& frame, Placement placement) {
   const std::array<const void*, 3> planes = this->planes(frame, placement);
   std::uint8_t* const out = output(frame, placement);
-  std::ranges::copy(background_, output_.begin());
   expected_ = background_;
   oracle::convert(*test_.family, test_.dataType, planes, expected_.data() + (out - output_.begin()),
                   frame);
-  kernel_(planes[0], planes[1], planes[2], out, frame.width, frame.height, frame.layout);
-  return compare(frame, placement);
+  for (const InstructionSet& set : instructionSets()) {
+    set.use();
+    std::ranges::copy(background_, output_.begin());
+    kernel_(planes[0], planes[1], planes[2], out, frame.width, frame.height, frame.layout);
+    if (std::string found = compare(set, frame, placement); !found.empty()) return found;
+  }
+  instructionSets().front().use();
+  return {};
 }
 
-std::string KernelCheck::compare(const oracle::Frame& frame, Placement placement) const {
+std::string KernelCheck::compare(const InstructionSet& set, const oracle::Frame& frame,
+                                 Placement placement) const {
   const auto [want, got] =
       std::mismatch(expected_.begin(), expected_.end(), output_.begin(), output_.end());
   if (want == expected_.end()) return {};
-  return nameOf(test_) + ": byte " + std::to_string(got - output(frame, placement)) +
-         " of the output is " + std::to_string(*got) + ", not " + std::to_string(*want) +
-         described(frame, placement);
+  return nameOf(test_) + " on " + set.name + ": byte " +
+         std::to_string(got - output(frame, placement)) + " of the output is " +
+         std::to_string(*got) + ", not " + std::to_string(*want) + described(frame, placement);
 }
 
 }  // namespace framesink

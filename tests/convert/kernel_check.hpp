@@ -1,4 +1,4 @@
-// One kernel against the oracle on one frame, byte for byte.
+// One kernel, on every instruction set, against the oracle on one frame, byte for byte.
 #pragma once
 
 #include <array>
@@ -35,13 +35,15 @@ class KernelCheck {
   // What the output holds before, byte by byte; a kernel leaves alone what the oracle leaves alone.
   std::vector<std::uint8_t>& background() { return background_; }
 
-  // Runs kernel and oracle. Empty when they agree, else the first difference.
+  // Runs the oracle, and the kernel on each instruction set. Empty when all agree, else the first
+  // difference.
   std::string difference(const oracle::Frame& frame, Placement placement);
 
  private:
   std::array<const void*, 3> planes(const oracle::Frame& frame, Placement placement);
   std::uint8_t* output(const oracle::Frame& frame, Placement placement) const;
-  std::string compare(const oracle::Frame& frame, Placement placement) const;
+  std::string compare(const InstructionSet& set, const oracle::Frame& frame,
+                      Placement placement) const;
 
   const KernelCase test_;
   const ConversionKernel kernel_;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <limits>
+#include <utility>
 
 #include "oracle.hpp"
 #include "run_kernel.hpp"
@@ -20,6 +21,10 @@ Bytes rgb(const Planes<kUint8>& planes, std::size_t room, FrameShape shape) {
 Bytes intensity(const Samples<kUint8>& plane, std::size_t room, FrameShape shape) {
   return runToYuy2<kUint8>(kInputIntensity, {{plane, {}, {}}}, Bytes(room, 99), shape);
 }
+
+// Frames that give nothing in any layout.
+constexpr std::pair<std::int32_t, std::int32_t> kEmptySizes[]{
+    {2, 0}, {2, -1}, {0, 2}, {-2, 2}, {-3, 2}, {-1, -1}, {kLowest, 1}, {1, kLowest}};
 
 // ---- RGB ----------------------------------------------------------------------------------------
 
@@ -79,14 +84,7 @@ TEST(RgbToYuy2, IsColumnMajorForLayoutOneOnly) {
 
 TEST(RgbToYuy2, NonPositiveSizesWriteNothing) {
   for (const std::int32_t layout : {0, 1}) {
-    for (const auto& [width, height] : {std::pair{2, 0},
-                                        {2, -1},
-                                        {0, 2},
-                                        {-2, 2},
-                                        {-3, 2},
-                                        {-1, -1},
-                                        {kLowest, 1},
-                                        {1, kLowest}}) {
+    for (const auto& [width, height] : kEmptySizes) {
       EXPECT_EQ(rgb({{{1}, {1}, {1}}}, 4, {width, height, layout}), Bytes(4, 99))
           << width << " x " << height << ", layout " << layout;
     }
@@ -138,14 +136,7 @@ TEST(IntensityToYuy2, AnyLayoutButZeroIsColumnMajor) {
 
 TEST(IntensityToYuy2, NonPositiveSizesWriteNothing) {
   for (const std::int32_t layout : {0, 1}) {
-    for (const auto& [width, height] : {std::pair{2, 0},
-                                        {2, -1},
-                                        {0, 2},
-                                        {-2, 2},
-                                        {-3, 2},
-                                        {-1, -1},
-                                        {kLowest, 1},
-                                        {1, kLowest}}) {
+    for (const auto& [width, height] : kEmptySizes) {
       EXPECT_EQ(intensity({1}, 4, {width, height, layout}), Bytes(4, 99))
           << width << " x " << height << ", layout " << layout;
     }

@@ -1,6 +1,7 @@
 #include "display/texture_packing.hpp"
 
 #include <gtest/gtest.h>
+#include <hwy/highway.h>
 
 #include <cstdint>
 #include <vector>
@@ -22,6 +23,11 @@ std::vector<std::uint32_t> opaque(const Image& picture) {
   std::vector<std::uint32_t> pixels = picture.pixels;
   for (auto& pixel : pixels) pixel |= 0xFF000000;
   return pixels;
+}
+
+const std::vector<std::int64_t>& instructionSets() {
+  static const std::vector<std::int64_t> sets = hwy::SupportedAndGeneratedTargets();
+  return sets;
 }
 
 TEST(TexturePacking, PutsTheColumnsOfARowSideBySide) {
@@ -47,13 +53,20 @@ TEST(TexturePacking, AlphaIs255WhateverTheSamples) {
   }
 }
 
+// On every instruction set that this machine has.
 TEST(TexturePacking, CarriesEverySampleOfFramesOfEverySmallSize) {
   for (std::uint32_t width = 1; width <= 70; ++width) {
     for (std::uint32_t height = 1; height <= 70; ++height) {
       const Frame frame = noiseFrame({width, height}, width * 100 + height);
-      ASSERT_EQ(packed(frame), opaque(pictureOf(frame))) << width << " x " << height;
+      const std::vector<std::uint32_t> expected = opaque(pictureOf(frame));
+      for (const std::int64_t target : instructionSets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        ASSERT_EQ(packed(frame), expected)
+            << width << " x " << height << " on " << hwy::TargetName(target);
+      }
     }
   }
+  hwy::SetSupportedTargetsForTest(0);
 }
 
 TEST(TexturePacking, CarriesEverySampleOfALargeFrame) {
