@@ -72,9 +72,9 @@ TEST_P(KernelComparison, WritesWhatTheOracleWrites) {
   KernelCheck check(GetParam(), largest.planeSamples + 4, largest.outputBytes + 16);
   const oracle::SamplePool pool(GetParam().dataType);
   std::mt19937 random(GetParam().dataType);
+  std::ranges::generate(check.background(), [&] { return static_cast<std::uint8_t>(random()); });
   for (std::size_t turn = 0; turn < frames.size(); ++turn) {
     const Frame& frame = frames[turn];
-    std::ranges::generate(check.background(), [&] { return static_cast<std::uint8_t>(random()); });
     for (const Placement placement : placements(turn)) {
       for (std::size_t i = 0; i < 3; ++i) {
         pool.fill(check.plane(i, frame, placement),
