@@ -135,10 +135,11 @@ class IntensityRuns {
 };
 
 // Column-major planes of either kind: disjoint pairs, the last pixel of an odd width alone.
-template <class Runs>
-void columnsToGroups(Runs firstColumn, std::uint8_t* out, std::ptrdiff_t width,
-                     std::ptrdiff_t height) {
-  Runs secondColumn = firstColumn;
+template <class Runs, class... Planes>
+void columnsToGroups(std::uint8_t* out, std::ptrdiff_t width, std::ptrdiff_t height,
+                     Planes... planes) {
+  Runs firstColumn(planes...);
+  Runs secondColumn(planes...);
   const std::ptrdiff_t lineBytes = 4 * ((width + 1) / 2);
   for (std::ptrdiff_t row = 0; row < height; row += kBlockRows) {
     const auto count = std::min<std::size_t>(kBlockRows, height - row);
@@ -192,7 +193,7 @@ template <std::uint32_t Id>
 void rgbToYuy2(const void* plane0, const void* plane1, const void* plane2, std::uint8_t* out,
                std::int32_t width, std::int32_t height, std::int32_t layout) {
   if (layout == 1) {
-    columnsToGroups(RgbRuns<Id>{plane0, plane1, plane2}, out, width, height);
+    columnsToGroups<RgbRuns<Id>>(out, width, height, plane0, plane1, plane2);
   } else {
     rgbRowsToGroups(RgbReader<Id>{plane0, plane1, plane2}, GroupWriter(out), width, height);
   }
@@ -202,7 +203,7 @@ template <std::uint32_t Id>
 void intensityToYuy2(const void* plane0, const void*, const void*, std::uint8_t* out,
                      std::int32_t width, std::int32_t height, std::int32_t layout) {
   if (layout != 0) {
-    columnsToGroups(IntensityRuns<Id>{plane0}, out, width, height);
+    columnsToGroups<IntensityRuns<Id>>(out, width, height, plane0);
   } else {
     intensityRowsToGroups(IntensityReader<Id>{plane0}, GroupWriter(out), width, height);
   }
