@@ -5,6 +5,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -19,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 constexpr oracle::Frame kFrame{1920, 1080, 1};
+
+bool areAllRight = true;
 
 class Conversion {
  public:
@@ -70,6 +73,8 @@ void timeKernel(benchmark::State& state, const KernelCase& test) {
   Conversion conversion(test);
   if (!conversion.isRight()) {
     state.SkipWithError("wrong bytes");
+    std::fprintf(stderr, "%s writes wrong bytes\n", nameOf(test).c_str());
+    areAllRight = false;
     return;
   }
   const std::vector<std::uint8_t> source(conversion.bytes() / 2, 1);
@@ -101,5 +106,5 @@ int main(int count, char** arguments) {
         ->UseManualTime();
   }
   benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return framesink::areAllRight ? 0 : 1;
 }

@@ -41,10 +41,14 @@ Vec<D> loadSingles(D singles, const float* samples) {
   return LoadU(singles, samples);
 }
 
-// Narrowed before anything else.
+// Narrowed before anything else. What would become infinite becomes NaN: both end as 0, while some
+// instruction sets narrow it to the largest single.
 template <class D>
 Vec<D> loadSingles(D singles, const double* samples) {
-  return DemoteTo(singles, LoadU(ScalableTag<double>(), samples));
+  constexpr double kFirstInfinite = 0x1.ffffffp127;
+  const ScalableTag<double> d;
+  const auto wide = LoadU(d, samples);
+  return DemoteTo(singles, IfThenElse(Lt(Abs(wide), Set(d, kFirstInfinite)), wide, NaN(d)));
 }
 
 template <class D>

@@ -1,5 +1,5 @@
-// Runs of samples to 8 bits, as fast as the machine's vectors go: the one loop that all kernels
-// scale their samples with.
+// Runs of samples to 8 bits, as fast as the machine's vectors go: what kernels scale with wherever
+// they read samples in the order in which these lie.
 #pragma once
 
 #include <array>

@@ -13,9 +13,13 @@ namespace framesink {
 //
 // layout non-zero: column-major planes; out holds R, G and B planes of n = width * height bytes
 // each, in the order of the Y plane. The last column of an odd width is neither read nor written;
-// this is intended. layout zero: row-major planes; each pair becomes six bytes B0 G0 R0 B1 G1 R1.
-// Line r starts at out + r * width although it is 6p bytes long, so every line overwrites the last
-// two thirds of the one before. That stride is the system's own.
+// this is intended.
+//
+// layout zero: row-major planes; each pair becomes six bytes B0 G0 R0 B1 G1 R1. Line r starts at
+// out + r * width although it is 6p bytes long, so every line overwrites what it overlaps of the
+// one before: its last two thirds when width is even. That stride is the system's own.
+//
+// Nothing is written when p or height is below 1.
 extern const KernelTable ycbcrToRgbKernels;
 
 // One triple in place, (Y, Cb, Cr) to (R, G, B), not clamped. Values up to +-16000 do not overflow.

@@ -78,8 +78,8 @@ void packGroupsDown(const Yuy2Runs& runs, std::uint8_t* out, std::ptrdiff_t line
     const std::size_t some = std::min(kAtOnce, count - first);
     packGroups({runs.y0 + first, runs.cb + first, runs.y1 + first, runs.cr + first}, groups.data(),
                some);
-    for (std::size_t i = 0; i < some; ++i, out += lineBytes) {
-      std::memcpy(out, &groups[4 * i], 4);
+    for (std::size_t i = 0; i < some; ++i) {
+      std::memcpy(out + static_cast<std::ptrdiff_t>(first + i) * lineBytes, &groups[4 * i], 4);
     }
   }
 }

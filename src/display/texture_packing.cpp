@@ -76,9 +76,9 @@ class Packer {
     HWY_ALIGN std::uint32_t tile[kTileColumns * MaxLanes(d)];
     StoreInterleaved4(columnPixels(column, row), columnPixels(column + 1, row),
                       columnPixels(column + 2, row), columnPixels(column + 3, row), d, tile);
-    std::uint32_t* out = pixels_ + row * width_ + column;
-    for (std::size_t i = 0; i < Lanes(d); ++i, out += width_) {
-      std::memcpy(out, tile + i * kTileColumns, kTileColumns * sizeof *out);
+    std::uint32_t* const out = pixels_ + row * width_ + column;
+    for (std::size_t i = 0; i < Lanes(d); ++i) {
+      std::memcpy(out + i * width_, tile + i * kTileColumns, kTileColumns * sizeof *out);
     }
   }
 

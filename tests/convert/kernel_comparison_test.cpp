@@ -27,10 +27,10 @@ std::vector<Frame> framesOfEveryShape() {
     for (std::int32_t height = 10; height <= 70; ++height) sizes.push_back({width, height, 0});
   }
   for (const auto& [width, height] : std::initializer_list<std::pair<std::int32_t, std::int32_t>>{
-           {9, 70},  {5, 131}, {131, 5}, {2, 257}, {257, 2},     {1, 300},
-           {300, 1}, {64, 64}, {33, 31}, {-3, 2},  {3, -2},      {-3, -2},
-           {-4, -2}, {-1, -1}, {0, -5},  {-5, 0},  {-16, -5},    {-1, 5},
-           {5, -1},  {-7, 4},  {7, -4},  {-2, 1},  {kLowest, 1}, {1, kLowest}}) {
+           {9, 70},  {1, 1024}, {2, 1025}, {3, 2049}, {2, 3000}, {5, 131},     {131, 5},
+           {2, 257}, {257, 2},  {1, 300},  {300, 1},  {64, 64},  {33, 31},     {-3, 2},
+           {3, -2},  {-3, -2},  {-4, -2},  {-1, -1},  {0, -5},   {-5, 0},      {-16, -5},
+           {-1, 5},  {5, -1},   {-7, 4},   {7, -4},   {-2, 1},   {kLowest, 1}, {1, kLowest}}) {
     sizes.push_back({width, height, 0});
   }
   std::vector<Frame> frames;

@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "allocation_counter.hpp"
+#include "convert/sample_rows.hpp"
 #include "convert/sample_types.hpp"
+#include "kernel_cases.hpp"
 #include "oracle.hpp"
 #include "sample_pool.hpp"
 
@@ -145,6 +147,18 @@ TEST(KernelSelection, SelectionAndKernelsRunInSeveralThreadsAtOnce) {
   for (auto& output : outputs) threads.emplace_back([&] { convertAll(output); });
   for (std::thread& thread : threads) thread.join();
   for (const auto& output : outputs) EXPECT_TRUE(output == expected);
+}
+
+// So that a check on every instruction set is not the same one again and again.
+TEST(InstructionSets, EachHasRowScalersOfItsOwn) {
+  std::set<const void*> scalers;
+  for (const InstructionSet& set : instructionSets()) {
+    set.use();
+    scalers.insert(&rowScalers());
+  }
+  instructionSets().front().use();
+  EXPECT_EQ(scalers.size(), instructionSets().size());
+  EXPECT_GT(scalers.size(), 1U);
 }
 
 }  // namespace

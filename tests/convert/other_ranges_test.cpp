@@ -2,6 +2,7 @@
 // that declares those ranges, and run only with it: see CMakeLists.txt.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -105,6 +106,24 @@ TEST(NarrowRanges, SpanWithoutAFiniteReciprocalIsStillDividedBy) {
 TEST(NarrowRanges, EndsOfSpansThatArePowersOfTwoGive0And255) {
   expectEnds<kInt8>(kNarrowRanges.int8s);
   expectEnds<kUint16>(kNarrowRanges.uint16s);
+}
+
+TEST(WideRanges, SamplesThatAreInfiniteInSinglePrecisionGive0) {
+  EXPECT_EQ(scaleTo8Bit<kDouble>(1e38), 255U);
+  EXPECT_EQ(scaleTo8Bit<kDouble>(3e38), 255U);
+  for (const double sample : {3.5e38, 1e300, -1e300, HUGE_VAL, -HUGE_VAL}) {
+    EXPECT_EQ(scaleTo8Bit<kDouble>(sample), 0U) << sample;
+  }
+}
+
+TEST(WideRanges, AnInfiniteSpanGives0ForEverySample) {
+  for (const float sample : {-3e38F, 0.0F, 3e38F}) EXPECT_EQ(scaleTo8Bit<kSingle>(sample), 0U);
+}
+
+TEST(WideRanges, WholeTypesUpsideDownAreScaledUpsideDown) {
+  EXPECT_EQ(scaleTo8Bit<kInt8>(-128), 255U);
+  EXPECT_EQ(scaleTo8Bit<kInt16>(32767), 0U);
+  EXPECT_EQ(scaleTo8Bit<kBoolean>(0), 255U);
 }
 
 }  // namespace

@@ -68,4 +68,17 @@ inline constexpr RangeSet kNarrowRanges{.name = "narrow",
                                         .uint32s = {4294967295U, 4294967295U},
                                         .booleans = {1, 1}};
 
+// So wide that what narrowing makes of samples too large for single precision shows; a span that is
+// infinite; ranges upside down.
+inline constexpr RangeSet kWideRanges{.name = "wide",
+                                      .doubles = {0.0, 1e38},
+                                      .singles = {-3e38F, 3e38F},
+                                      .int8s = {127, -128},
+                                      .uint8s = {255, 0},
+                                      .int16s = {32767, -32768},
+                                      .uint16s = {0, 65534},
+                                      .int32s = {2147483647, -2147483647 - 1},
+                                      .uint32s = {0, 2147483648U},
+                                      .booleans = {1, 0}};
+
 }  // namespace framesink

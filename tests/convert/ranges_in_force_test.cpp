@@ -17,7 +17,7 @@ std::string expectedSetName() {
 }
 
 const RangeSet* setNamed(const std::string& name) {
-  for (const RangeSet* set : {&kNaturalRanges, &kOtherRanges, &kNarrowRanges}) {
+  for (const RangeSet* set : {&kNaturalRanges, &kOtherRanges, &kNarrowRanges, &kWideRanges}) {
     if (name == set->name) return set;
   }
   return nullptr;

@@ -55,6 +55,17 @@ TEST(YcbcrToRgb, CbAndCrBothTakeFromGreen) {
   EXPECT_EQ(pixelOf(126, 128, 160)[1], 102);
 }
 
+TEST(YcbcrTriple, OfBytesIsTheOraclesForAll) {
+  for (std::uint32_t bits = 0; bits < 1U << 24; ++bits) {
+    Triple triple{static_cast<std::int32_t>(bits >> 16), static_cast<std::int32_t>(bits >> 8 & 255),
+                  static_cast<std::int32_t>(bits & 255)};
+    Triple expected = triple;
+    oracle::ycbcrToRgb(expected[0], expected[1], expected[2]);
+    ycbcrToRgb(triple[0], triple[1], triple[2]);
+    ASSERT_TRUE(triple == expected) << bits;
+  }
+}
+
 TEST(YcbcrTriple, IsConvertedInPlaceWithoutAClamp) {
   EXPECT_EQ(tripleOf(16, 128, 128), (Triple{0, 0, 0}));
   EXPECT_EQ(tripleOf(235, 128, 128), (Triple{255, 255, 255}));
