@@ -20,7 +20,7 @@ namespace {
 
 void printVersion(const Options& options) {
   std::cout << "framesink-play " << FRAMESINK_PLAY_VERSION << std::endl;
-  const Library library(options.library);
+  const Library library(options.sharedLibrary);
   std::cout << "framesink " << library.version << " of " << library.buildDate << ", "
             << library.path() << std::endl;
 }
@@ -39,7 +39,7 @@ std::ofstream openDump(const std::string& path) {
 }
 
 void play(const Options& options) {
-  const Library library(options.library);
+  const Library library(options.sharedLibrary);
   const auto source = openSource(options);
   requireDisplay();
   std::ofstream dump = openDump(options.dumpFile);

@@ -178,7 +178,7 @@ void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
 }
 
 void addOtherOptions(CLI::App& app, Options& options) {
-  app.add_option("--library", options.library,
+  app.add_option("--library", options.sharedLibrary,
                  "The library to load (default: libframesink.so.1 of this build,\n"
                  "else of the system)")
       ->type_name("PATH");

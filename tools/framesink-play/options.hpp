@@ -33,7 +33,7 @@ struct Options {
   std::optional<double> duration;  // seconds
   std::optional<double> hold;      // seconds; infinite: until the windows are closed
   std::string title;
-  std::string library;
+  std::string sharedLibrary;
   std::string dumpFile;
   bool version = false;
 
