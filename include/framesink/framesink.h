@@ -9,10 +9,10 @@
  *     windows. The windows of a synchronous block belong to the thread that created the block: make
  *     every call that concerns them there. Nothing ever calls back into the host.
  *  2. Blocking. Unless a function says otherwise it does not wait for drawing. "Waits for the
- * window" means: until the display thread has made the window, normally a few milliseconds, looked
- * for every 2 ms. It ends at once when that window can no longer come (closed by the user, no
- * display thread, library leaving). A window manager that does not answer while a window is made
- * holds up the functions that wait for a window, and no others.
+ *     window" means: until the display thread has made the window, normally a few milliseconds,
+ *     looked for every 2 ms. It ends at once when that window can no longer come (closed by the user,
+ *     no display thread, library leaving). A window manager that does not answer while a window is
+ *     made holds up the functions that wait for a window, and no others.
  *  3. Ownership. Every pointer passed in is read, or written, during the call only. Strings are
  *     zero-terminated and copied; a null string counts as an empty one. The one thing handed out is
  *     the block handle, which goes back through libDestroy.
@@ -28,10 +28,10 @@
  *     terminating zero. A null buffer drops the text. Trouble with the display is told on standard
  *     error and never disturbs the model.
  *  8. Memory. When memory runs out libCreate lets std::bad_alloc pass to the host and leaves
- * nothing behind.
+ *     nothing behind.
  *  9. Lifetime. Windows belong to the library: they outlive blocks and runs, and close when the
- * user closes them, by destroyVideoWindow, or when the library is unloaded. Unloading and exiting
- *     close everything; they wait at most 20 s for a display that no longer answers.
+ *     user closes them, by destroyVideoWindow, or when the library is unloaded. Unloading and
+ *     exiting close everything; they wait at most 20 s for a display that no longer answers.
  * 10. After the library's own end (in exit handlers that run later) every function returns at once
  *     and does nothing.
  */
@@ -116,8 +116,7 @@ FRAMESINK_ASSERT_OFFSET(reserved3, 80);
 #undef FRAMESINK_ASSERT_OFFSET
 static_assert(sizeof(InputDescription) == 88, "InputDescription is 88 bytes");
 
-/* ---- The life of a block ------------------------------------------------------------------------
- */
+/* ---- The life of a block --------------------------------------------------------------------- */
 
 /* Creates a block and registers its window under playerName; opens the window when openAtStart is
  * set or when a window of that name is already open.
@@ -128,12 +127,13 @@ static_assert(sizeof(InputDescription) == 88, "InputDescription is 88 bytes");
  *   description           must not be null
  *   windowX, windowY      position of the window, see convention 6
  *   useWindowSize         use windowWidth and windowHeight instead of the frame's size; they are
- * also used when fullscreen is set; both 2147483647 means the frame's size inputConversion       0,
- * or the index of a pixkit routine that turns the host's planes of doubles into samples of dataType
- * before display allocatePlaneBuffers  allow frames smaller than the configured size; they are
- * centred. Without it, and without an inputConversion, such frames are dropped synchronous draw and
- * handle events inside the host's own calls, on the calling thread, instead of on the library's
- * display thread
+ *                         also used when fullscreen is set; both 2147483647 means the frame's size
+ *   inputConversion       0, or the index of a pixkit routine that turns the host's planes of
+ *                         doubles into samples of dataType before display
+ *   allocatePlaneBuffers  allow frames smaller than the configured size; they are centred. Without
+ *                         it, and without an inputConversion, such frames are dropped
+ *   synchronous           draw and handle events inside the host's own calls, on the calling
+ *                         thread, instead of on the library's display thread
  *
  * A window of that name that is open already is kept when frame size, fullscreen, synchronous and
  * window size are unchanged; otherwise a fresh one opens where the user left the old one.
@@ -186,8 +186,7 @@ FRAMESINK_API void libTerminate(void* block);
 /* Frees a block; null is ignored. The window stays open. */
 FRAMESINK_API void libDestroy(void* block);
 
-/* ---- Windows by name ----------------------------------------------------------------------------
- */
+/* ---- Windows by name ------------------------------------------------------------------------- */
 
 /* Opens the window of a registered name, or raises it when it is open. Unknown names are ignored.
  *
@@ -218,8 +217,7 @@ FRAMESINK_API uint8_t isPlayerOpen(const char* name);
  * its title. Blocking: waits for the window when it is open. */
 FRAMESINK_API void renameVideoWindow(const char* name, const char* newName, const char* newTitle);
 
-/* ---- About the library --------------------------------------------------------------------------
- */
+/* ---- About the library ----------------------------------------------------------------------- */
 
 /* Dotted version number, for example "1.0.0". */
 FRAMESINK_API extern const char* const framesink_version;
@@ -227,8 +225,8 @@ FRAMESINK_API extern const char* const framesink_version;
 /* Build date in the compiler's form, for example "Jul 28 2017". */
 FRAMESINK_API extern const char* const framesink_build_date;
 
-/* The library file's path within a host's installation: "bin\win64\framesink.dll" on every system.
- */
+/* The library file's path within a host's installation: "bin\win64\framesink.dll" on every
+ * system. */
 FRAMESINK_API extern const char* const framesink_relative_path;
 
 #ifdef __cplusplus

@@ -13,16 +13,19 @@ namespace framesink {
 // when width or height is below 1.
 //
 // layout 1: column-major planes of width * height samples. Each line gives width / 2 groups, and
-// one more for the last column of an odd width, with that pixel as both. Writes 4 * ((width + 1) /
-// 2) * height bytes. any other layout: row-major planes. The pairs of a line overlap, (0,1), (1,2),
-// (2,3), ..., as many as width rounded down to even, then a group of the last pixel alone for an
-// odd width; the line gets about twice the bytes it would need. That is the system's own. Reads one
-// sample past the planes when width is even. Writes 4 * width * height bytes.
+// one more for the last column of an odd width, with that pixel as both. Writes
+// 4 * ((width + 1) / 2) * height bytes.
+//
+// any other layout: row-major planes. The pairs of a line overlap, (0,1), (1,2), (2,3), ..., as
+// many as width rounded down to even, then a group of the last pixel alone for an odd width; the
+// line gets about twice the bytes it would need. That is the system's own. Reads one sample past
+// the planes when width is even. Writes 4 * width * height bytes.
 extern const KernelTable rgbToYuy2Kernels;
 
 // Plane 0 only; both chroma bytes are 128.
 //
 // layout non-zero: column-major, as above.
+//
 // layout zero: row-major, read pair by pair from a position that runs on over the lines. The second
 // pixel of each pair has the luma mapping applied twice. For an odd width, line r's last group
 // reads its sample width - 1 + r * width past that position, which does not move past it. Both are

@@ -11,10 +11,11 @@ namespace framesink {
 // layout non-zero: column-major planes; (width + 1) / 2 groups a line. The last group of an odd
 // width reads its second luma, and its chroma, from the column after the last; this is deliberate,
 // widths are expected to be even. So Y must have (width + 1) * height readable samples then, and Cb
-// and Cr (width + 1) / 2 * height. Nothing is written when width or height is below 1. layout zero:
-// row-major planes taken as one run of n = width * height samples without regard to lines; (n + 1)
-// / 2 groups, the last of an odd n reading one luma and one chroma sample past n and n / 2. Nothing
-// is written when n, as a wrapping 32-bit product, is below 1.
+// and Cr (width + 1) / 2 * height. Nothing is written when width or height is below 1.
+//
+// layout zero: row-major planes taken as one run of n = width * height samples without regard to
+// lines; (n + 1) / 2 groups, the last of an odd n reading one luma and one chroma sample past n and
+// n / 2. Nothing is written when n, as a wrapping 32-bit product, is below 1.
 extern const KernelTable ycbcrToYuy2Kernels;
 
 }  // namespace framesink
