@@ -17,119 +17,192 @@ using namespace hwy::HWY_NAMESPACE;
 
 // ---- YCbCr to RGB -------------------------------------------------------------------------------
 
-// The 2.14 fixed point of the colour matrix in single precision: its products and sums are whole
-// numbers below 2^24, which single precision holds exactly.
-class YcbcrToRgb {
+using Words = ScalableTag<std::int16_t>;
+
+// A number in 2.14 fixed point as 256 * high + low.
+struct Digits {
+  Digits(std::int32_t number)
+      : high(static_cast<std::int16_t>((number + 128) >> 8)),
+        low(static_cast<std::int16_t>(number - 256 * high)) {}
+
+  std::int16_t high;
+  std::int16_t low;
+};
+
+// The colour matrix in 16 bits, for two columns of pixels that share their chroma:
+//   (256 * high + low) >> 14  =  (high + (low >> 8)) >> 6
+// Luma less 128 and chroma less its offset keep the low sums within 16 bits. High sums leave them
+// only where the colour is far beyond white, and saturate.
+class YcbcrPairToRgb {
  public:
-  using Lanes = Rebind<std::uint8_t, ScalableTag<float>>;
-  static constexpr std::array<std::size_t, 3> kInputBytes{1, 1, 1};
+  using Lanes = Rebind<std::uint8_t, Words>;
+  static constexpr std::array<std::size_t, 4> kInputBytes{1, 1, 1, 1};
   static constexpr std::size_t kOutputBytes = 1;
 
   static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
 
-  void operator()(const Sources<3>& ycbcr, const Targets<3>& rgb) const {
-    const auto cb = load(ycbcr[1]);
-    const auto cr = load(ycbcr[2]);
-    const auto base = times(k_.luma, load(ycbcr[0]));
-    store(Add(base, times(k_.redFromCr, cr)), 0, k_.redFromCr, rgb[0]);
-    store(Add(base, Add(times(k_.greenFromCb, cb), times(k_.greenFromCr, cr))), k_.greenFromCb,
-          k_.greenFromCr, rgb[1]);
-    store(Add(base, times(k_.blueFromCb, cb)), k_.blueFromCb, 0, rgb[2]);
+  void operator()(const Sources<4>& in, const Targets<6>& out) const {
+    const auto cb = centred(in[2], cbOffset_);
+    const auto cr = centred(in[3], crOffset_);
+    const Sum red = times(redFromCr_, cr);
+    const Sum green = plus(times(greenFromCb_, cb), times(greenFromCr_, cr));
+    const Sum blue = times(blueFromCb_, cb);
+    for (const std::size_t column : {0, 1}) {
+      const Sum grey = plus(times(luma_, centred(in[column], 128)), times(grey_, Set(Words(), 1)));
+      store(plus(grey, red), out[3 * column]);
+      store(plus(grey, green), out[3 * column + 1]);
+      store(plus(grey, blue), out[3 * column + 2]);
+    }
   }
 
  private:
-  using Singles = ScalableTag<float>;
-  using Ints = RebindToSigned<Singles>;
+  struct Sum {
+    Vec<Words> high;
+    Vec<Words> low;
+  };
 
-  static Vec<Singles> load(const std::uint8_t* bytes) {
-    return ConvertTo(Singles(), PromoteTo(Ints(), LoadU(Lanes(), bytes)));
+  static Vec<Words> centred(const std::uint8_t* bytes, std::int16_t centre) {
+    return Sub(PromoteTo(Words(), LoadU(Lanes(), bytes)), Set(Words(), centre));
+  }
+  static Sum times(const Digits& factor, Vec<Words> values) {
+    return {Mul(Set(Words(), factor.high), values), Mul(Set(Words(), factor.low), values)};
+  }
+  static Sum plus(const Sum& a, const Sum& b) {
+    return {SaturatedAdd(a.high, b.high), Add(a.low, b.low)};
+  }
+  static void store(const Sum& sum, std::uint8_t* out) {
+    const auto colour = ShiftRight<6>(SaturatedAdd(sum.high, ShiftRight<8>(sum.low)));
+    StoreU(DemoteTo(Lanes(), colour), Lanes(), out);
   }
 
-  static Vec<Singles> times(std::int32_t factor, Vec<Singles> values) {
-    return Mul(Set(Singles(), static_cast<float>(factor)), values);
-  }
-
-  // Takes off what the offsets have brought in, adds one half and shifts. Below 0 becomes 0, so
-  // truncation is rounding toward minus infinity.
-  void store(Vec<Singles> sum, std::int32_t fromCb, std::int32_t fromCr, std::uint8_t* out) const {
-    const Singles d;
-    const std::int32_t offset =
-        8192 - k_.luma * k_.lumaOffset - fromCb * k_.cbOffset - fromCr * k_.crOffset;
-    const auto shifted = Mul(Add(sum, Set(d, static_cast<float>(offset))), Set(d, 1.0F / 16384));
-    const auto clamped = Min(Max(shifted, Zero(d)), Set(d, 255.0F));
-    StoreU(DemoteTo(Lanes(), ConvertTo(Ints(), clamped)), Lanes(), out);
-  }
-
-  const YcbcrToRgbConstants& k_ = ycbcrToRgbConstants;
+  const Digits luma_ = ycbcrToRgbConstants.luma;
+  const Digits redFromCr_ = ycbcrToRgbConstants.redFromCr;
+  const Digits greenFromCb_ = ycbcrToRgbConstants.greenFromCb;
+  const Digits greenFromCr_ = ycbcrToRgbConstants.greenFromCr;
+  const Digits blueFromCb_ = ycbcrToRgbConstants.blueFromCb;
+  // One half, and what luma less 128 lacks.
+  const Digits grey_ = 8192 + ycbcrToRgbConstants.luma * (128 - ycbcrToRgbConstants.lumaOffset);
+  const std::int16_t cbOffset_ = static_cast<std::int16_t>(ycbcrToRgbConstants.cbOffset);
+  const std::int16_t crOffset_ = static_cast<std::int16_t>(ycbcrToRgbConstants.crOffset);
 };
 
 // ---- RGB to YCbCr -------------------------------------------------------------------------------
 
 // All sums, offsets included, lie between 0 and 65535: 16 bits that wrap on the way suffice, and
 // the result of the shift is the byte.
-struct WordArithmetic {
-  using Words = ScalableTag<std::uint16_t>;
-  using Lanes = Rebind<std::uint8_t, Words>;
+class RgbToYcbcr {
+ public:
+  using Sums = ScalableTag<std::uint16_t>;
+  using Bytes = Rebind<std::uint8_t, Sums>;
+  using Colour = std::array<Vec<Sums>, 3>;
+
+  static Colour load(const std::uint8_t* red, const std::uint8_t* green, const std::uint8_t* blue) {
+    return {load(red), load(green), load(blue)};
+  }
+  static Vec<Sums> load(const std::uint8_t* bytes) {
+    return PromoteTo(Sums(), LoadU(Bytes(), bytes));
+  }
+  static void store(Vec<Sums> values, std::uint8_t* out) {
+    StoreU(DemoteTo(Bytes(), BitCast(ScalableTag<std::int16_t>(), values)), Bytes(), out);
+  }
+
+  Vec<Sums> luma(const Colour& rgb) const { return component(rgb, lumaFactors_, k_.lumaOffset); }
+  Vec<Sums> cb(const Colour& rgb) const { return component(rgb, cbFactors_, k_.cbOffset); }
+  Vec<Sums> cr(const Colour& rgb) const { return component(rgb, crFactors_, k_.crOffset); }
+  Vec<Sums> lumaOfGrey(Vec<Sums> intensity) const {
+    const std::int32_t gain = lumaFactors_[0] + lumaFactors_[1] + lumaFactors_[2];
+    return shifted(times(gain, intensity), k_.lumaOffset);
+  }
+
+ private:
+  using Factors = std::array<std::int32_t, 3>;
+
+  static Vec<Sums> times(std::int32_t factor, Vec<Sums> values) {
+    return Mul(Set(Sums(), static_cast<std::uint16_t>(factor)), values);
+  }
+  // ((sum + 128) >> 8) + offset
+  static Vec<Sums> shifted(Vec<Sums> sum, std::int32_t offset) {
+    return ShiftRight<8>(Add(sum, Set(Sums(), static_cast<std::uint16_t>(128 + 256 * offset))));
+  }
+  static Vec<Sums> component(const Colour& rgb, const Factors& factors, std::int32_t offset) {
+    return shifted(
+        Add(times(factors[0], rgb[0]), Add(times(factors[1], rgb[1]), times(factors[2], rgb[2]))),
+        offset);
+  }
+
+  const RgbToYcbcrConstants k_ = rgbToYcbcrConstants;
+  const Factors lumaFactors_{k_.lumaFromRed, k_.lumaFromGreen, k_.lumaFromBlue};
+  const Factors cbFactors_{k_.cbFromRed, k_.cbFromGreen, k_.cbFromBlue};
+  const Factors crFactors_{k_.crFromRed, k_.crFromGreen, k_.crFromBlue};
+};
+
+// What runs over rows by this arithmetic.
+struct RowOfYcbcr {
+  using Lanes = RgbToYcbcr::Bytes;
+  static constexpr std::size_t kOutputBytes = 1;
 
   static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
 
-  static Vec<Words> load(const std::uint8_t* bytes) {
-    return PromoteTo(Words(), LoadU(Lanes(), bytes));
-  }
-  static Vec<Words> times(std::int32_t factor, Vec<Words> values) {
-    return Mul(Set(Words(), static_cast<std::uint16_t>(factor)), values);
-  }
-  // (sum + 128 >> 8) + offset
-  static void store(Vec<Words> sum, std::int32_t offset, std::uint8_t* out) {
-    const auto moved = Add(sum, Set(Words(), static_cast<std::uint16_t>(128 + 256 * offset)));
-    const ScalableTag<std::int16_t> narrow;
-    StoreU(DemoteTo(Lanes(), BitCast(narrow, ShiftRight<8>(moved))), Lanes(), out);
+  const RgbToYcbcr ycbcr;
+};
+
+struct RgbPairToYcbcr : RowOfYcbcr {
+  static constexpr std::array<std::size_t, 6> kInputBytes{1, 1, 1, 1, 1, 1};
+
+  void operator()(const Sources<6>& rgb, const Targets<4>& out) const {
+    const auto first = RgbToYcbcr::load(rgb[0], rgb[1], rgb[2]);
+    RgbToYcbcr::store(ycbcr.luma(first), out[0]);
+    RgbToYcbcr::store(ycbcr.cb(first), out[1]);
+    RgbToYcbcr::store(ycbcr.luma(RgbToYcbcr::load(rgb[3], rgb[4], rgb[5])), out[2]);
+    RgbToYcbcr::store(ycbcr.cr(first), out[3]);
   }
 };
 
-struct RgbToYcbcr : WordArithmetic {
-  static constexpr std::array<std::size_t, 3> kInputBytes{1, 1, 1};
-  static constexpr std::size_t kOutputBytes = 1;
-
-  void operator()(const Sources<3>& rgb, const Targets<3>& ycbcr) const {
-    const RgbToYcbcrConstants& k = rgbToYcbcrConstants;
-    const auto red = load(rgb[0]);
-    const auto green = load(rgb[1]);
-    const auto blue = load(rgb[2]);
-    const auto sum = [&](std::int32_t fromRed, std::int32_t fromGreen,
-                         std::int32_t fromBlue) HWY_ATTR {
-      return Add(times(fromRed, red), Add(times(fromGreen, green), times(fromBlue, blue)));
-    };
-    store(sum(k.lumaFromRed, k.lumaFromGreen, k.lumaFromBlue), k.lumaOffset, ycbcr[0]);
-    store(sum(k.cbFromRed, k.cbFromGreen, k.cbFromBlue), k.cbOffset, ycbcr[1]);
-    store(sum(k.crFromRed, k.crFromGreen, k.crFromBlue), k.crOffset, ycbcr[2]);
-  }
-};
-
-struct IntensityToLuma : WordArithmetic {
+struct IntensityToLuma : RowOfYcbcr {
   static constexpr std::array<std::size_t, 1> kInputBytes{1};
-  static constexpr std::size_t kOutputBytes = 1;
 
   void operator()(const Sources<1>& intensity, const Targets<1>& luma) const {
-    const RgbToYcbcrConstants& k = rgbToYcbcrConstants;
-    const std::int32_t gain = k.lumaFromRed + k.lumaFromGreen + k.lumaFromBlue;
-    store(times(gain, load(intensity[0])), k.lumaOffset, luma[0]);
+    RgbToYcbcr::store(ycbcr.lumaOfGrey(RgbToYcbcr::load(intensity[0])), luma[0]);
   }
+};
+
+// Two neighbours in 16 bits, the second one's luma mapped twice.
+struct IntensityPairToLuma {
+  using Lanes = RgbToYcbcr::Sums;
+  static constexpr std::array<std::size_t, 1> kInputBytes{2};
+  static constexpr std::size_t kOutputBytes = 2;
+
+  static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
+
+  void operator()(const Sources<1>& intensity, const Targets<1>& luma) const {
+    const Lanes d;
+    const auto both = LoadU(d, reinterpret_cast<const std::uint16_t*>(intensity[0]));
+    const auto first = ycbcr.lumaOfGrey(And(both, Set(d, 0xFF)));
+    const auto second = ycbcr.lumaOfGrey(ycbcr.lumaOfGrey(ShiftRight<8>(both)));
+    StoreU(Or(first, ShiftLeft<8>(second)), d, reinterpret_cast<std::uint16_t*>(luma[0]));
+  }
+
+  const RgbToYcbcr ycbcr;
 };
 
 }  // namespace
 
-void ycbcrRowToRgbOfTarget(const ByteSources& ycbcr, const ByteTargets& rgb, std::size_t count) {
-  convertRow(YcbcrToRgb(), ycbcr, rgb, count);
+void ycbcrPairToRgbOfTarget(const YcbcrPair& ycbcr, const RgbPair& rgb, std::size_t count) {
+  convertRow(YcbcrPairToRgb(), ycbcr, rgb, count);
 }
 
-void rgbRowToYcbcrOfTarget(const ByteSources& rgb, const ByteTargets& ycbcr, std::size_t count) {
-  convertRow(RgbToYcbcr(), rgb, ycbcr, count);
+void rgbPairToYcbcrOfTarget(const RgbPairSources& rgb, const Yuy2Targets& out, std::size_t count) {
+  convertRow(RgbPairToYcbcr(), rgb, out, count);
 }
 
 void intensityRowToLumaOfTarget(const std::uint8_t* intensity, std::uint8_t* luma,
                                 std::size_t count) {
   convertRow(IntensityToLuma(), Sources<1>{intensity}, Targets<1>{luma}, count);
+}
+
+void intensityPairsToLumaOfTarget(const std::uint8_t* intensity, std::uint8_t* luma,
+                                  std::size_t pairs) {
+  convertRow(IntensityPairToLuma(), Sources<1>{intensity}, Targets<1>{luma}, pairs);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -139,20 +212,25 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace framesink {
 
-HWY_EXPORT(ycbcrRowToRgbOfTarget);
-HWY_EXPORT(rgbRowToYcbcrOfTarget);
+HWY_EXPORT(ycbcrPairToRgbOfTarget);
+HWY_EXPORT(rgbPairToYcbcrOfTarget);
 HWY_EXPORT(intensityRowToLumaOfTarget);
+HWY_EXPORT(intensityPairsToLumaOfTarget);
 
-void ycbcrRowToRgb(const ByteSources& ycbcr, const ByteTargets& rgb, std::size_t count) {
-  HWY_DYNAMIC_DISPATCH(ycbcrRowToRgbOfTarget)(ycbcr, rgb, count);
+void ycbcrPairToRgb(const YcbcrPair& ycbcr, const RgbPair& rgb, std::size_t count) {
+  HWY_DYNAMIC_DISPATCH(ycbcrPairToRgbOfTarget)(ycbcr, rgb, count);
 }
 
-void rgbRowToYcbcr(const ByteSources& rgb, const ByteTargets& ycbcr, std::size_t count) {
-  HWY_DYNAMIC_DISPATCH(rgbRowToYcbcrOfTarget)(rgb, ycbcr, count);
+void rgbPairToYcbcr(const RgbPairSources& rgb, const Yuy2Targets& out, std::size_t count) {
+  HWY_DYNAMIC_DISPATCH(rgbPairToYcbcrOfTarget)(rgb, out, count);
 }
 
 void intensityRowToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t count) {
   HWY_DYNAMIC_DISPATCH(intensityRowToLumaOfTarget)(intensity, luma, count);
+}
+
+void intensityPairsToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t pairs) {
+  HWY_DYNAMIC_DISPATCH(intensityPairsToLumaOfTarget)(intensity, luma, pairs);
 }
 
 }  // namespace framesink

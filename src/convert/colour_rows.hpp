@@ -8,17 +8,26 @@
 
 namespace framesink {
 
-using ByteSources = std::array<const std::uint8_t*, 3>;
-using ByteTargets = std::array<std::uint8_t*, 3>;
+// Runs of two columns of pixels that share their chroma: Y of the first, Y of the second, Cb, Cr.
+using YcbcrPair = std::array<const std::uint8_t*, 4>;
 
-// `count` pixels (Y, Cb, Cr), each with a chroma of its own, to (R, G, B) clamped to 0..255:
-// ycbcrToRgb pixel by pixel.
-void ycbcrRowToRgb(const ByteSources& ycbcr, const ByteTargets& rgb, std::size_t count);
+// R, G, B of the first column, R, G, B of the second.
+using RgbPair = std::array<std::uint8_t*, 6>;
+using RgbPairSources = std::array<const std::uint8_t*, 6>;
 
-// `count` pixels (R, G, B) to (Y, Cb, Cr): rgbToYcbcr pixel by pixel.
-void rgbRowToYcbcr(const ByteSources& rgb, const ByteTargets& ycbcr, std::size_t count);
+// What a group of YUY2 is made of: Y of the first column, Cb, Y of the second, Cr.
+using Yuy2Targets = std::array<std::uint8_t*, 4>;
+
+// `count` pixels of each column to RGB clamped to 0..255: ycbcrToRgb pixel by pixel.
+void ycbcrPairToRgb(const YcbcrPair& ycbcr, const RgbPair& rgb, std::size_t count);
+
+// `count` pixels of each column: rgbToYcbcr pixel by pixel, with the first column's chroma.
+void rgbPairToYcbcr(const RgbPairSources& rgb, const Yuy2Targets& out, std::size_t count);
 
 // `count` intensities to luma: intensityToLuma one by one.
 void intensityRowToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t count);
+
+// Two times `pairs` intensities to luma; the second of each pair is mapped twice.
+void intensityPairsToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t pairs);
 
 }  // namespace framesink

@@ -7,184 +7,162 @@
 #include "convert/colour_rows.hpp"
 #include "convert/sample_rows.hpp"
 #include "convert/sample_scaling.hpp"
+#include "convert/yuy2_columns.hpp"
 #include "convert/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {
 
-struct Ycbcr {
-  std::uint8_t y;
-  std::uint8_t cb;
-  std::uint8_t cr;
-};
+// ---- column-major -------------------------------------------------------------------------------
 
-// Writes YUY2 groups one after another.
-class GroupWriter {
+// Pairs of columns of RGB samples. The last column of an odd width stands for both.
+template <std::uint32_t Id>
+class RgbPairRuns {
  public:
-  explicit GroupWriter(std::uint8_t* out) : out_(out) {}
+  using Planes = std::array<const SampleOf<Id>*, 3>;
 
-  void write(Ycbcr first, std::uint8_t secondLuma) {
-    out_[0] = first.y;
-    out_[1] = first.cb;
-    out_[2] = secondLuma;
-    out_[3] = first.cr;
-    out_ += 4;
+  RgbPairRuns(const Planes& planes, std::ptrdiff_t width, std::ptrdiff_t height)
+      : planes_(planes), width_(width), height_(height) {}
+
+  Yuy2Runs operator()(std::ptrdiff_t pair, std::ptrdiff_t row, std::size_t count) {
+    const std::ptrdiff_t first = 2 * pair;
+    const std::ptrdiff_t second = std::min(first + 1, width_ - 1);
+    RgbPairSources rgb;
+    for (std::size_t i = 0; i < 3; ++i) {
+      rgb[i] = bytes_[i].scaled(planes_[i] + row + first * height_, count);
+      rgb[3 + i] = bytes_[3 + i].scaled(planes_[i] + row + second * height_, count);
+    }
+    rgbPairToYcbcr(rgb, {y0_.data(), cb_.data(), y1_.data(), cr_.data()}, count);
+    return {y0_.data(), cb_.data(), y1_.data(), cr_.data()};
   }
 
  private:
-  std::uint8_t* out_;
+  using Run = std::array<std::uint8_t, kYuy2BlockRows>;
+  Planes planes_;
+  std::ptrdiff_t width_;
+  std::ptrdiff_t height_;
+  std::array<ByteRun<Id, kYuy2BlockRows>, 6> bytes_;
+  Run y0_, cb_, y1_, cr_;
 };
 
+// Pairs of columns of intensities likewise; chroma is always 128.
 template <std::uint32_t Id>
-class RgbReader {
+class IntensityPairRuns {
  public:
-  RgbReader(const void* red, const void* green, const void* blue)
-      : red_(static_cast<const Sample*>(red)),
-        green_(static_cast<const Sample*>(green)),
-        blue_(static_cast<const Sample*>(blue)) {}
-
-  Ycbcr operator()(std::ptrdiff_t element) const {
-    auto y = static_cast<std::int32_t>(scale_(red_[element]));
-    auto cb = static_cast<std::int32_t>(scale_(green_[element]));
-    auto cr = static_cast<std::int32_t>(scale_(blue_[element]));
-    rgbToYcbcr(y, cb, cr);
-    return {static_cast<std::uint8_t>(y), static_cast<std::uint8_t>(cb),
-            static_cast<std::uint8_t>(cr)};
-  }
-
- private:
-  using Sample = SampleOf<Id>;
-  const Sample* red_;
-  const Sample* green_;
-  const Sample* blue_;
-  SampleScale<Id> scale_;
-};
-
-template <std::uint32_t Id>
-class IntensityReader {
- public:
-  explicit IntensityReader(const void* intensity)
-      : intensity_(static_cast<const Sample*>(intensity)) {}
-
-  Ycbcr operator()(std::ptrdiff_t element) const {
-    return {static_cast<std::uint8_t>(intensityToLuma(scale_(intensity_[element]))), 128, 128};
-  }
-
- private:
-  using Sample = SampleOf<Id>;
-  const Sample* intensity_;
-  SampleScale<Id> scale_;
-};
-
-// Rows that column-major planes are converted by at a time: many, so that columns are read in long
-// runs, and few enough to stay on the stack.
-constexpr std::size_t kBlockRows = 1024;
-
-struct YcbcrRuns {
-  const std::uint8_t* y;
-  const std::uint8_t* cb;
-  const std::uint8_t* cr;
-};
-
-// Runs of RGB samples as 8-bit YCbCr, until the next call.
-template <std::uint32_t Id>
-class RgbRuns {
- public:
-  RgbRuns(const void* red, const void* green, const void* blue)
-      : red_(static_cast<const Sample*>(red)),
-        green_(static_cast<const Sample*>(green)),
-        blue_(static_cast<const Sample*>(blue)) {}
-
-  YcbcrRuns operator()(std::ptrdiff_t first, std::size_t count) {
-    rgbRowToYcbcr({reds_.scaled(red_ + first, count), greens_.scaled(green_ + first, count),
-                   blues_.scaled(blue_ + first, count)},
-                  {y_.data(), cb_.data(), cr_.data()}, count);
-    return {y_.data(), cb_.data(), cr_.data()};
-  }
-
- private:
-  using Sample = SampleOf<Id>;
-  using Run = std::array<std::uint8_t, kBlockRows>;
-  const Sample* red_;
-  const Sample* green_;
-  const Sample* blue_;
-  ByteRun<Id, kBlockRows> reds_, greens_, blues_;
-  Run y_, cb_, cr_;
-};
-
-// Runs of intensities likewise; chroma is always 128.
-template <std::uint32_t Id>
-class IntensityRuns {
- public:
-  explicit IntensityRuns(const void* intensity)
-      : intensity_(static_cast<const Sample*>(intensity)) {
+  IntensityPairRuns(const SampleOf<Id>* intensity, std::ptrdiff_t width, std::ptrdiff_t height)
+      : intensity_(intensity), width_(width), height_(height) {
     chroma_.fill(128);
   }
 
-  YcbcrRuns operator()(std::ptrdiff_t first, std::size_t count) {
-    intensityRowToLuma(bytes_.scaled(intensity_ + first, count), y_.data(), count);
-    return {y_.data(), chroma_.data(), chroma_.data()};
+  Yuy2Runs operator()(std::ptrdiff_t pair, std::ptrdiff_t row, std::size_t count) {
+    luma(2 * pair, row, count, y0_.data());
+    luma(std::min(2 * pair + 1, width_ - 1), row, count, y1_.data());
+    return {y0_.data(), chroma_.data(), y1_.data(), chroma_.data()};
   }
 
  private:
-  using Sample = SampleOf<Id>;
-  using Run = std::array<std::uint8_t, kBlockRows>;
-  const Sample* intensity_;
-  ByteRun<Id, kBlockRows> bytes_;
-  Run y_, chroma_;
+  using Run = std::array<std::uint8_t, kYuy2BlockRows>;
+
+  void luma(std::ptrdiff_t column, std::ptrdiff_t row, std::size_t count, std::uint8_t* out) {
+    intensityRowToLuma(bytes_.scaled(intensity_ + row + column * height_, count), out, count);
+  }
+
+  const SampleOf<Id>* intensity_;
+  std::ptrdiff_t width_;
+  std::ptrdiff_t height_;
+  ByteRun<Id, kYuy2BlockRows> bytes_;
+  Run y0_, y1_, chroma_;
 };
 
-// Column-major planes of either kind: disjoint pairs, the last pixel of an odd width alone.
-template <class Runs, class... Planes>
-void columnsToGroups(std::uint8_t* out, std::ptrdiff_t width, std::ptrdiff_t height,
-                     Planes... planes) {
-  Runs firstColumn(planes...);
-  Runs secondColumn(planes...);
-  const std::ptrdiff_t lineBytes = 4 * ((width + 1) / 2);
-  for (std::ptrdiff_t row = 0; row < height; row += kBlockRows) {
-    const auto count = std::min<std::size_t>(kBlockRows, height - row);
-    for (std::ptrdiff_t column = 0; column < width; column += 2) {
-      const YcbcrRuns first = firstColumn(row + column * height, count);
-      const bool alone = column + 1 == width;
-      const std::uint8_t* const y1 =
-          alone ? first.y : secondColumn(row + (column + 1) * height, count).y;
-      packGroupsDown({first.y, first.cb, y1, first.cr}, out + row * lineBytes + 2 * column,
-                     lineBytes, count);
+// ---- row-major ----------------------------------------------------------------------------------
+
+// Groups that are packed at a time, so that their bytes stay in the first-level cache.
+constexpr std::size_t kBlockGroups = 1024;
+
+// Runs of pixels, and groups that follow one another.
+template <std::uint32_t Id>
+class RgbRow {
+ public:
+  explicit RgbRow(const std::array<const SampleOf<Id>*, 3>& planes) : planes_(planes) {}
+
+  // `count` groups from the pixels at `pixel` and at `pixel + step`, moving on by one pixel a group.
+  void packGroups(std::ptrdiff_t pixel, std::ptrdiff_t step, std::uint8_t* out, std::size_t count) {
+    RgbPairSources rgb;
+    for (std::size_t i = 0; i < 3; ++i) {
+      rgb[i] = bytes_[i].scaled(planes_[i] + pixel, count + static_cast<std::size_t>(step));
+      rgb[3 + i] = rgb[i] + step;
     }
+    rgbPairToYcbcr(rgb, {y0_.data(), cb_.data(), y1_.data(), cr_.data()}, count);
+    framesink::packGroups({y0_.data(), cb_.data(), y1_.data(), cr_.data()}, out, count);
   }
-}
+
+ private:
+  using Run = std::array<std::uint8_t, kBlockGroups>;
+  std::array<const SampleOf<Id>*, 3> planes_;
+  std::array<ByteRun<Id, kBlockGroups + 1>, 3> bytes_;
+  Run y0_, cb_, y1_, cr_;
+};
 
 // Overlapping pairs: the reading moves on by one pixel a group, not by two.
-template <class Reader>
-void rgbRowsToGroups(const Reader& pixel, GroupWriter out, std::ptrdiff_t width,
+template <std::uint32_t Id>
+void rgbRowsToGroups(RgbRow<Id> pixels, std::uint8_t* out, std::ptrdiff_t width,
                      std::ptrdiff_t height) {
   const std::ptrdiff_t even = width - width % 2;
   for (std::ptrdiff_t row = 0; row < height; ++row) {
-    const std::ptrdiff_t line = row * width;
-    for (std::ptrdiff_t column = 0; column < even; ++column) {
-      out.write(pixel(line + column), pixel(line + column + 1).y);
+    for (std::ptrdiff_t first = 0; first < even; first += kBlockGroups) {
+      const auto count = std::min<std::size_t>(kBlockGroups, even - first);
+      pixels.packGroups(row * width + first, 1, out, count);
+      out += 4 * count;
     }
     if (even < width) {
-      const Ycbcr last = pixel(line + even);
-      out.write(last, last.y);
+      pixels.packGroups(row * width + even, 0, out, 1);
+      out += 4;
     }
   }
 }
 
-// The second pixel's luma is mapped twice, and an odd width's last sample is read far from its line
-// without moving on past it.
-template <class Reader>
-void intensityRowsToGroups(const Reader& pixel, GroupWriter out, std::ptrdiff_t width,
+// Intensities as luma, and groups with a chroma of 128.
+template <std::uint32_t Id>
+class IntensityRow {
+ public:
+  explicit IntensityRow(const SampleOf<Id>* intensity) : intensity_(intensity) {
+    chroma_.fill(128);
+  }
+
+  // The second sample's luma is mapped twice.
+  void packPairs(std::ptrdiff_t first, std::uint8_t* out, std::size_t count) {
+    intensityPairsToLuma(bytes_.scaled(intensity_ + first, 2 * count), luma_.data(), count);
+    framesink::packPairs(luma_.data(), chroma_.data(), chroma_.data(), out, count);
+  }
+
+  void packOne(std::ptrdiff_t sample, std::uint8_t* out) {
+    intensityRowToLuma(bytes_.scaled(intensity_ + sample, 1), luma_.data(), 1);
+    packGroups({luma_.data(), chroma_.data(), luma_.data(), chroma_.data()}, out, 1);
+  }
+
+ private:
+  const SampleOf<Id>* intensity_;
+  ByteRun<Id, 2 * kBlockGroups> bytes_;
+  std::array<std::uint8_t, 2 * kBlockGroups> luma_;
+  std::array<std::uint8_t, kBlockGroups> chroma_;
+};
+
+// Pairs are read from a position that runs on over the lines; an odd width's last sample is read
+// far from its line without moving on past it.
+template <std::uint32_t Id>
+void intensityRowsToGroups(IntensityRow<Id> samples, std::uint8_t* out, std::ptrdiff_t width,
                            std::ptrdiff_t height) {
   std::ptrdiff_t position = 0;
   for (std::ptrdiff_t row = 0; row < height; ++row) {
-    for (std::ptrdiff_t pair = 0; pair < width / 2; ++pair, position += 2) {
-      const std::uint32_t second = pixel(position + 1).y;
-      out.write(pixel(position), static_cast<std::uint8_t>(intensityToLuma(second)));
+    for (std::ptrdiff_t left = width / 2; left > 0; left -= kBlockGroups) {
+      const auto count = std::min<std::size_t>(kBlockGroups, left);
+      samples.packPairs(position, out, count);
+      position += 2 * static_cast<std::ptrdiff_t>(count);
+      out += 4 * count;
     }
     if (width > 0 && width % 2 != 0) {
-      const Ycbcr last = pixel(position + width - 1 + row * width);
-      out.write(last, last.y);
+      samples.packOne(position + width - 1 + row * width, out);
+      out += 4;
     }
   }
 }
@@ -192,20 +170,26 @@ void intensityRowsToGroups(const Reader& pixel, GroupWriter out, std::ptrdiff_t 
 template <std::uint32_t Id>
 void rgbToYuy2(const void* plane0, const void* plane1, const void* plane2, std::uint8_t* out,
                std::int32_t width, std::int32_t height, std::int32_t layout) {
+  using Sample = SampleOf<Id>;
+  const std::array planes{static_cast<const Sample*>(plane0), static_cast<const Sample*>(plane1),
+                          static_cast<const Sample*>(plane2)};
   if (layout == 1) {
-    columnsToGroups<RgbRuns<Id>>(out, width, height, plane0, plane1, plane2);
+    columnsToYuy2(RgbPairRuns<Id>(planes, width, height), out, (std::ptrdiff_t{width} + 1) / 2,
+                  height);
   } else {
-    rgbRowsToGroups(RgbReader<Id>{plane0, plane1, plane2}, GroupWriter(out), width, height);
+    rgbRowsToGroups(RgbRow<Id>(planes), out, width, height);
   }
 }
 
 template <std::uint32_t Id>
 void intensityToYuy2(const void* plane0, const void*, const void*, std::uint8_t* out,
                      std::int32_t width, std::int32_t height, std::int32_t layout) {
+  const auto* const intensity = static_cast<const SampleOf<Id>*>(plane0);
   if (layout != 0) {
-    columnsToGroups<IntensityRuns<Id>>(out, width, height, plane0);
+    columnsToYuy2(IntensityPairRuns<Id>(intensity, width, height), out,
+                  (std::ptrdiff_t{width} + 1) / 2, height);
   } else {
-    intensityRowsToGroups(IntensityReader<Id>{plane0}, GroupWriter(out), width, height);
+    intensityRowsToGroups(IntensityRow<Id>(intensity), out, width, height);
   }
 }
 

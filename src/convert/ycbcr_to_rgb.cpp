@@ -50,22 +50,22 @@ class YcbcrReader {
 // cache.
 constexpr std::size_t kBlockPixels = 1024;
 
-// Column by column: both columns of a pair take the chroma of theirs.
+// Both columns of a pair take the chroma of theirs.
 template <std::uint32_t Id>
 void columnsToPlanes(const std::array<const SampleOf<Id>*, 3>& planes, std::uint8_t* out,
                      std::int32_t width, std::int32_t height) {
-  ByteRun<Id, kBlockPixels> y, cb, cr;
+  ByteRun<Id, kBlockPixels> y0, y1, cb, cr;
   const std::ptrdiff_t n = planeSamples(width, height);
   for (std::ptrdiff_t pair = 0; pair < width / 2; ++pair) {
     for (std::ptrdiff_t row = 0; row < height; row += kBlockPixels) {
       const auto count = std::min<std::size_t>(kBlockPixels, height - row);
-      const std::uint8_t* const blueness = cb.scaled(planes[1] + pair * height + row, count);
-      const std::uint8_t* const redness = cr.scaled(planes[2] + pair * height + row, count);
-      for (const std::ptrdiff_t column : {2 * pair, 2 * pair + 1}) {
-        const std::ptrdiff_t e = column * height + row;
-        ycbcrRowToRgb({y.scaled(planes[0] + e, count), blueness, redness},
-                      {out + e, out + n + e, out + 2 * n + e}, count);
-      }
+      const std::ptrdiff_t chroma = pair * height + row;
+      const std::ptrdiff_t e = 2 * pair * height + row;
+      const std::ptrdiff_t f = e + height;
+      ycbcrPairToRgb({y0.scaled(planes[0] + e, count), y1.scaled(planes[0] + f, count),
+                      cb.scaled(planes[1] + chroma, count), cr.scaled(planes[2] + chroma, count)},
+                     {out + e, out + n + e, out + 2 * n + e, out + f, out + n + f, out + 2 * n + f},
+                     count);
     }
   }
 }

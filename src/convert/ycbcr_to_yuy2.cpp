@@ -4,13 +4,13 @@
 #include <array>
 
 #include "convert/sample_rows.hpp"
+#include "convert/yuy2_columns.hpp"
 #include "convert/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {
 
-// Rows, or groups of one long run, that are packed at a time: see the RGB planes.
-constexpr std::size_t kBlockRows = 1024;
+// Groups that are packed at a time, so that their bytes stay in the first-level cache.
 constexpr std::size_t kBlockGroups = 1024;
 
 template <std::uint32_t Id>
@@ -18,22 +18,23 @@ using Planes = std::array<const SampleOf<Id>*, 3>;
 
 // Of an odd width the last pair's second column is the one after the last.
 template <std::uint32_t Id>
-void columnsToGroups(const Planes<Id>& planes, std::uint8_t* out, std::ptrdiff_t width,
-                     std::ptrdiff_t height) {
-  ByteRun<Id, kBlockRows> y0, y1, cb, cr;
-  const std::ptrdiff_t pairs = (width + 1) / 2;
-  for (std::ptrdiff_t row = 0; row < height; row += kBlockRows) {
-    const auto count = std::min<std::size_t>(kBlockRows, height - row);
-    for (std::ptrdiff_t pair = 0; pair < pairs; ++pair) {
-      const std::ptrdiff_t luma = row + 2 * pair * height;
-      const std::ptrdiff_t chroma = row + pair * height;
-      packGroupsDown(
-          {y0.scaled(planes[0] + luma, count), cb.scaled(planes[1] + chroma, count),
-           y1.scaled(planes[0] + luma + height, count), cr.scaled(planes[2] + chroma, count)},
-          out + 4 * (row * pairs + pair), 4 * pairs, count);
-    }
+class YcbcrPairRuns {
+ public:
+  YcbcrPairRuns(const Planes<Id>& planes, std::ptrdiff_t height)
+      : planes_(planes), height_(height) {}
+
+  Yuy2Runs operator()(std::ptrdiff_t pair, std::ptrdiff_t row, std::size_t count) {
+    const std::ptrdiff_t luma = row + 2 * pair * height_;
+    const std::ptrdiff_t chroma = row + pair * height_;
+    return {y0_.scaled(planes_[0] + luma, count), cb_.scaled(planes_[1] + chroma, count),
+            y1_.scaled(planes_[0] + luma + height_, count), cr_.scaled(planes_[2] + chroma, count)};
   }
-}
+
+ private:
+  Planes<Id> planes_;
+  std::ptrdiff_t height_;
+  ByteRun<Id, kYuy2BlockRows> y0_, cb_, y1_, cr_;
+};
 
 // One run of n samples without regard to lines; an odd n reads one more.
 template <std::uint32_t Id>
@@ -55,7 +56,7 @@ void ycbcrToYuy2(const void* plane0, const void* plane1, const void* plane2, std
   const Planes<Id> planes{static_cast<const Sample*>(plane0), static_cast<const Sample*>(plane1),
                           static_cast<const Sample*>(plane2)};
   if (layout != 0) {
-    columnsToGroups<Id>(planes, out, width, height);
+    columnsToYuy2(YcbcrPairRuns<Id>(planes, height), out, (std::ptrdiff_t{width} + 1) / 2, height);
   } else {
     runToGroups<Id>(planes, out, planeSamples(width, height));
   }

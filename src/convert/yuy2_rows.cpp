@@ -1,14 +1,13 @@
 #include "convert/yuy2_rows.hpp"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/yuy2_rows.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.
 #include "convert/byte_rows-inl.hpp"
+#include "simd/group_columns-inl.hpp"
 
 HWY_BEFORE_NAMESPACE();
 namespace framesink {
@@ -45,7 +44,46 @@ struct PackPairs : GroupPacking {
   }
 };
 
+// One row after the other.
+void packFewColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
+                    std::size_t first, std::size_t end) {
+  for (std::size_t row = first; row < end; ++row) {
+    std::uint8_t* to = out + static_cast<std::ptrdiff_t>(row) * lineBytes;
+    for (const Yuy2Runs& runs : columns) {
+      *to++ = runs.y0[row];
+      *to++ = runs.cb[row];
+      *to++ = runs.y1[row];
+      *to++ = runs.cr[row];
+    }
+  }
+}
+
+// Tiles of four columns; returns how many rows they hold.
+template <class D>
+std::size_t packTiles(D bytes, std::span<const Yuy2Runs> columns, std::uint8_t* out,
+                      std::ptrdiff_t lineBytes, std::size_t count) {
+  std::size_t row = 0;
+  if constexpr (kHasTiles) {
+    for (; row + kTileRows <= count; row += kTileRows) {
+      GroupColumn<D> tile[kTileColumns];
+      for (std::size_t i = 0; i < kTileColumns; ++i) {
+        tile[i] = {LoadU(bytes, columns[i].y0 + row), LoadU(bytes, columns[i].cb + row),
+                   LoadU(bytes, columns[i].y1 + row), LoadU(bytes, columns[i].cr + row)};
+      }
+      storeTile(bytes, tile, out + static_cast<std::ptrdiff_t>(row) * lineBytes, lineBytes);
+    }
+  }
+  return row;
+}
+
 }  // namespace
+
+void packColumnsOfTarget(std::span<const Yuy2Runs> columns, std::uint8_t* out,
+                         std::ptrdiff_t lineBytes, std::size_t count) {
+  const std::size_t rows =
+      columns.size() == kTileColumns ? packTiles(TileRows(), columns, out, lineBytes, count) : 0;
+  packFewColumns(columns, out, lineBytes, rows, count);
+}
 
 void packGroupsOfTarget(const Yuy2Runs& runs, std::uint8_t* out, std::size_t count) {
   convertRow(PackGroups(), Sources<4>{runs.y0, runs.cb, runs.y1, runs.cr}, Targets<1>{out}, count);
@@ -63,6 +101,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace framesink {
 
+HWY_EXPORT(packColumnsOfTarget);
 HWY_EXPORT(packGroupsOfTarget);
 HWY_EXPORT(packPairsOfTarget);
 
@@ -70,18 +109,9 @@ void packGroups(const Yuy2Runs& runs, std::uint8_t* out, std::size_t count) {
   HWY_DYNAMIC_DISPATCH(packGroupsOfTarget)(runs, out, count);
 }
 
-void packGroupsDown(const Yuy2Runs& runs, std::uint8_t* out, std::ptrdiff_t lineBytes,
-                    std::size_t count) {
-  constexpr std::size_t kAtOnce = 64;
-  std::array<std::uint8_t, 4 * kAtOnce> groups;
-  for (std::size_t first = 0; first < count; first += kAtOnce) {
-    const std::size_t some = std::min(kAtOnce, count - first);
-    packGroups({runs.y0 + first, runs.cb + first, runs.y1 + first, runs.cr + first}, groups.data(),
-               some);
-    for (std::size_t i = 0; i < some; ++i) {
-      std::memcpy(out + static_cast<std::ptrdiff_t>(first + i) * lineBytes, &groups[4 * i], 4);
-    }
-  }
+void packColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
+                 std::size_t count) {
+  HWY_DYNAMIC_DISPATCH(packColumnsOfTarget)(columns, out, lineBytes, count);
 }
 
 void packPairs(const std::uint8_t* luma, const std::uint8_t* cb, const std::uint8_t* cr,

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace framesink {
 
@@ -18,9 +19,10 @@ struct Yuy2Runs {
 // `count` groups, one behind the other.
 void packGroups(const Yuy2Runs& runs, std::uint8_t* out, std::size_t count);
 
-// The same, group r at out + r * lineBytes.
-void packGroupsDown(const Yuy2Runs& runs, std::uint8_t* out, std::ptrdiff_t lineBytes,
-                    std::size_t count);
+// Groups that stand side by side in `count` rows, lineBytes apart: as many as there are columns, at
+// most four.
+void packColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
+                 std::size_t count);
 
 // Groups one behind the other from 2 * count bytes of luma, Y0 and Y1 by turns.
 void packPairs(const std::uint8_t* luma, const std::uint8_t* cb, const std::uint8_t* cr,
