@@ -18,25 +18,28 @@ namespace framesink {
 namespace HWY_NAMESPACE {
 namespace {
 
+using namespace hwy::HWY_NAMESPACE;
+
 template <std::size_t Count>
 using Sources = std::array<const std::uint8_t*, Count>;
 template <std::size_t Count>
 using Targets = std::array<std::uint8_t*, Count>;
 
-// Runs `convert` over `count` pixels, or pairs of pixels: convert(in, out) does as many as
-// convert.lanes(), reading kInputBytes[i] bytes of in[i] for each and writing kOutputBytes of every
-// out[i]. The last ones go through the same vectors, padded: nothing beyond is read or written.
+template <std::size_t Count>
+void moveOn(Sources<Count>& in, const std::array<std::size_t, Count>& bytes, std::ptrdiff_t steps) {
+  for (std::size_t i = 0; i < Count; ++i) in[i] += steps * static_cast<std::ptrdiff_t>(bytes[i]);
+}
+
+template <std::size_t Count>
+void moveOn(Targets<Count>& out, std::size_t bytes, std::ptrdiff_t steps) {
+  for (std::uint8_t*& target : out) target += steps * static_cast<std::ptrdiff_t>(bytes);
+}
+
+// A row shorter than a vector goes through a padded one.
 template <class Convert, std::size_t Inputs, std::size_t Outputs>
-void convertRow(const Convert& convert, Sources<Inputs> in, Targets<Outputs> out,
-                std::size_t count) {
-  const std::size_t lanes = convert.lanes();
-  for (; count >= lanes; count -= lanes) {
-    convert(in, out);
-    for (std::size_t i = 0; i < Inputs; ++i) in[i] += lanes * Convert::kInputBytes[i];
-    for (std::uint8_t*& target : out) target += lanes * Convert::kOutputBytes;
-  }
-  if (count == 0) return;
-  constexpr std::size_t kMost = hwy::HWY_NAMESPACE::MaxLanes(typename Convert::Lanes());
+void convertShortRow(const Convert& convert, const Sources<Inputs>& in, const Targets<Outputs>& out,
+                     std::size_t count) {
+  constexpr std::size_t kMost = Convert::kMostLanes;
   HWY_ALIGN std::uint8_t paddedIn[Inputs][2 * kMost] = {};
   HWY_ALIGN std::uint8_t paddedOut[Outputs][kMost * Convert::kOutputBytes];
   Sources<Inputs> from;
@@ -50,6 +53,31 @@ void convertRow(const Convert& convert, Sources<Inputs> in, Targets<Outputs> out
   for (std::size_t i = 0; i < Outputs; ++i) {
     std::memcpy(out[i], paddedOut[i], count * Convert::kOutputBytes);
   }
+}
+
+// Runs `convert` over `count` pixels, or pairs of pixels: convert(in, out) does as many as
+// convert.lanes(), reading kInputBytes[i] bytes of in[i] for each and writing kOutputBytes of every
+// out[i]. There are at most kMostLanes. The last vector overlaps the one before it: nothing beyond is read or written. Outputs
+// must not overlap inputs.
+template <class Convert, std::size_t Inputs, std::size_t Outputs>
+void convertRow(const Convert& convert, Sources<Inputs> in, Targets<Outputs> out,
+                std::size_t count) {
+  const std::size_t lanes = convert.lanes();
+  if (count < lanes) {
+    if (count != 0) convertShortRow(convert, in, out, count);
+    return;
+  }
+  const auto step = static_cast<std::ptrdiff_t>(lanes);
+  for (; count >= lanes; count -= lanes) {
+    convert(in, out);
+    moveOn(in, Convert::kInputBytes, step);
+    moveOn(out, Convert::kOutputBytes, step);
+  }
+  if (count == 0) return;
+  const std::ptrdiff_t back = static_cast<std::ptrdiff_t>(count) - step;
+  moveOn(in, Convert::kInputBytes, back);
+  moveOn(out, Convert::kOutputBytes, back);
+  convert(in, out);
 }
 
 }  // namespace

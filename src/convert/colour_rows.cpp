@@ -31,48 +31,82 @@ struct Digits {
 
 // The colour matrix in 16 bits, for two columns of pixels that share their chroma:
 //   (256 * high + low) >> 14  =  (high + (low >> 8)) >> 6
-// Luma less 128 and chroma less its offset keep the low sums within 16 bits. High sums leave them
-// only where the colour is far beyond white, and saturate.
+// Every vector of bytes is taken as one of its even and one of its odd bytes. Luma less 128 and
+// chroma less its offset keep the low sums within 16 bits. The high sums are kBlack + 64 times the
+// colour, so that they saturate at white.
 class YcbcrPairToRgb {
  public:
-  using Lanes = Rebind<std::uint8_t, Words>;
   static constexpr std::array<std::size_t, 4> kInputBytes{1, 1, 1, 1};
   static constexpr std::size_t kOutputBytes = 1;
+  static constexpr std::size_t kMostLanes = 2 * MaxLanes(Words());
 
-  static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
+  static std::size_t lanes() { return 2 * Lanes(Words()); }
 
   void operator()(const Sources<4>& in, const Targets<6>& out) const {
-    const auto cb = centred(in[2], cbOffset_);
-    const auto cr = centred(in[3], crOffset_);
-    const Sum red = times(redFromCr_, cr);
-    const Sum green = plus(times(greenFromCb_, cb), times(greenFromCr_, cr));
-    const Sum blue = times(blueFromCb_, cb);
+    const Halves cb = load(in[2], cbOffset_);
+    const Halves cr = load(in[3], crOffset_);
+    const Chroma even = chroma(cb.even, cr.even);
+    const Chroma odd = chroma(cb.odd, cr.odd);
     for (const std::size_t column : {0, 1}) {
-      const Sum grey = plus(times(luma_, centred(in[column], 128)), times(grey_, Set(Words(), 1)));
-      store(plus(grey, red), out[3 * column]);
-      store(plus(grey, green), out[3 * column + 1]);
-      store(plus(grey, blue), out[3 * column + 2]);
+      const Halves y = load(in[column], 128);
+      const Sum evenGrey = plus(times(luma_, y.even), grey_);
+      const Sum oddGrey = plus(times(luma_, y.odd), grey_);
+      store(colour(evenGrey, even.red), colour(oddGrey, odd.red), out[3 * column]);
+      store(colour(evenGrey, even.green), colour(oddGrey, odd.green), out[3 * column + 1]);
+      store(colour(evenGrey, even.blue), colour(oddGrey, odd.blue), out[3 * column + 2]);
     }
   }
 
  private:
+  using V = Vec<Words>;
+  struct Halves {
+    V even;
+    V odd;
+  };
   struct Sum {
-    Vec<Words> high;
-    Vec<Words> low;
+    V high;
+    V low;
+  };
+  struct Chroma {
+    Sum red;
+    Sum green;
+    Sum blue;
   };
 
-  static Vec<Words> centred(const std::uint8_t* bytes, std::int16_t centre) {
-    return Sub(PromoteTo(Words(), LoadU(Lanes(), bytes)), Set(Words(), centre));
+  static constexpr std::int16_t kBlack = 16384;
+
+  static V set(std::int16_t value) { return Set(Words(), value); }
+
+  static Halves load(const std::uint8_t* bytes, std::int16_t centre) {
+    const V both = LoadU(Words(), reinterpret_cast<const std::int16_t*>(bytes));
+    const auto odd = ShiftRight<8>(BitCast(RebindToUnsigned<Words>(), both));
+    return {Sub(And(both, set(0xFF)), set(centre)), Sub(BitCast(Words(), odd), set(centre))};
   }
-  static Sum times(const Digits& factor, Vec<Words> values) {
-    return {Mul(Set(Words(), factor.high), values), Mul(Set(Words(), factor.low), values)};
+  static Sum times(const Digits& factor, V values) {
+    return {Mul(set(factor.high), values), Mul(set(factor.low), values)};
   }
-  static Sum plus(const Sum& a, const Sum& b) {
-    return {SaturatedAdd(a.high, b.high), Add(a.low, b.low)};
+  static Sum plus(const Sum& a, const Digits& b) {
+    return {Add(a.high, set(b.high)), Add(a.low, set(b.low))};
   }
-  static void store(const Sum& sum, std::uint8_t* out) {
-    const auto colour = ShiftRight<6>(SaturatedAdd(sum.high, ShiftRight<8>(sum.low)));
-    StoreU(DemoteTo(Lanes(), colour), Lanes(), out);
+  Chroma chroma(V cb, V cr) const {
+    const V black = set(kBlack / 2);
+    const Sum red = times(redFromCr_, cr);
+    const Sum green = times(greenFromCb_, cb);
+    const Sum fromCr = times(greenFromCr_, cr);
+    const Sum blue = times(blueFromCb_, cb);
+    return {{Add(red.high, black), red.low},
+            {Add(green.high, Add(fromCr.high, black)), Add(green.low, fromCr.low)},
+            {Add(blue.high, black), blue.low}};
+  }
+  // kBlack to kBlack + 64 * 256 - 1.
+  static V colour(const Sum& grey, const Sum& chroma) {
+    const V carry = ShiftRight<8>(Add(grey.low, chroma.low));
+    return Max(SaturatedAdd(grey.high, Add(chroma.high, carry)), set(kBlack));
+  }
+  static void store(V even, V odd, std::uint8_t* out) {
+    const V evenBytes = And(ShiftRight<6>(even), set(0xFF));
+    const V bytes = OrAnd(evenBytes, ShiftLeft<2>(odd), set(static_cast<std::int16_t>(0xFF00)));
+    StoreU(bytes, Words(), reinterpret_cast<std::int16_t*>(out));
   }
 
   const Digits luma_ = ycbcrToRgbConstants.luma;
@@ -80,8 +114,9 @@ class YcbcrPairToRgb {
   const Digits greenFromCb_ = ycbcrToRgbConstants.greenFromCb;
   const Digits greenFromCr_ = ycbcrToRgbConstants.greenFromCr;
   const Digits blueFromCb_ = ycbcrToRgbConstants.blueFromCb;
-  // One half, and what luma less 128 lacks.
-  const Digits grey_ = 8192 + ycbcrToRgbConstants.luma * (128 - ycbcrToRgbConstants.lumaOffset);
+  // One half, what luma less 128 lacks, and half of black.
+  const Digits grey_ =
+      8192 + ycbcrToRgbConstants.luma * (128 - ycbcrToRgbConstants.lumaOffset) + kBlack / 2 * 256;
   const std::int16_t cbOffset_ = static_cast<std::int16_t>(ycbcrToRgbConstants.cbOffset);
   const std::int16_t crOffset_ = static_cast<std::int16_t>(ycbcrToRgbConstants.crOffset);
 };
@@ -138,10 +173,10 @@ class RgbToYcbcr {
 
 // What runs over rows by this arithmetic.
 struct RowOfYcbcr {
-  using Lanes = RgbToYcbcr::Bytes;
   static constexpr std::size_t kOutputBytes = 1;
+  static constexpr std::size_t kMostLanes = MaxLanes(RgbToYcbcr::Bytes());
 
-  static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
+  static std::size_t lanes() { return Lanes(RgbToYcbcr::Bytes()); }
 
   const RgbToYcbcr ycbcr;
 };
@@ -168,14 +203,14 @@ struct IntensityToLuma : RowOfYcbcr {
 
 // Two neighbours in 16 bits, the second one's luma mapped twice.
 struct IntensityPairToLuma {
-  using Lanes = RgbToYcbcr::Sums;
   static constexpr std::array<std::size_t, 1> kInputBytes{2};
   static constexpr std::size_t kOutputBytes = 2;
+  static constexpr std::size_t kMostLanes = MaxLanes(RgbToYcbcr::Sums());
 
-  static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
+  static std::size_t lanes() { return Lanes(RgbToYcbcr::Sums()); }
 
   void operator()(const Sources<1>& intensity, const Targets<1>& luma) const {
-    const Lanes d;
+    const RgbToYcbcr::Sums d;
     const auto both = LoadU(d, reinterpret_cast<const std::uint16_t*>(intensity[0]));
     const auto first = ycbcr.lumaOfGrey(And(both, Set(d, 0xFF)));
     const auto second = ycbcr.lumaOfGrey(ycbcr.lumaOfGrey(ShiftRight<8>(both)));

@@ -11,7 +11,7 @@ namespace framesink {
 namespace {
 
 // Groups that are packed at a time, so that their bytes stay in the first-level cache.
-constexpr std::size_t kBlockGroups = 1024;
+constexpr std::size_t kBlockGroups = 4096;
 
 template <std::uint32_t Id>
 using Planes = std::array<const SampleOf<Id>*, 3>;

@@ -17,17 +17,18 @@ namespace {
 using namespace hwy::HWY_NAMESPACE;
 
 struct GroupPacking {
-  using Lanes = ScalableTag<std::uint8_t>;
+  using Bytes = ScalableTag<std::uint8_t>;
   static constexpr std::size_t kOutputBytes = 4;
+  static constexpr std::size_t kMostLanes = MaxLanes(Bytes());
 
-  static std::size_t lanes() { return hwy::HWY_NAMESPACE::Lanes(Lanes()); }
+  static std::size_t lanes() { return Lanes(Bytes()); }
 };
 
 struct PackGroups : GroupPacking {
   static constexpr std::array<std::size_t, 4> kInputBytes{1, 1, 1, 1};
 
   void operator()(const Sources<4>& in, const Targets<1>& out) const {
-    const Lanes d;
+    const Bytes d;
     StoreInterleaved4(LoadU(d, in[0]), LoadU(d, in[1]), LoadU(d, in[2]), LoadU(d, in[3]), d,
                       out[0]);
   }
@@ -37,8 +38,8 @@ struct PackPairs : GroupPacking {
   static constexpr std::array<std::size_t, 3> kInputBytes{2, 1, 1};
 
   void operator()(const Sources<3>& in, const Targets<1>& out) const {
-    const Lanes d;
-    Vec<Lanes> y0, y1;
+    const Bytes d;
+    Vec<Bytes> y0, y1;
     LoadInterleaved2(d, in[0], y0, y1);
     StoreInterleaved4(y0, LoadU(d, in[1]), y1, LoadU(d, in[2]), d, out[0]);
   }
