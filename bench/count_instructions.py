@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Counts the instructions of each kernel under callgrind and compares them with the recorded table.
+
+    count_instructions.py PROGRAM            warns where a kernel takes more than a fiftieth more
+    count_instructions.py PROGRAM --record   writes the table anew
+
+The counts hold for the instruction set that callgrind offers (the table's first line) and for the
+compiler; they do not depend on what else the machine does.
+"""
+
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+TABLE = Path(__file__).resolve().parent / "instructions.txt"
+TOLERANCE = 1.02
+
+
+def count(program):
+    """The instruction set, and the counts by kernel."""
+    with tempfile.TemporaryDirectory() as folder:
+        command = ["valgrind", "--tool=callgrind", "--quiet",
+                   f"--callgrind-out-file={folder}/out", program]
+        name = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+        counts = {}
+        parts = Path(folder).glob("out.*")
+        for part in sorted(parts, key=lambda path: int(path.suffix[1:])):
+            text = part.read_text()
+            kernel = re.search(r"^desc: Trigger: Client Request: (\w+)$", text, re.M)
+            if kernel:
+                counts[kernel[1]] = int(re.search(r"^(?:summary|totals): (\d+)$", text, re.M)[1])
+    return name, counts
+
+
+def recorded():
+    name, *lines = TABLE.read_text().splitlines()
+    return name, {kernel: int(number) for kernel, number in map(str.split, lines)}
+
+
+def record(name, counts):
+    lines = [f"{kernel} {number}" for kernel, number in counts.items()]
+    TABLE.write_text("\n".join([name, *lines]) + "\n")
+
+
+def compare(name, counts):
+    recorded_name, before = recorded()
+    if name != recorded_name:
+        print(f"warning: counted on {name}, recorded on {recorded_name}: nothing to compare")
+        return
+    for kernel in sorted(before.keys() | counts.keys()):
+        old, new = before.get(kernel), counts.get(kernel)
+        if old is None or new is None:
+            print(f"warning: {kernel} is {'not recorded' if old is None else 'gone'}")
+        elif new > TOLERANCE * old:
+            print(f"warning: {kernel} takes {new} instructions, {new / old:.2f} times the recorded")
+    print(f"{len(counts)} kernels counted on {name}, {sum(counts.values())} instructions in all,"
+          f" {sum(before.values())} recorded")
+
+
+if __name__ == "__main__":
+    found = count(sys.argv[1])
+    if "--record" in sys.argv:
+        record(*found)
+    else:
+        compare(*found)

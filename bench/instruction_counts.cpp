@@ -1,0 +1,22 @@
+// Converts one small frame with each kernel and has callgrind write down what each took. Only to be
+// run by ./dev bench --instructions. Prints the instruction set that the kernels ran on.
+#include <valgrind/callgrind.h>
+
+#include <cstdio>
+#include <string>
+
+#include "conversion.hpp"
+
+int main() {
+  using namespace framesink;
+  constexpr oracle::Frame kSmallFrame{320, 240, 1};
+  std::printf("%s\n", instructionSets().front().name.c_str());
+  for (const KernelCase& test : kernelCases()) {
+    const std::string name = nameOf(test);
+    bench::Conversion conversion(test, kSmallFrame);
+    conversion.run();
+    CALLGRIND_ZERO_STATS;
+    conversion.run();
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
+  }
+}

@@ -1,0 +1,159 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks several times, prints one table and writes docs/performance.md and its plot.
+
+Each benchmark times ours and something else by turns in one loop and reports both medians and their
+ratio. What is told here is the median of the rounds' ratios, and the least and the greatest of them.
+"""
+
+import argparse
+import json
+import os
+import platform
+import statistics
+import subprocess
+import sys
+from collections import defaultdict
+from pathlib import Path
+
+import targets
+
+ROOT = Path(__file__).resolve().parent.parent
+PAGE = ROOT / "docs/performance.md"
+PLOT = ROOT / "docs/images/performance.png"
+
+
+class Results:
+    """(benchmark, what it is compared with) -> the counters of each round."""
+
+    def __init__(self):
+        self.rounds = defaultdict(list)
+
+    def add(self, output, suffix=""):
+        for run in json.loads(output)["benchmarks"]:
+            if run.get("error_occurred"):
+                sys.exit(f"{run['name']}: {run['error_message']}")
+            name = run["name"].removesuffix("/manual_time").split("/iterations:")[0] + suffix
+            self.rounds[name, run.get("label", "")].append(run)
+
+    def values(self, key, counter):
+        return [run[counter] for run in self.rounds[key] if counter in run]
+
+    def median(self, key, counter):
+        return statistics.median(self.values(key, counter))
+
+    def __contains__(self, key):
+        return key in self.rounds
+
+
+def run(build, program, *arguments, ranges=None):
+    """The program's JSON. A wrong result ends everything."""
+    environment = dict(os.environ)
+    if ranges:
+        environment["LD_LIBRARY_PATH"] = str(build / "tests/convert" / f"{ranges}_ranges")
+    command = [str(build / "bin" / program), "--benchmark_format=json", *arguments]
+    done = subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True)
+    if done.returncode != 0:
+        sys.exit(f"{program} failed with status {done.returncode}")
+    return done.stdout
+
+
+def measure(build, rounds):
+    results = Results()
+    for number in range(rounds):
+        print(f"round {number + 1} of {rounds}", file=sys.stderr)
+        results.add(run(build, "conversion_bench", "--benchmark_min_time=0.5"))
+        results.add(run(build, "kernel_bench", "--benchmark_min_time=0.1"))
+        results.add(run(build, "kernel_bench", "--benchmark_min_time=0.1",
+                        "--benchmark_filter=RgbToRgb", ranges="other"), " in another range")
+        results.add(run(build, "host_bench"))
+        results.add(run(build, "display_bench"))
+    return results
+
+
+def target_rows(results):
+    """The table of targets: name, compared with, ours, other, ratio, least, greatest, limit."""
+    for target in targets.TARGETS:
+        found = target.ratios(results)
+        if not found:
+            continue
+        middle = statistics.median(found)
+        yield [target.name, target.other, target.ours(results), target.others(results),
+               f"{middle:.3f}", f"{min(found):.3f} to {max(found):.3f}", f"{target.limit:.3f}",
+               "yes" if middle <= target.limit else "NO"]
+
+
+def kernel_rows(results):
+    for name, label in results.rounds:
+        if label == "memcpy of the same bytes" and name != "planes to ARGB8888":
+            key = (name, label)
+            yield [name, f"{results.median(key, 'ours'):.3f}", f"{results.median(key, 'other'):.3f}",
+                   f"{results.median(key, 'ratio'):.2f}"]
+
+
+def markdown(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|" + "---|" * len(head)]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
+
+
+def cpu_name():
+    for line in Path("/proc/cpuinfo").read_text().splitlines():
+        if line.startswith("model name"):
+            return line.split(":")[1].strip()
+    return platform.machine()
+
+
+def first_line(*command):
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True).stdout.splitlines()[0]
+
+
+TARGET_HEAD = ["what", "beside", "ours", "other", "ratio", "least to greatest", "at most", "met"]
+KERNEL_HEAD = ["kernel", "ms", "memcpy, ms", "ratio"]
+
+PAGE_TEXT = """# What it costs
+
+Written by `./dev bench{peers}`; do not edit. {cpu}, {cores} cores, {compiler}. Frames of 1920x1080 in
+column-major planes unless said otherwise, one thread, windows on Xvfb.
+
+Every figure compares two things that took turns in one loop of one process: ours and the limit that
+memory sets (memcpy of as many bytes), or ours and a peer that was asked for the same picture. Results
+were compared with the right bytes, and windows with the pixels on the screen, before the clock ran.
+There were {rounds} rounds; the ratio is their median. Milliseconds depend on the machine, ratios much less.
+
+{targets}
+
+{notes}
+
+## Every kernel
+
+Beside memcpy of as many bytes as the kernel reads and writes.
+
+{kernels}
+
+## Frame sizes and windows
+
+![Cost per pixel over frame sizes, cost of a round over windows](images/performance.png)
+"""
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--build", type=Path, default=ROOT / "build/release")
+    parser.add_argument("--rounds", type=int, default=3)
+    parser.add_argument("--peers", action="store_true")
+    arguments = parser.parse_args()
+    results = measure(arguments.build, arguments.rounds)
+    rows = list(target_rows(results))
+    print(markdown(TARGET_HEAD, rows))
+    kernels = list(kernel_rows(results))
+    print(markdown(KERNEL_HEAD, kernels))
+    PAGE.write_text(PAGE_TEXT.format(
+        peers=" --peers" if arguments.peers else "", cpu=cpu_name(), cores=os.cpu_count(),
+        compiler=first_line("c++", "--version"), rounds=arguments.rounds,
+        targets=markdown(TARGET_HEAD, rows), notes=targets.NOTES,
+        kernels=markdown(KERNEL_HEAD, kernels)))
+    import plot
+    plot.draw(results, PLOT)
+
+
+if __name__ == "__main__":
+    main()
