@@ -178,7 +178,7 @@ struct RowOfYcbcr {
 
   static std::size_t lanes() { return Lanes(RgbToYcbcr::Bytes()); }
 
-  const RgbToYcbcr ycbcr;
+  const RgbToYcbcr ycbcr{};
 };
 
 struct RgbPairToYcbcr : RowOfYcbcr {
@@ -217,7 +217,7 @@ struct IntensityPairToLuma {
     StoreU(Or(first, ShiftLeft<8>(second)), d, reinterpret_cast<std::uint16_t*>(luma[0]));
   }
 
-  const RgbToYcbcr ycbcr;
+  const RgbToYcbcr ycbcr{};
 };
 
 }  // namespace
