@@ -18,7 +18,9 @@ GuardedMemory::GuardedMemory(std::size_t capacity)
       mmap(nullptr, size_ + 2 * pageBytes(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (all == MAP_FAILED) throw std::bad_alloc();
   begin_ = static_cast<std::uint8_t*>(all) + pageBytes();
-  if (size_ != 0 && mprotect(begin_, size_, PROT_READ | PROT_WRITE) != 0) throw std::bad_alloc();
+  if (size_ == 0 || mprotect(begin_, size_, PROT_READ | PROT_WRITE) == 0) return;
+  munmap(all, size_ + 2 * pageBytes());
+  throw std::bad_alloc();
 }
 
 GuardedMemory::~GuardedMemory() { munmap(begin_ - pageBytes(), size_ + 2 * pageBytes()); }

@@ -60,14 +60,16 @@ std::string KernelCheck::difference(const oracle::Frame& frame, Placement placem
   expected_ = background_;
   oracle::convert(*test_.family, test_.dataType, planes, expected_.data() + (out - output_.begin()),
                   frame);
+  std::string found;
   for (const InstructionSet& set : instructionSets()) {
     set.use();
     std::memcpy(output_.begin(), background_.data(), background_.size());
     kernel_(planes[0], planes[1], planes[2], out, frame.width, frame.height, frame.layout);
-    if (std::string found = compare(set, frame, placement); !found.empty()) return found;
+    found = compare(set, frame, placement);
+    if (!found.empty()) break;
   }
   instructionSets().front().use();
-  return {};
+  return found;
 }
 
 std::string KernelCheck::compare(const InstructionSet& set, const oracle::Frame& frame,

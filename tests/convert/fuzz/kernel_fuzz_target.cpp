@@ -8,6 +8,7 @@
 
 #include "kernel_cases.hpp"
 #include "kernel_check.hpp"
+#include "pixkit/pixkit.h"
 
 namespace framesink {
 namespace {
@@ -75,6 +76,13 @@ std::size_t planeBytes(const KernelCase& test, const oracle::Frame& frame, std::
 
 }  // namespace
 }  // namespace framesink
+
+// Tells whose ranges the search is about.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  std::fprintf(stderr, "doubles reach from %g to %g, int16 from %d to %d\n", videoTraits<0>::min,
+               videoTraits<0>::max, videoTraits<4>::min, videoTraits<4>::max);
+  return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace framesink;
