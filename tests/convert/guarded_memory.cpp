@@ -25,4 +25,9 @@ GuardedMemory::GuardedMemory(std::size_t capacity)
 
 GuardedMemory::~GuardedMemory() { munmap(begin_ - pageBytes(), size_ + 2 * pageBytes()); }
 
+void GuardedMemory::allowWriting(bool allowed) {
+  const int access = allowed ? PROT_READ | PROT_WRITE : PROT_READ;
+  if (size_ != 0 && mprotect(begin_, size_, access) != 0) throw std::bad_alloc();
+}
+
 }  // namespace framesink

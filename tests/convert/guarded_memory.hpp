@@ -15,6 +15,9 @@ class GuardedMemory {
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
 
+  // While forbidden, writing ends the process, too.
+  void allowWriting(bool allowed);
+
   std::uint8_t* begin() const { return begin_; }
   std::uint8_t* end() const { return begin_ + size_; }
 

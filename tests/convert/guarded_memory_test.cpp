@@ -25,5 +25,14 @@ TEST(GuardedMemoryDeathTest, EndsTheProcessOnEitherSide) {
                "");
 }
 
+TEST(GuardedMemoryDeathTest, EndsTheProcessThatWritesWhileItIsForbidden) {
+  GuardedMemory memory(100);
+  memory.allowWriting(false);
+  EXPECT_EQ(*memory.begin(), 0);
+  EXPECT_DEATH(*static_cast<volatile std::uint8_t*>(memory.begin()) = 1, "");
+  memory.allowWriting(true);
+  *memory.begin() = 1;
+}
+
 }  // namespace
 }  // namespace framesink

@@ -60,6 +60,7 @@ std::string KernelCheck::difference(const oracle::Frame& frame, Placement placem
   expected_ = background_;
   oracle::convert(*test_.family, test_.dataType, planes, expected_.data() + (out - output_.begin()),
                   frame);
+  for (GuardedMemory& memory : planes_) memory.allowWriting(false);
   std::string found;
   for (const InstructionSet& set : instructionSets()) {
     set.use();
@@ -69,6 +70,7 @@ std::string KernelCheck::difference(const oracle::Frame& frame, Placement placem
     if (!found.empty()) break;
   }
   instructionSets().front().use();
+  for (GuardedMemory& memory : planes_) memory.allowWriting(true);
   return found;
 }
 

@@ -14,7 +14,7 @@ namespace framesink {
 
 // Where planes and output lie. The planes hold exactly the samples that may be read and the output
 // exactly the bytes that the caller must provide, so a touch beyond ends the process or shows in
-// the guard bytes.
+// the guard bytes. Writing to the planes ends the process, too.
 struct Placement {
   enum Side { kAtEnd, kAtBegin } side = kAtEnd;  // of memory that ends, or begins, at a guard page
   std::size_t planeOffset = 0;                   // samples away from that page
