@@ -68,8 +68,10 @@ std::size_t packTiles(D bytes, std::span<const Yuy2Runs> columns, std::uint8_t* 
     for (; row + kTileRows <= count; row += kTileRows) {
       GroupColumn<D> tile[kTileColumns];
       for (std::size_t i = 0; i < kTileColumns; ++i) {
-        tile[i] = {LoadU(bytes, columns[i].y0 + row), LoadU(bytes, columns[i].cb + row),
-                   LoadU(bytes, columns[i].y1 + row), LoadU(bytes, columns[i].cr + row)};
+        tile[i][0] = LoadU(bytes, columns[i].y0 + row);
+        tile[i][1] = LoadU(bytes, columns[i].cb + row);
+        tile[i][2] = LoadU(bytes, columns[i].y1 + row);
+        tile[i][3] = LoadU(bytes, columns[i].cr + row);
       }
       storeTile(bytes, tile, out + static_cast<std::ptrdiff_t>(row) * lineBytes, lineBytes);
     }

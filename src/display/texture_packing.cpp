@@ -74,8 +74,10 @@ class Packer {
     GroupColumn<D> columns[kTileColumns];
     for (std::size_t i = 0; i < kTileColumns; ++i) {
       const std::size_t e = (column + i) * height_ + row;
-      columns[i] = {LoadU(bytes, blue_ + e), LoadU(bytes, green_ + e), LoadU(bytes, red_ + e),
-                    Set(bytes, 0xFF)};
+      columns[i][0] = LoadU(bytes, blue_ + e);
+      columns[i][1] = LoadU(bytes, green_ + e);
+      columns[i][2] = LoadU(bytes, red_ + e);
+      columns[i][3] = Set(bytes, 0xFF);
     }
     storeTile(bytes, columns, pixels_ + 4 * (row * width_ + column),
               static_cast<std::ptrdiff_t>(4 * width_));

@@ -30,11 +30,10 @@ constexpr std::size_t kTileRows = 16;
 // Whether this instruction set has vectors that a tile can be made of.
 constexpr bool kHasTiles = MaxLanes(TileRows()) == kTileRows;
 
-// The bytes of one column's groups, in the order in which they are stored.
+// The bytes of one column's groups, in the order in which they are stored. No struct: GCC compiles a
+// struct's own constructor for the wrong instruction set on ARM.
 template <class D>
-struct GroupColumn {
-  Vec<D> bytes[4];
-};
+using GroupColumn = Vec<D>[4];
 
 // Four groups of each of four columns to four rows.
 template <class D>
@@ -66,8 +65,8 @@ void storeEightRows(D bytes, const GroupColumn<D> (&columns)[kTileColumns], std:
   Vec<decltype(quads)> first[kTileColumns];
   Vec<decltype(quads)> last[kTileColumns];
   for (std::size_t i = 0; i < kTileColumns; ++i) {
-    const auto front = both(columns[i].bytes[0], columns[i].bytes[1]);
-    const auto back = both(columns[i].bytes[2], columns[i].bytes[3]);
+    const auto front = both(columns[i][0], columns[i][1]);
+    const auto back = both(columns[i][2], columns[i][3]);
     first[i] = BitCast(quads, InterleaveLower(words, front, back));
     last[i] = BitCast(quads, InterleaveUpper(words, front, back));
   }
