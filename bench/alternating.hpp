@@ -24,20 +24,32 @@ inline double medianOf(std::vector<double> seconds) {
   return *middle;
 }
 
-// The benchmark's loop. Reports the medians in milliseconds as counters `ours` and `other`, and
-// `ratio`, which is ours / other.
-template <class Ours, class Other>
-void compare(benchmark::State& state, const Ours& ours, const Other& other) {
+// Counters `ours` and `other` in milliseconds, and `ratio`, which is ours / other.
+inline void report(benchmark::State& state, double oursSeconds, double otherSeconds) {
+  state.counters["ours"] = 1000 * oursSeconds;
+  state.counters["other"] = 1000 * otherSeconds;
+  state.counters["ratio"] = oursSeconds / otherSeconds;
+}
+
+// The benchmark's loop. `settle` runs before either of the two and is not timed. Reports the
+// medians.
+template <class Ours, class Other, class Settle>
+void compare(benchmark::State& state, const Ours& ours, const Other& other, const Settle& settle) {
   std::vector<double> oursSeconds;
   std::vector<double> otherSeconds;
   for ([[maybe_unused]] auto iteration : state) {
+    settle();
     oursSeconds.push_back(secondsOf(ours));
+    settle();
     otherSeconds.push_back(secondsOf(other));
     state.SetIterationTime(oursSeconds.back() + otherSeconds.back());
   }
-  state.counters["ours"] = 1000 * medianOf(oursSeconds);
-  state.counters["other"] = 1000 * medianOf(otherSeconds);
-  state.counters["ratio"] = medianOf(oursSeconds) / medianOf(otherSeconds);
+  report(state, medianOf(oursSeconds), medianOf(otherSeconds));
+}
+
+template <class Ours, class Other>
+void compare(benchmark::State& state, const Ours& ours, const Other& other) {
+  compare(state, ours, other, [] {});
 }
 
 }  // namespace framesink::bench

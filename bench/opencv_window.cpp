@@ -1,0 +1,69 @@
+#include <array>
+#include <opencv2/core.hpp>
+#include <opencv2/highgui.hpp>
+
+#include "peer_windows.hpp"
+
+// What a user of OpenCV does with column-major planes: transpose, merge, doubles to bytes, imshow,
+// waitKey. OpenCV's window draws within waitKey(1): the picture is on the screen when it returns.
+namespace framesink::bench {
+namespace {
+
+class OpenCvWindow : public PeerWindow {
+ public:
+  OpenCvWindow(const std::string& title, const WindowPlace& place) : title_(title) {
+    const auto [x, y, width, height] = place.geometry;
+    const bool isScaled = width != 0 || place.fullscreen;
+    cv::setNumThreads(1);
+    cv::namedWindow(
+        title_, cv::WINDOW_GUI_NORMAL |
+                    (isScaled ? cv::WINDOW_NORMAL | cv::WINDOW_KEEPRATIO : cv::WINDOW_AUTOSIZE));
+    if (width != 0) cv::resizeWindow(title_, width, height);
+    cv::moveWindow(title_, x, y);
+    if (place.fullscreen) {
+      cv::setWindowProperty(title_, cv::WND_PROP_FULLSCREEN, cv::WINDOW_FULLSCREEN);
+    }
+  }
+  ~OpenCvWindow() override {
+    cv::destroyWindow(title_);
+    cv::waitKey(1);
+  }
+
+  void show(const ColumnMajorFrame& frame) override {
+    for (std::size_t i = 0; i < 3; ++i) cv::transpose(planeOf(frame, i), rows_[2 - i]);
+    cv::merge(rows_, picture_);
+    if (frame.dataType() == FRAMESINK_DOUBLE) {
+      picture_.convertTo(bytes_, CV_8U, 255);
+      cv::imshow(title_, bytes_);
+    } else {
+      cv::imshow(title_, picture_);
+    }
+    pump();
+  }
+
+  void pump() override { cv::waitKey(1); }
+
+ private:
+  // OpenCV takes a column for a row.
+  static cv::Mat planeOf(const ColumnMajorFrame& frame, std::size_t plane) {
+    const auto [width, height] = frame.size();
+    const int type = frame.dataType() == FRAMESINK_DOUBLE ? CV_64F : CV_8U;
+    return {width, height, type, const_cast<void*>(frame.plane(plane))};
+  }
+
+  std::string title_;
+  std::array<cv::Mat, 3> rows_;  // blue, green, red
+  cv::Mat picture_;
+  cv::Mat bytes_;
+};
+
+std::unique_ptr<PeerWindow> openWindow(const std::string& title, FrameSize,
+                                       const WindowPlace& place) {
+  return std::make_unique<OpenCvWindow>(title, place);
+}
+
+}  // namespace
+
+const Peer kOpenCv{"OpenCV", openWindow};
+
+}  // namespace framesink::bench
