@@ -4,8 +4,8 @@
     count_instructions.py PROGRAM            warns where a kernel takes more than a fiftieth more
     count_instructions.py PROGRAM --record   writes the table anew
 
-The counts hold for the instruction set that callgrind offers (the table's first line) and for the
-compiler; they do not depend on what else the machine does.
+The counts hold for the instruction set that callgrind offers and for the compiler, which the table's first
+line names; they do not depend on what else the machine does.
 """
 
 import re
@@ -18,12 +18,17 @@ TABLE = Path(__file__).resolve().parent / "instructions.txt"
 TOLERANCE = 1.02
 
 
+def first_line(*command):
+    done = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True)
+    return done.stdout.splitlines()[0]
+
+
 def count(program):
-    """The instruction set, and the counts by kernel."""
+    """What the counts hold for, and the counts by kernel."""
     with tempfile.TemporaryDirectory() as folder:
         command = ["valgrind", "--tool=callgrind", "--quiet",
                    f"--callgrind-out-file={folder}/out", program]
-        name = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+        name = first_line(*command) + ", " + first_line("c++", "--version")
         counts = {}
         parts = Path(folder).glob("out.*")
         for part in sorted(parts, key=lambda path: int(path.suffix[1:])):

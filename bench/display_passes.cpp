@@ -11,6 +11,7 @@ namespace {
 constinit std::atomic<std::uint32_t> presented{0};
 constinit std::atomic<std::uint32_t> passes{0};
 constinit std::atomic<bool> held{false};
+constinit std::atomic<bool> isParked{false};
 constinit thread_local bool isExempt = false;
 
 // SDL's function, which the one of that name in this program hides.
@@ -21,6 +22,15 @@ Function* next(const char* name) {
 
 void awaitAfter(const std::atomic<std::uint32_t>& counter, std::uint32_t count) {
   while (counter.load() == count) counter.wait(count);
+}
+
+void parkWhileHeld() {
+  while (held) {
+    isParked = true;
+    isParked.notify_all();
+    held.wait(true);
+  }
+  isParked = false;
 }
 
 }  // namespace
@@ -38,7 +48,7 @@ void awaitIdleDisplay() {
 
 DisplayThreadHold::DisplayThreadHold() {
   held = true;
-  awaitAfter(passes, passes);
+  isParked.wait(false);
 }
 
 DisplayThreadHold::~DisplayThreadHold() {
@@ -65,7 +75,7 @@ void SDL_Delay(Uint32 milliseconds) {
   static auto* const delay = next<decltype(SDL_Delay)>("SDL_Delay");
   ++passes;
   passes.notify_all();
-  if (!isExempt) held.wait(true);
+  if (!isExempt) parkWhileHeld();
   delay(milliseconds);
 }
 

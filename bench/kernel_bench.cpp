@@ -3,10 +3,12 @@
 #include <benchmark/benchmark.h>
 
 #include <cstring>
+#include <string>
 
 #include "alternating.hpp"
 #include "conversion.hpp"
 #include "demand.hpp"
+#include "pixkit/pixkit.h"
 
 namespace framesink::bench {
 namespace {
@@ -29,6 +31,8 @@ int main(int count, char** arguments) {
   using namespace framesink;
   benchmark::Initialize(&count, arguments);
   if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 2;
+  benchmark::AddCustomContext("uint16 range", std::to_string(videoTraits<5>::min) + " to " +
+                                                  std::to_string(videoTraits<5>::max));
   for (const KernelCase& test : kernelCases()) {
     benchmark::RegisterBenchmark(nameOf(test).c_str(), bench::besideMemcpy, test)->UseManualTime();
   }

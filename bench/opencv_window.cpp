@@ -4,7 +4,7 @@
 
 #include "peer_windows.hpp"
 
-// What a user of OpenCV does with column-major planes: transpose, merge, doubles to bytes, imshow,
+// What a user of OpenCV does with column-major planes: doubles to bytes, transpose, merge, imshow,
 // waitKey. OpenCV's window draws within waitKey(1): the picture is on the screen when it returns.
 namespace framesink::bench {
 namespace {
@@ -30,25 +30,25 @@ class OpenCvWindow : public PeerWindow {
   }
 
   void show(const ColumnMajorFrame& frame) override {
-    for (std::size_t i = 0; i < 3; ++i) cv::transpose(planeOf(frame, i), rows_[2 - i]);
+    for (std::size_t i = 0; i < 3; ++i) cv::transpose(bytesOf(frame, i), rows_[2 - i]);
     cv::merge(rows_, picture_);
-    if (frame.dataType() == FRAMESINK_DOUBLE) {
-      picture_.convertTo(bytes_, CV_8U, 255);
-      cv::imshow(title_, bytes_);
-    } else {
-      cv::imshow(title_, picture_);
-    }
+    cv::imshow(title_, picture_);
     pump();
   }
 
   void pump() override { cv::waitKey(1); }
 
  private:
-  // OpenCV takes a column for a row.
-  static cv::Mat planeOf(const ColumnMajorFrame& frame, std::size_t plane) {
+  // OpenCV takes a column for a row. Doubles become bytes first: the less is moved afterwards.
+  const cv::Mat& bytesOf(const ColumnMajorFrame& frame, std::size_t plane) {
     const auto [width, height] = frame.size();
-    const int type = frame.dataType() == FRAMESINK_DOUBLE ? CV_64F : CV_8U;
-    return {width, height, type, const_cast<void*>(frame.plane(plane))};
+    void* const samples = const_cast<void*>(frame.plane(plane));
+    if (frame.dataType() == FRAMESINK_DOUBLE) {
+      cv::Mat(width, height, CV_64F, samples).convertTo(bytes_, CV_8U, 255);
+    } else {
+      bytes_ = cv::Mat(width, height, CV_8U, samples);
+    }
+    return bytes_;
   }
 
   std::string title_;

@@ -11,6 +11,9 @@ class Target:
     def __init__(self, name, other, limit):
         self.name, self.other, self.limit = name, other, limit
 
+    def needs_peer(self):
+        return self.other.split()[0] in ("OpenCV", "libyuv", "CImg")
+
     @property
     def key(self):
         return self.name, self.other

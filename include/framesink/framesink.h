@@ -10,9 +10,9 @@
  *     every call that concerns them there. Nothing ever calls back into the host.
  *  2. Blocking. Unless a function says otherwise it does not wait for drawing. "Waits for the
  *     window" means: until the display thread has made the window, normally a few milliseconds,
- *     looked for every 2 ms. It ends at once when that window can no longer come (closed by the user,
- *     no display thread, library leaving). A window manager that does not answer while a window is
- *     made holds up the functions that wait for a window, and no others.
+ *     looked for every 2 ms. It ends at once when that window can no longer come (closed by the
+ *     user, no display thread, library leaving). A window manager that does not answer while a
+ *     window is made holds up the functions that wait for a window, and no others.
  *  3. Ownership. Every pointer passed in is read, or written, during the call only. Strings are
  *     zero-terminated and copied; a null string counts as an empty one. The one thing handed out is
  *     the block handle, which goes back through libDestroy.

@@ -57,8 +57,8 @@ void convertShortRow(const Convert& convert, const Sources<Inputs>& in, const Ta
 
 // Runs `convert` over `count` pixels, or pairs of pixels: convert(in, out) does as many as
 // convert.lanes(), reading kInputBytes[i] bytes of in[i] for each and writing kOutputBytes of every
-// out[i]. There are at most kMostLanes. The last vector overlaps the one before it: nothing beyond is read or written. Outputs
-// must not overlap inputs.
+// out[i]. There are at most kMostLanes. The last vector overlaps the one before it: nothing beyond
+// is read or written. Outputs must not overlap inputs.
 template <class Convert, std::size_t Inputs, std::size_t Outputs>
 void convertRow(const Convert& convert, Sources<Inputs> in, Targets<Outputs> out,
                 std::size_t count) {

@@ -19,7 +19,7 @@ using namespace hwy::HWY_NAMESPACE;
 
 using Words = ScalableTag<std::int16_t>;
 
-// A number in 2.14 fixed point as 256 * high + low.
+// A whole number as 256 * high + low, such as one in 2.14 fixed point.
 struct Digits {
   Digits(std::int32_t number)
       : high(static_cast<std::int16_t>((number + 128) >> 8)),

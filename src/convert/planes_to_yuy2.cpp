@@ -85,7 +85,7 @@ class RgbRow {
  public:
   explicit RgbRow(const std::array<const SampleOf<Id>*, 3>& planes) : planes_(planes) {}
 
-  // `count` groups from the pixels at `pixel` and at `pixel + step`, moving on by one pixel a group.
+  // `count` groups from the pixels at `pixel` and `pixel + step`, moving on by one pixel a group.
   void packGroups(std::ptrdiff_t pixel, std::ptrdiff_t step, std::uint8_t* out, std::size_t count) {
     RgbPairSources rgb;
     for (std::size_t i = 0; i < 3; ++i) {

@@ -119,7 +119,8 @@ class Divided {
   float span_;
 };
 
-// Any range of a type of 8 bits: all 256 results are computed once and looked up.
+// Any range of a type of 8 bits: all 256 results are computed and then looked up. Worth it for long
+// rows.
 class LookedUp {
  public:
   template <class Sample>
@@ -230,8 +231,8 @@ struct ZeroOrWhite {
 
 // ---- rows ---------------------------------------------------------------------------------------
 
-// How far ahead samples are asked for. Measured: 256 bytes gain a thirtieth where samples are large;
-// more loses, above all around a kilobyte.
+// How far ahead samples are asked for. Measured: 256 bytes gain a thirtieth where samples are
+// large; more loses, above all around a kilobyte.
 constexpr std::size_t kBytesAhead = 256;
 
 // A row shorter than a vector goes through a padded one.
@@ -247,8 +248,9 @@ void scaleShortRow(const Scale& scale, const Sample* samples, std::uint8_t* out,
   std::memcpy(out, bytes, count);
 }
 
-// The only place that stores and knows of ends. After the first vector the reading goes on where
-// the memory's alignment is best; the last vector overlaps the one before it.
+// This and the short row are the only places that store and know of ends. After the first vector
+// the reading goes on where the memory's alignment is best; the last vector overlaps the one before
+// it.
 template <class Scale, class Sample>
 void scaleRow(const Scale& scale, const Sample* samples, std::uint8_t* out, std::size_t count) {
   const DFromV<decltype(scale(samples))> values;
@@ -262,6 +264,9 @@ void scaleRow(const Scale& scale, const Sample* samples, std::uint8_t* out, std:
   }
   StoreU(scale(samples + count - lanes), values, out + count - lanes);
 }
+
+// From so many samples on, making the table costs less than it saves.
+constexpr std::size_t kWorthLookingUp = 1024;
 
 // Ranges are pixkit's.
 template <std::uint32_t Id, class Scale>
@@ -290,14 +295,13 @@ auto naturalScale() {
 
 // And when it is any other.
 template <std::uint32_t Id>
-auto otherScale() {
+void scaleOtherRange(const SampleOf<Id>* samples, std::uint8_t* out, std::size_t count) {
   const SampleRange<Id> range;
   const Divided divided(range.min(), range.span());
-  if constexpr (sizeof(SampleOf<Id>) == 1) {
-    return LookedUp(divided, static_cast<const SampleOf<Id>*>(nullptr));
-  } else {
-    return divided;
+  if constexpr (sizeof *samples == 1) {
+    if (count >= kWorthLookingUp) return scaleRow(LookedUp(divided, samples), samples, out, count);
   }
+  scaleRow(divided, samples, out, count);
 }
 
 template <std::uint32_t Id>
@@ -310,7 +314,7 @@ void scaleSamples(const void* row, std::uint8_t* out, std::size_t count) {
     if (isRangeOf<Id>(natural)) {
       scaleRow(natural, samples, out, count);
     } else {
-      scaleRow(otherScale<Id>(), samples, out, count);
+      scaleOtherRange<Id>(samples, out, count);
     }
   }
 }

@@ -101,12 +101,15 @@ class Packer {
   }
 
   void packOneByOne() const {
-    for (std::size_t e = 0; e < width_ * height_; ++e) {
-      std::uint8_t* const pixel = pixels_ + 4 * (e % height_ * width_ + e / height_);
-      pixel[0] = blue_[e];
-      pixel[1] = green_[e];
-      pixel[2] = red_[e];
-      pixel[3] = 0xFF;
+    for (std::size_t column = 0; column < width_; ++column) {
+      std::size_t e = column * height_;
+      std::uint8_t* pixel = pixels_ + 4 * column;
+      for (std::size_t row = 0; row < height_; ++row, ++e, pixel += 4 * width_) {
+        pixel[0] = blue_[e];
+        pixel[1] = green_[e];
+        pixel[2] = red_[e];
+        pixel[3] = 0xFF;
+      }
     }
   }
 

@@ -1,5 +1,5 @@
-// Columns of 4-byte groups, each byte of a group from a run of its own, stored as rows: pixels for a
-// texture and YUY2 alike. Re-included for each instruction set.
+// Columns of 4-byte groups, each byte of a group from a run of its own, stored as rows: pixels for
+// a texture and YUY2 alike. Re-included for each instruction set.
 #if defined(FRAMESINK_GROUP_COLUMNS_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef FRAMESINK_GROUP_COLUMNS_INL
 #undef FRAMESINK_GROUP_COLUMNS_INL
@@ -22,16 +22,16 @@ using namespace hwy::HWY_NAMESPACE;
 // Columns that are stored side by side.
 constexpr std::size_t kTileColumns = 4;
 
-// Rows of a tile: what a vector of 16 bytes holds of a column. Wider vectors were tried: the lines of
-// the cache, not the operations, are what a tile costs.
+// Rows of a tile: what a vector of 16 bytes holds of a column. Wider vectors were tried: the lines
+// of the cache, not the operations, are what a tile costs.
 using TileRows = CappedTag<std::uint8_t, 16>;
 constexpr std::size_t kTileRows = 16;
 
 // Whether this instruction set has vectors that a tile can be made of.
 constexpr bool kHasTiles = MaxLanes(TileRows()) == kTileRows;
 
-// The bytes of one column's groups, in the order in which they are stored. No struct: GCC compiles a
-// struct's own constructor for the wrong instruction set on ARM.
+// The bytes of one column's groups, in the order in which they are stored. Not a struct that holds
+// such an array: GCC compiles its default constructor for the wrong instruction set on ARM.
 template <class D>
 using GroupColumn = Vec<D>[4];
 

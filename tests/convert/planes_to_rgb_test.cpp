@@ -42,6 +42,22 @@ TEST(PlanesToRgb, AllFivePixelsOfAFiveByOneFrameAreWritten) {
             (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
 }
 
+// Only when all three planes are one is it scaled once.
+TEST(PlanesToRgb, AnyTwoPlanesMayBeOne) {
+  const ConversionKernel kernel = selectConversionKernel(kInputRgb, kOutputRgbPlanes, kUint8);
+  const Bytes a{1, 2};
+  const Bytes b{3, 4};
+  Bytes out(6);
+  kernel(a.data(), a.data(), b.data(), out.data(), 2, 1, 1);
+  EXPECT_EQ(out, (Bytes{1, 2, 1, 2, 3, 4}));
+  kernel(a.data(), b.data(), a.data(), out.data(), 2, 1, 1);
+  EXPECT_EQ(out, (Bytes{1, 2, 3, 4, 1, 2}));
+  kernel(b.data(), a.data(), a.data(), out.data(), 2, 1, 1);
+  EXPECT_EQ(out, (Bytes{3, 4, 1, 2, 1, 2}));
+  kernel(a.data(), a.data(), a.data(), out.data(), 2, 1, 1);
+  EXPECT_EQ(out, (Bytes{1, 2, 1, 2, 1, 2}));
+}
+
 TEST(PlanesToRgb, IntensityGivesThreeIdenticalPlanes) {
   const Planes<kUint8> planes{{{3, 1, 4, 1, 5, 9}, {}, {}}};
   EXPECT_EQ(runToRgb<kUint8>(kInputIntensity, planes, Bytes(18, 77), {3, 2}),
