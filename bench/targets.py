@@ -85,4 +85,33 @@ TARGETS = [
     Target("idle pass", "bare loop of lock, poll, unlock, sleep", 1.15),
 ]
 
-NOTES = ""
+NOTES = """How the rows are measured:
+
+- *In another range*: the kernel in a process whose pixkit declares other ranges, beside the same kernel in
+  a process with the natural ones, each counted in memcpys of its own process. The ratio is that of the two
+  counts.
+- *YCbCr uint8 to RGB planes*: ours reads column-major planes, libyuv as many bytes of row-major ones; it
+  writes four bytes a pixel where ours writes three, and rounds differently (checked: by 3 steps at most).
+- *libUpdate*: the display thread has shown its last frame and sleeps, and the peer's window shows its own,
+  before either is timed; the memory of both has left the caches by then. The peer is given the same
+  column-major planes: OpenCV converts doubles to bytes, transposes, merges, `imshow`, `waitKey(1)`; CImg
+  transposes, normalises doubles, `display`.
+- *p99.9 of four windows*: 60 rounds a second for a minute, the memcpys right after each update in the same
+  thread, with everything drawing meanwhile.
+- *Shown frames*: slices of 0.8 s by turns, one window open at a time. Ours counts what SDL has presented,
+  the peers every call; each slice ends when its last frame is seen on the screen.
+- *Idle pass*: processor time of the display thread a pass, beside lock, `SDL_PollEvent`, unlock,
+  `SDL_Delay(1)` in a bare loop on the same window.
+
+Where a target is missed:
+
+- *YCbCr to RGB beside libyuv*: our bytes are those of 14 bits after the point, which takes two words of 16
+  bits for each colour; libyuv has 6 bits after the point and one word. On AVX2 that is 4.3 instructions a
+  pixel for ours and 2.3 for libyuv's (callgrind, 320x240). Single precision was
+  tried before and took three times as long.
+- *libUpdate beside OpenCV's and CImg's windows*: the two copies that a frame needs at least (the row above
+  with two memcpys) are all that libUpdate costs. The factor is what the peer takes for its own work on this
+  machine over those two copies.
+- *Shown frames beside OpenCV*: a frame is packed, then SDL clears, copies and presents it and waits for the
+  X server, and the display thread sleeps 1 ms. Sleep and SDL alone take most of the frame's time; packing
+  is the row *planes to ARGB8888*."""
