@@ -16,6 +16,7 @@ import sys
 from collections import defaultdict
 from pathlib import Path
 
+import plot
 import targets
 
 ROOT = Path(__file__).resolve().parent.parent
@@ -143,7 +144,6 @@ Beside memcpy of as many bytes as the kernel reads and writes.
 
 
 def write_page(results, rows, kernels, rounds):
-    import plot
     plot.draw(results, PLOT)
     PAGE.write_text(PAGE_TEXT.format(
         cpu=cpu_name(), cores=os.cpu_count(), compiler=first_line("c++", "--version"),
