@@ -96,8 +96,8 @@ NOTES = """How the rows are measured:
   before either is timed; the memory of both has left the caches by then. The peer is given the same
   column-major planes: OpenCV converts doubles to bytes, transposes, merges, `imshow`, `waitKey(1)`; CImg
   transposes, normalises doubles, `display`.
-- *p99.9 of four windows*: 60 rounds a second for a minute, the memcpys right after each update in the same
-  thread, with everything drawing meanwhile.
+- *p99.9 of four windows*: 60 rounds a second, more than 10,000 updates, the memcpys right after each update
+  in the same thread, with everything drawing meanwhile.
 - *Shown frames*: slices of 0.8 s by turns, one window open at a time. Ours counts what SDL has presented,
   the peers every call; each slice ends when its last frame is seen on the screen.
 - *Idle pass*: processor time of the display thread a pass, beside lock, `SDL_PollEvent`, unlock,
@@ -107,8 +107,10 @@ Where a target is missed:
 
 - *YCbCr to RGB beside libyuv*: our bytes are those of 14 bits after the point, which takes two words of 16
   bits for each colour; libyuv has 6 bits after the point and one word. On AVX2 that is 4.3 instructions a
-  pixel for ours and 2.3 for libyuv's (callgrind, 320x240). Single precision was
-  tried before and took three times as long.
+  pixel for ours and 2.3 for libyuv's (callgrind, 320x240). Single precision was tried before and took three
+  times as long.
+- *YCbCr to YUY2 beside libyuv*, *packing beside libyuv*: by some hundredths, and not in every run. Both
+  move bytes only and differ in how they shuffle them; nothing further was tried.
 - *libUpdate beside OpenCV's and CImg's windows*: the two copies that a frame needs at least (the row above
   with two memcpys) are all that libUpdate costs. The factor is what the peer takes for its own work on this
   machine over those two copies.
