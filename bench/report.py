@@ -119,8 +119,11 @@ KERNEL_HEAD = ["kernel", "ms", "memcpy, ms", "ratio"]
 
 PAGE_TEXT = """# What it costs
 
-Written by `./dev bench --peers`; do not edit. {cpu}, {cores} cores, {compiler}. Frames of 1920x1080 in
-column-major planes unless said otherwise, one thread, windows on Xvfb. Times are in milliseconds.
+Written by `./dev bench --peers`; do not edit.
+Machine: {cpu}, {cores} cores. Compiler: {compiler}.
+
+Frames of 1920x1080 in column-major planes unless said otherwise, one thread, windows on Xvfb. Times are
+in milliseconds.
 
 Every row compares two things that took turns: ours and the limit that memory sets (memcpy of as many
 bytes), ours and a peer that was asked for the same picture, or two of ours. Results were compared with

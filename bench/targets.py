@@ -105,6 +105,8 @@ NOTES = """How the rows are measured:
 
 Where a target is missed:
 
+- *RGB planes single* and *RGB planes double*: both sides wait for memory, ours a hundredth this side of the
+  limit or that from run to run.
 - *YCbCr to RGB beside libyuv*: our bytes are those of 14 bits after the point, which takes two words of 16
   bits for each colour; libyuv has 6 bits after the point and one word. On AVX2 that is 4.3 instructions a
   pixel for ours and 2.3 for libyuv's (callgrind, 320x240). Single precision was tried before and took three
