@@ -9,6 +9,7 @@
 #include "conversion.hpp"
 #include "convert/sample_types.hpp"
 #include "demand.hpp"
+#include "measured_frame.hpp"
 #include "packing.hpp"
 #include "plain_loop.hpp"
 

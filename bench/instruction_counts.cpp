@@ -13,7 +13,7 @@ int main() {
   std::printf("%s\n", instructionSets().front().name.c_str());
   for (const KernelCase& test : kernelCases()) {
     const std::string name = nameOf(test);
-    bench::Conversion conversion(test, kSmallFrame);
+    Conversion conversion(test, kSmallFrame);
     conversion.run();
     CALLGRIND_ZERO_STATS;
     conversion.run();

@@ -8,6 +8,7 @@
 #include "alternating.hpp"
 #include "conversion.hpp"
 #include "demand.hpp"
+#include "measured_frame.hpp"
 #include "pixkit/pixkit.h"
 
 namespace framesink::bench {

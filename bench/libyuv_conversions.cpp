@@ -10,6 +10,7 @@
 #include "conversion.hpp"
 #include "convert/sample_types.hpp"
 #include "demand.hpp"
+#include "measured_frame.hpp"
 #include "packing.hpp"
 
 namespace framesink::bench {

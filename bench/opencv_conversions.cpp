@@ -8,6 +8,7 @@
 #include "conversion.hpp"
 #include "convert/sample_types.hpp"
 #include "demand.hpp"
+#include "measured_frame.hpp"
 
 namespace framesink::bench {
 namespace {

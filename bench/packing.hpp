@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "conversion.hpp"
+#include "measured_frame.hpp"
 
 namespace framesink::bench {
 

@@ -24,29 +24,37 @@ def draw_kernels(axes, results):
     axes.legend()
 
 
-def draw_sizes(axes, results):
-    for counter, label in (("ours", "libUpdate"), ("other", TWO_MEMCPYS)):
-        costs = [1e6 * results.median((f"libUpdate of {w}x{h}", TWO_MEMCPYS), counter) / (w * h)
-                 for w, h in SIZES]
-        axes.plot([w * h / 1e6 for w, h in SIZES], costs, marker="o", label=label)
-    axes.set_xscale("log")
+def draw_lines(axes, places, lines):
+    """Lines through `places`: (label, values)."""
+    for label, values in lines:
+        axes.plot(places, values, marker="o", label=label)
     axes.set_ylim(bottom=0)
+    axes.legend()
+
+
+def draw_sizes(axes, results):
+    def costs(counter):
+        return [1e6 * results.median((f"libUpdate of {w}x{h}", TWO_MEMCPYS), counter) / (w * h)
+                for w, h in SIZES]
+
+    draw_lines(axes, [w * h / 1e6 for w, h in SIZES],
+               [("libUpdate", costs("ours")), (TWO_MEMCPYS, costs("other"))])
+    axes.set_xscale("log")
     axes.set_xlabel("million pixels a frame")
     axes.set_ylabel("nanoseconds a pixel")
     axes.set_title("One uint8 window, by frame size")
-    axes.legend()
 
 
 def draw_windows(axes, results):
-    other = "two memcpys of each window's frame"
-    for counter, label in (("ours", "one libUpdate each"), ("other", "two memcpys each")):
-        costs = [results.median((f"libUpdate round of {n} windows", other), counter) for n in WINDOWS]
-        axes.plot(WINDOWS, costs, marker="o", label=label)
-    axes.set_ylim(bottom=0)
+    def costs(counter):
+        return [results.median((f"libUpdate round of {n} windows",
+                                "two memcpys of each window's frame"), counter) for n in WINDOWS]
+
+    draw_lines(axes, WINDOWS,
+               [("one libUpdate each", costs("ours")), ("two memcpys each", costs("other"))])
     axes.set_xlabel("windows of 640x480")
     axes.set_ylabel("milliseconds a round")
     axes.set_title("By number of windows")
-    axes.legend()
 
 
 def draw(results, path):

@@ -8,7 +8,7 @@
 #include "convert/sample_types.hpp"
 #include "sample_pool.hpp"
 
-namespace framesink::bench {
+namespace framesink {
 namespace {
 
 KernelCase caseOf(std::string_view family, std::uint32_t dataType) {
@@ -77,4 +77,4 @@ std::size_t Conversion::bytesReadAndWritten() const {
   return planes_[0].size() + planes_[1].size() + planes_[2].size() + out_.size();
 }
 
-}  // namespace framesink::bench
+}  // namespace framesink

@@ -7,15 +7,7 @@
 
 #include "kernel_cases.hpp"
 
-namespace framesink::bench {
-
-// The frame that everything is measured on.
-constexpr int kWidth = 1920;
-constexpr int kHeight = 1080;
-constexpr int kPixels = kWidth * kHeight;
-
-constexpr oracle::Frame kColumnMajor{kWidth, kHeight, 1};
-constexpr oracle::Frame kRowMajor{kWidth, kHeight, 0};
+namespace framesink {
 
 class Conversion {
  public:
@@ -45,4 +37,4 @@ class Conversion {
   std::vector<std::uint8_t> out_;
 };
 
-}  // namespace framesink::bench
+}  // namespace framesink
