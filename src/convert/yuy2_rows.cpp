@@ -16,16 +16,13 @@ namespace {
 
 using namespace hwy::HWY_NAMESPACE;
 
-struct GroupPacking {
+struct PackGroups {
   using Bytes = ScalableTag<std::uint8_t>;
+  static constexpr std::array<std::size_t, 4> kInputBytes{1, 1, 1, 1};
   static constexpr std::size_t kOutputBytes = 4;
   static constexpr std::size_t kMostLanes = MaxLanes(Bytes());
 
   static std::size_t lanes() { return Lanes(Bytes()); }
-};
-
-struct PackGroups : GroupPacking {
-  static constexpr std::array<std::size_t, 4> kInputBytes{1, 1, 1, 1};
 
   void operator()(const Sources<4>& in, const Targets<1>& out) const {
     const Bytes d;
@@ -34,14 +31,24 @@ struct PackGroups : GroupPacking {
   }
 };
 
-struct PackPairs : GroupPacking {
+// Pairs of luma are words of their own: Y0 is the low byte.
+struct PackPairs {
+  using Words = ScalableTag<std::uint16_t>;
   static constexpr std::array<std::size_t, 3> kInputBytes{2, 1, 1};
+  static constexpr std::size_t kOutputBytes = 4;
+  static constexpr std::size_t kMostLanes = MaxLanes(Words());
+
+  static std::size_t lanes() { return Lanes(Words()); }
 
   void operator()(const Sources<3>& in, const Targets<1>& out) const {
-    const Bytes d;
-    Vec<Bytes> y0, y1;
-    LoadInterleaved2(d, in[0], y0, y1);
-    StoreInterleaved4(y0, LoadU(d, in[1]), y1, LoadU(d, in[2]), d, out[0]);
+    const Words d;
+    const Rebind<std::uint8_t, Words> bytes;
+    const auto luma = LoadU(d, reinterpret_cast<const std::uint16_t*>(in[0]));
+    const auto cb = PromoteTo(d, LoadU(bytes, in[1]));
+    const auto cr = PromoteTo(d, LoadU(bytes, in[2]));
+    StoreInterleaved2(Or(And(luma, Set(d, 0xff)), ShiftLeft<8>(cb)),
+                      Or(ShiftRight<8>(luma), ShiftLeft<8>(cr)), d,
+                      reinterpret_cast<std::uint16_t*>(out[0]));
   }
 };
 
