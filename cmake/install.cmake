@@ -1,0 +1,37 @@
+# What `cmake --install` puts where, by component: library, development, tools.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/framesink)
+
+# The library finds the stand-in beside itself; whatever the loader's path has first takes its place.
+set_target_properties(framesink PROPERTIES INSTALL_RPATH $ORIGIN)
+install(TARGETS framesink
+  EXPORT framesinkTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+install(FILES include/framesink/framesink.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framesink COMPONENT development)
+if(NOT FRAMESINK_PIXKIT)
+  install(TARGETS pixkit LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
+  install(FILES pixkit/include/pixkit/pixkit.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/pixkit COMPONENT development)
+endif()
+
+install(EXPORT framesinkTargets
+  NAMESPACE framesink:: DESTINATION ${package_folder} COMPONENT development)
+configure_package_config_file(packaging/framesinkConfig.cmake.in
+  ${CMAKE_BINARY_DIR}/framesinkConfig.cmake INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/framesinkConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(
+  FILES ${CMAKE_BINARY_DIR}/framesinkConfig.cmake ${CMAKE_BINARY_DIR}/framesinkConfigVersion.cmake
+  DESTINATION ${package_folder} COMPONENT development)
+# Relative, so that an installed tree may be moved.
+file(RELATIVE_PATH pc_to_prefix /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
+configure_file(packaging/framesink.pc.in ${CMAKE_BINARY_DIR}/framesink.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/framesink.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(FRAMESINK_PLAY)
+  install(TARGETS framesink-play RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
