@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "../display/allocations.hpp"
-#include "../display/foreign_leaks.hpp"
+#include "support/foreign_leaks.hpp"
 
 extern "C" SDL_Thread* __real_SDL_CreateThread(SDL_ThreadFunction body, const char* name,
                                                void* data);

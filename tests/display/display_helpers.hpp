@@ -10,8 +10,8 @@
 
 #include "display/sdl_server.hpp"
 #include "frames.hpp"
-#include "sdl_spy.hpp"
 #include "support/scoped_variable.hpp"
+#include "support/sdl_recorder.hpp"
 #include "support/x_client.hpp"
 
 namespace framesink {
@@ -32,7 +32,7 @@ namespace framesink::test {
 class DummyVideoTest : public testing::Test {
  protected:
   ScopedVariable driver{"SDL_VIDEODRIVER", "dummy"};
-  SdlSpy spy;
+  SdlRecorder recorder;
 };
 
 inline constexpr Size kFrameSize{64, 48};

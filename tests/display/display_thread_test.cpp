@@ -7,9 +7,9 @@
 #include <string>
 
 #include "display_helpers.hpp"
-#include "sdl_spy.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/os_facts.hpp"
+#include "support/sdl_recorder.hpp"
 #include "support/wait_until.hpp"
 
 namespace framesink::test {
@@ -79,7 +79,7 @@ TEST_F(DisplayThreadTest, IsAwaitedToTheDeadlineOnly) {
 }
 
 TEST_F(DisplayThreadTest, TellsThatItCouldNotBeStarted) {
-  spy.refuse("SDL_CreateThread");
+  recorder.refuse("SDL_CreateThread");
   const CaptureStderr said;
   start();
   EXPECT_EQ(said.text(), "Internal error: SDL_CreateThread failed: refused by the test\n");
@@ -89,11 +89,11 @@ TEST_F(DisplayThreadTest, TellsThatItCouldNotBeStarted) {
 
 TEST_F(DisplayThreadTest, IsNeitherJoinedNorDetached) {
   start();
-  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateThread"), 1U);
   mayEnd = true;
   EXPECT_TRUE(thread.awaitEnd(inTime()));
-  EXPECT_EQ(spy.count("SDL_WaitThread"), 0U);
-  EXPECT_EQ(spy.count("SDL_DetachThread"), 0U);
+  EXPECT_EQ(recorder.count("SDL_WaitThread"), 0U);
+  EXPECT_EQ(recorder.count("SDL_DetachThread"), 0U);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "sdl_spy.hpp"
+#include "support/sdl_recorder.hpp"
 #include "support/wait_until.hpp"
 
 namespace framesink::test {
@@ -13,8 +13,8 @@ namespace framesink::test {
 // Holds the display thread before its next call of an SDL function until release() or the end.
 class Hold {
  public:
-  Hold(SdlSpy& spy, const std::string& function)
-      : hook_(spy.before(function, [this](const SdlCall&) {
+  Hold(SdlRecorder& recorder, const std::string& function)
+      : hook_(recorder.before(function, [this](const SdlCall&) {
           if (!isDisplayThread()) return;
           reached_ = true;
           while (!released_) std::this_thread::sleep_for(std::chrono::milliseconds(1));

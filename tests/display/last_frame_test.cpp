@@ -23,7 +23,7 @@ class LastFrameTest : public BareXTest {
   SdlServer display{/*threaded=*/true};
 };
 
-// No spy here: the wrappers must not slow the display down.
+// No recorder here: the wrappers must not slow the display down.
 TEST_F(LastFrameTest, IsOnTheScreenAfterEveryBurst) {
   const std::uint32_t player = addPlayer(display);
   const Window window = x.waitForWindow("player");

@@ -31,9 +31,9 @@ struct PassStepper::Turnstile {
   }
 };
 
-PassStepper::PassStepper(SdlSpy& spy)
+PassStepper::PassStepper(SdlRecorder& recorder)
     : turnstile_(std::make_unique<Turnstile>()),
-      hook_(spy.before("SDL_LockMutex", [turnstile = turnstile_.get()](const SdlCall&) {
+      hook_(recorder.before("SDL_LockMutex", [turnstile = turnstile_.get()](const SdlCall&) {
         if (isDisplayThread()) turnstile->pass();
       })) {}
 

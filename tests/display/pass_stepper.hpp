@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "sdl_spy.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 
@@ -12,7 +12,7 @@ namespace framesink::test {
 // to go on; the destructor lets it run free again. Hooks on to SDL_LockMutex.
 class PassStepper {
  public:
-  explicit PassStepper(SdlSpy& spy);
+  explicit PassStepper(SdlRecorder& recorder);
   ~PassStepper();
   PassStepper(const PassStepper&) = delete;
   PassStepper& operator=(const PassStepper&) = delete;

@@ -45,10 +45,10 @@ class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterf
   bool isFullscreen() const {
     return server().isPlayerFullscreen(static_cast<std::uint32_t>(player()));
   }
-  std::size_t windowsMade() const { return spy.count("SDL_CreateWindow"); }
+  std::size_t windowsMade() const { return recorder.count("SDL_CreateWindow"); }
   // x, y, width, height of the window made last.
   Numbers madeAt() const {
-    const Numbers arguments = spy.last("SDL_CreateWindow").arguments;
+    const Numbers arguments = recorder.last("SDL_CreateWindow").arguments;
     return {arguments.begin() + 1, arguments.end() - 1};
   }
 
@@ -58,7 +58,7 @@ class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterf
     if (record()->synchronous != 0) deliver(server(), kNoPlayer, plainFrame(kFrameSize, 0));
   }
   std::uint32_t lastWindowId() const {
-    return static_cast<std::uint32_t>(spy.last("SDL_GetWindowID").result);
+    return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
   }
   void userMovesAndResizes() {
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
@@ -95,14 +95,14 @@ TEST_P(RegistrySetupTest, RegistersWithoutOpening) {
   EXPECT_EQ(player(), -1);
   EXPECT_EQ(record()->frameSize(), kFrameSize);
   EXPECT_EQ(record()->synchronous, GetParam());
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
   EXPECT_EQ(existingServer(GetParam()), nullptr);
 }
 
 TEST_P(RegistrySetupTest, OpensAtTheFramesSizeUnderTheTitle) {
   apply(setup());
   EXPECT_EQ(player(), 0);
-  EXPECT_EQ(spy.last("SDL_CreateWindow").texts, Names{"title"});
+  EXPECT_EQ(recorder.last("SDL_CreateWindow").texts, Names{"title"});
   EXPECT_EQ(madeAt(), (Numbers{60, 80, 64, 48}));
   EXPECT_FALSE(isFullscreen());
 }
@@ -137,7 +137,7 @@ TEST_P(RegistrySetupTest, TakesNameAndTitleWithBlanksForLineFeeds) {
   registry.setupVideoWindow(wish);
   ASSERT_NE(registry.findVideoWindow("a b"), nullptr);
   EXPECT_TRUE(waitUntil([&] { return windowsMade() == 1; }));
-  EXPECT_EQ(spy.last("SDL_CreateWindow").texts, Names{"c d"});
+  EXPECT_EQ(recorder.last("SDL_CreateWindow").texts, Names{"c d"});
 }
 
 TEST_P(RegistrySetupTest, TakesAFrameWithoutPixels) {
@@ -181,7 +181,7 @@ TEST_P(RegistrySetupTest, AnUnchangedWindowStaysWhateverTitlePlaceOrOpeningIsAsk
   EXPECT_EQ(player(), 0);
   EXPECT_TRUE(isOpen());
   EXPECT_EQ(geometry()->position, kPlace);
-  EXPECT_EQ(spy.count("SDL_SetWindowTitle"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
 }
 
 TEST_P(RegistrySetupTest, AMovedWindowStays) {
@@ -320,7 +320,7 @@ TEST_P(RegistrySetupTest, TheOldWindowIsClosed) {
   WindowSetup wish = setup();
   wish.frameSize = {50, 40};
   apply(wish);
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
 }
 
 TEST_P(RegistrySetupTest, AFreshRecordHasAZeroedFrameBuffer) {

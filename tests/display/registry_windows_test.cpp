@@ -70,7 +70,7 @@ TEST_F(RegistryWindowsTest, AChangedFrameSizeGivesAFreshWindowWhereTheUserLeftTh
   const Window window = apply(wish);
   userMovesAndResizes(window);
   const Geometry left = x.geometry(window);
-  SdlSpy spy;
+  SdlRecorder recorder;
   wish.frameSize = {32, 24};
   registry.setupVideoWindow(wish);
   ASSERT_TRUE(waitUntil([&] { return !x.exists(window); }));
@@ -78,7 +78,7 @@ TEST_F(RegistryWindowsTest, AChangedFrameSizeGivesAFreshWindowWhereTheUserLeftTh
   EXPECT_EQ(x.geometry(fresh).width, 200);
   EXPECT_EQ(x.geometry(fresh).height, 100);
   // The window manager adds its decoration to the place that it is asked for.
-  const auto asked = spy.last("SDL_CreateWindow").arguments;
+  const auto asked = recorder.last("SDL_CreateWindow").arguments;
   EXPECT_EQ((Geometry{static_cast<int>(asked[1]), static_cast<int>(asked[2]),
                       static_cast<int>(asked[3]), static_cast<int>(asked[4])}),
             left);

@@ -12,8 +12,8 @@
 #include "display/sdl_session.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
-#include "sdl_spy.hpp"
 #include "shown_frames.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 namespace {
@@ -52,7 +52,7 @@ TEST_F(SdlPlayerTest, HasNoWindowAtFirst) {
   EXPECT_EQ(player->window(), nullptr);
   EXPECT_FALSE(player->isWindowImpossible());
   EXPECT_FALSE(player->isCloseRequested());
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 0U);
 }
 
 TEST_F(SdlPlayerTest, KnowsWhatItWasMadeWith) {
@@ -66,7 +66,7 @@ TEST_F(SdlPlayerTest, HasItsInitialFrameToShow) {
   make(frame(1));
   EXPECT_TRUE(player->hasNewFrame());
   player->createWindow();
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   player->showNewestFrame();
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(frame(1))});
 }
@@ -89,7 +89,7 @@ TEST_F(SdlPlayerTest, TakesFramesWithoutPixels) {
 
 TEST_F(SdlPlayerTest, ShowsOnlyTheThirdOfThreeFramesSubmittedInOnePass) {
   open(frame(0));
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   for (const std::uint32_t seed : {1, 2, 3}) player->submitFrame(frame(seed).data());
   EXPECT_TRUE(player->hasNewFrame());
   player->showNewestFrame();
@@ -100,7 +100,7 @@ TEST_F(SdlPlayerTest, ShowsOnlyTheThirdOfThreeFramesSubmittedInOnePass) {
 TEST_F(SdlPlayerTest, ShowsEachFrameThatIsServedInTime) {
   open(frame(0));
   for (std::uint32_t seed = 1; seed <= 10; ++seed) {
-    const ShownFrames shown(spy, kFrameSize);
+    const ShownFrames shown(recorder, kFrameSize);
     player->submitFrame(frame(seed).data());
     player->showNewestFrame();
     EXPECT_EQ(shown.last(), pictureOf(frame(seed))) << "frame " << seed;
@@ -110,7 +110,7 @@ TEST_F(SdlPlayerTest, ShowsEachFrameThatIsServedInTime) {
 TEST_F(SdlPlayerTest, ShowsTheLastOfAnyNumberOfFrames) {
   open(frame(0));
   for (std::uint32_t number = 1; number <= 10; ++number) {
-    const ShownFrames shown(spy, kFrameSize);
+    const ShownFrames shown(recorder, kFrameSize);
     for (std::uint32_t i = 1; i <= number; ++i) player->submitFrame(frame(100 * number + i).data());
     player->showNewestFrame();
     EXPECT_EQ(shown.last(), pictureOf(frame(101 * number))) << number << " frames";
@@ -120,7 +120,7 @@ TEST_F(SdlPlayerTest, ShowsTheLastOfAnyNumberOfFrames) {
 TEST_F(SdlPlayerTest, ShowsItsFrameAgainWhenThereIsNoNewOne) {
   open(frame(1));
   ASSERT_FALSE(player->hasNewFrame());
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   player->showNewestFrame();
   EXPECT_EQ(shown.last(), pictureOf(frame(1)));
 }
@@ -128,7 +128,7 @@ TEST_F(SdlPlayerTest, ShowsItsFrameAgainWhenThereIsNoNewOne) {
 TEST_F(SdlPlayerTest, AFrameSubmittedWhileAnotherIsDrawnIsShownNext) {
   open(frame(1));
   bool first = true;
-  const ShownFrames shown(spy, kFrameSize, [&] {
+  const ShownFrames shown(recorder, kFrameSize, [&] {
     if (std::exchange(first, false)) player->submitFrame(frame(2).data());
   });
   player->showNewestFrame();
@@ -140,7 +140,7 @@ TEST_F(SdlPlayerTest, AFrameSubmittedWhileAnotherIsDrawnIsShownNext) {
 
 TEST_F(SdlPlayerTest, OneFrameSubmittedWhileAnotherIsDrawnLeavesThePictureWhole) {
   open(frame(1));
-  const ShownFrames shown(spy, kFrameSize, [&] { player->submitFrame(frame(2).data()); });
+  const ShownFrames shown(recorder, kFrameSize, [&] { player->submitFrame(frame(2).data()); });
   player->showNewestFrame();
   EXPECT_EQ(shown.last(), pictureOf(frame(1)));
 }
@@ -151,7 +151,7 @@ TEST_F(SdlPlayerTest, KeepsACopyOfEachFrame) {
   host = frame(2);
   player->submitFrame(host.data());
   std::fill(host.planes.begin(), host.planes.end(), std::uint8_t{0});
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   player->showNewestFrame();
   EXPECT_EQ(shown.last(), pictureOf(frame(2)));
 }
@@ -159,11 +159,11 @@ TEST_F(SdlPlayerTest, KeepsACopyOfEachFrame) {
 TEST_F(SdlPlayerTest, SubmittingAllocatesNothingAndAsksNothingOfSdl) {
   open(frame(0));
   const Frame next = frame(1);
-  spy.forget();
+  recorder.forget();
   const std::size_t before = allocationCount();
   for (int i = 0; i < 10; ++i) player->submitFrame(next.data());
   EXPECT_EQ(allocationCount(), before);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 // Were the marks changed one by one, a pair from which no frame is ever taken could remain.
@@ -179,7 +179,7 @@ TEST_F(SdlPlayerTest, TakesFramesAfterSeveralThreadsSubmittedAtOnce) {
     submit(2);
     other.join();
     const Frame last = noiseFrame(small, 1000U + static_cast<std::uint32_t>(round));
-    const ShownFrames shown(spy, small);
+    const ShownFrames shown(recorder, small);
     player->submitFrame(last.data());
     player->showNewestFrame();
     ASSERT_EQ(shown.last(), pictureOf(last)) << "round " << round;
@@ -191,20 +191,20 @@ TEST_F(SdlPlayerTest, TakesFramesAfterSeveralThreadsSubmittedAtOnce) {
 TEST_F(SdlPlayerTest, MakesAWindowAsRequested) {
   make(frame(1));
   player->createWindow();
-  const SdlCall window = spy.last("SDL_CreateWindow");
+  const SdlCall window = recorder.last("SDL_CreateWindow");
   EXPECT_EQ(window.texts, Names{"title"});
   EXPECT_EQ(Numbers(window.arguments.begin() + 1, window.arguments.end()),
             (Numbers{60, 80, 320, 240, SDL_WINDOW_RESIZABLE}));
-  const Numbers texture = spy.last("SDL_CreateTexture").arguments;
+  const Numbers texture = recorder.last("SDL_CreateTexture").arguments;
   EXPECT_EQ(Numbers(texture.begin() + 3, texture.end()), (Numbers{64, 48}));
-  EXPECT_EQ(spy.count("SDL_SetWindowFullscreen"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowFullscreen"), 0U);
 }
 
 TEST_F(SdlPlayerTest, MakesAFullScreenWindowFullScreenAndThenShowsIt) {
   make(frame(1), true);
   player->createWindow();
-  const Names order = spy.order();
-  EXPECT_EQ(spy.last("SDL_CreateWindow").arguments[5], 0x228);
+  const Names order = recorder.order();
+  EXPECT_EQ(recorder.last("SDL_CreateWindow").arguments[5], 0x228);
   EXPECT_EQ(Names(order.end() - 2, order.end()),
             (Names{"SDL_SetWindowFullscreen", "SDL_ShowWindow"}));
 }
@@ -212,7 +212,7 @@ TEST_F(SdlPlayerTest, MakesAFullScreenWindowFullScreenAndThenShowsIt) {
 TEST_F(SdlPlayerTest, PublishesItsWindowWhenItIsComplete) {
   make(frame(1), true);
   bool publishedEarly = false;
-  const SdlHook hook = spy.before(
+  const SdlHook hook = recorder.before(
       "SDL_ShowWindow", [&](const SdlCall&) { publishedEarly = player->window() != nullptr; });
   player->createWindow();
   EXPECT_FALSE(publishedEarly);
@@ -220,19 +220,19 @@ TEST_F(SdlPlayerTest, PublishesItsWindowWhenItIsComplete) {
 }
 
 TEST_F(SdlPlayerTest, AWindowThatSdlRefusesCountsAsMade) {
-  spy.refuse("SDL_GetWindowPixelFormat");
+  recorder.refuse("SDL_GetWindowPixelFormat");
   make(frame(1));
   player->createWindow();
   ASSERT_NE(player->window(), nullptr);
   player->showNewestFrame();
   EXPECT_FALSE(player->hasNewFrame());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
 TEST_F(SdlPlayerTest, GivesItsWindowANewTitle) {
   open(frame(1));
   player->setTitle("another");
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"another"});
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
 }
 
 TEST_F(SdlPlayerTest, RemembersThatItIsToClose) {
@@ -243,16 +243,16 @@ TEST_F(SdlPlayerTest, RemembersThatItIsToClose) {
 
 TEST_F(SdlPlayerTest, TakesItsWindowWithIt) {
   open(frame(1));
-  const std::int64_t window = spy.last("SDL_CreateWindow").result;
+  const std::int64_t window = recorder.last("SDL_CreateWindow").result;
   player.reset();
-  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{window});
+  EXPECT_EQ(recorder.last("SDL_DestroyWindow").arguments, Numbers{window});
 }
 
 TEST_F(SdlPlayerTest, GoesWithoutAWindowToo) {
   make(frame(1));
-  spy.forget();
+  recorder.forget();
   player.reset();
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 }  // namespace

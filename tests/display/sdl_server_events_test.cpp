@@ -19,9 +19,9 @@ class SdlServerEventsTest : public ThreadedServerTest {
   void openPlayer(const Opening& opening = {}) {
     player = open(opening);
     window = lastWindowId();
-    passes.emplace(spy);
+    passes.emplace(recorder);
     EXPECT_TRUE(passes->runPasses(2));
-    spy.forget();
+    recorder.forget();
   }
   void passWith(const SDL_Event& event) {
     EXPECT_TRUE(push(event));
@@ -30,7 +30,7 @@ class SdlServerEventsTest : public ThreadedServerTest {
   void passWith(Uint8 kind, int data1 = 0, int data2 = 0) {
     passWith(windowEvent(window, kind, data1, data2));
   }
-  std::size_t drawings() const { return spy.count("SDL_LockTexture"); }
+  std::size_t drawings() const { return recorder.count("SDL_LockTexture"); }
   Size storedSize() const { return server.windowGeometry(player)->size; }
   Position storedPosition() const { return server.windowGeometry(player)->position; }
 
@@ -69,7 +69,7 @@ TEST_F(SdlServerEventsTest, ARedrawUploadsTheWholeNewestFrame) {
   openPlayer();
   deliver(server, player, noiseFrame(kFrameSize, 1));
   ASSERT_TRUE(passes->runPass());
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   passWith(SDL_WINDOWEVENT_EXPOSED);
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 1))});
 }
@@ -78,10 +78,10 @@ TEST_F(SdlServerEventsTest, ARedrawUploadsTheWholeNewestFrame) {
 TEST_F(SdlServerEventsTest, AFrameThatARedrawShowedIsNotShownAgain) {
   openPlayer();
   bool first = true;
-  const SdlHook hook = spy.before("SDL_PollEvent", [&](const SdlCall&) {
+  const SdlHook hook = recorder.before("SDL_PollEvent", [&](const SdlCall&) {
     if (std::exchange(first, false)) deliver(server, player, noiseFrame(kFrameSize, 1));
   });
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   passWith(SDL_WINDOWEVENT_EXPOSED);
   ASSERT_TRUE(passes->runPasses(2));
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 1))});
@@ -168,13 +168,13 @@ TEST_F(SdlServerEventsTest, AnyEventEndsTheDrainWhileThereIsNoPlayer) {
   ASSERT_TRUE(passes->runPasses(3));
   for (int i = 0; i < 3; ++i) push(windowEvent(window, SDL_WINDOWEVENT_EXPOSED));
   for (int i = 0; i < 3; ++i) {
-    spy.forget();
+    recorder.forget();
     ASSERT_TRUE(passes->runPass());
-    ASSERT_EQ(spy.count("SDL_PollEvent"), 1U) << "pass " << i;
-    EXPECT_EQ(spy.last("SDL_PollEvent").result, 1) << "pass " << i;
+    ASSERT_EQ(recorder.count("SDL_PollEvent"), 1U) << "pass " << i;
+    EXPECT_EQ(recorder.last("SDL_PollEvent").result, 1) << "pass " << i;
   }
   ASSERT_TRUE(passes->runPass());
-  EXPECT_EQ(spy.last("SDL_PollEvent").result, 0);
+  EXPECT_EQ(recorder.last("SDL_PollEvent").result, 0);
 }
 
 // ---- Escape ----
@@ -182,8 +182,8 @@ TEST_F(SdlServerEventsTest, AnyEventEndsTheDrainWhileThereIsNoPlayer) {
 TEST_F(SdlServerEventsTest, EscapeReturnsAFullScreenWindowToItsStoredSize) {
   openPlayer({.windowSize = Size{300, 200}, .fullscreen = true});
   passWith(keyEvent(window, SDLK_ESCAPE));
-  EXPECT_EQ(spy.last("SDL_SetWindowFullscreen").arguments[1], 0);
-  const Numbers sized = spy.last("SDL_SetWindowSize").arguments;
+  EXPECT_EQ(recorder.last("SDL_SetWindowFullscreen").arguments[1], 0);
+  const Numbers sized = recorder.last("SDL_SetWindowSize").arguments;
   EXPECT_EQ(Numbers(sized.begin() + 1, sized.end()), (Numbers{300, 200}));
   EXPECT_FALSE(server.isPlayerFullscreen(player));
 }
@@ -191,8 +191,8 @@ TEST_F(SdlServerEventsTest, EscapeReturnsAFullScreenWindowToItsStoredSize) {
 TEST_F(SdlServerEventsTest, EscapeInAWindowedWindowDoesNothing) {
   openPlayer();
   passWith(keyEvent(window, SDLK_ESCAPE));
-  EXPECT_EQ(spy.count("SDL_SetWindowFullscreen"), 0U);
-  EXPECT_EQ(spy.count("SDL_SetWindowSize"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowFullscreen"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowSize"), 0U);
 }
 
 TEST_F(SdlServerEventsTest, OtherKeysAndReleasesLeaveAWindowFullScreen) {
@@ -218,15 +218,15 @@ TEST_F(SdlServerEventsTest, AFullScreenPlayerFirstTakesTheOtherOutOfFullScreen) 
   ASSERT_TRUE(passes->runPass());
   EXPECT_FALSE(server.isPlayerFullscreen(player));
   EXPECT_TRUE(server.isPlayerFullscreen(second));
-  const Names order = spy.order();
+  const Names order = recorder.order();
   const Names begin{"SDL_LockMutex",      "SDL_UnlockMutex",  // addPlayer
                     "SDL_GetWindowFlags", "SDL_SetWindowFullscreen",
                     "SDL_SetWindowSize",  "SDL_GetWindowFlags",
                     "SDL_Delay"};
   ASSERT_GT(order.size(), begin.size());
   EXPECT_EQ(Names(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(begin.size())), begin);
-  EXPECT_EQ(spy.calls("SDL_Delay").front().arguments, Numbers{2});
-  EXPECT_EQ(spy.last("SDL_SetWindowSize").arguments[1], 300);
+  EXPECT_EQ(recorder.calls("SDL_Delay").front().arguments, Numbers{2});
+  EXPECT_EQ(recorder.last("SDL_SetWindowSize").arguments[1], 300);
 }
 
 TEST_F(SdlServerEventsTest, AWindowedPlayerLeavesTheOtherFullScreen) {
@@ -239,19 +239,19 @@ TEST_F(SdlServerEventsTest, AWindowedPlayerLeavesTheOtherFullScreen) {
 TEST_F(SdlServerEventsTest, AFullScreenPlayerWaitsUntilTheOtherHasLeftFullScreen) {
   openPlayer({.fullscreen = true});
   int looks = 0;
-  const SdlHook hook = spy.alter("SDL_GetWindowFlags", [&](std::int64_t flags) {
+  const SdlHook hook = recorder.alter("SDL_GetWindowFlags", [&](std::int64_t flags) {
     return ++looks <= 5 ? flags | SDL_WINDOW_FULLSCREEN : flags;
   });
   addPlayer(server, {.fullscreen = true});
   ASSERT_TRUE(passes->runPass());
   Numbers rests;
-  for (const SdlCall& rest : spy.calls("SDL_Delay")) rests.push_back(rest.arguments[0]);
+  for (const SdlCall& rest : recorder.calls("SDL_Delay")) rests.push_back(rest.arguments[0]);
   EXPECT_EQ(rests, (Numbers{2, 2, 2, 2, 2, 1})) << "four looks, one for good measure, one pass";
 }
 
 TEST_F(SdlServerEventsTest, AFullScreenPlayerDoesNotWaitForAWindowThatSdlKeepsFullScreen) {
   openPlayer({.fullscreen = true});
-  spy.refuse("SDL_SetWindowFullscreen", 1, 1);
+  recorder.refuse("SDL_SetWindowFullscreen", 1, 1);
   const std::uint32_t second = addPlayer(server, {.fullscreen = true});
   ASSERT_TRUE(passes->runPass());
   EXPECT_TRUE(server.isPlayerFullscreen(player));
@@ -260,11 +260,11 @@ TEST_F(SdlServerEventsTest, AFullScreenPlayerDoesNotWaitForAWindowThatSdlKeepsFu
 
 TEST_F(SdlServerEventsTest, TheWaitForTheOtherToLeaveFullScreenEndsWhenTheLibraryLeaves) {
   openPlayer({.fullscreen = true});
-  const SdlHook hook = spy.alter("SDL_GetWindowFlags",
-                                 [](std::int64_t flags) { return flags | SDL_WINDOW_FULLSCREEN; });
+  const SdlHook hook = recorder.alter(
+      "SDL_GetWindowFlags", [](std::int64_t flags) { return flags | SDL_WINDOW_FULLSCREEN; });
   addPlayer(server, {.fullscreen = true});
   passes.reset();
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_Delay") >= 10; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_Delay") >= 10; }));
   EXPECT_TRUE(server.stop());
 }
 

@@ -4,10 +4,10 @@
 
 #include "allocations.hpp"
 #include "events.hpp"
-#include "foreign_leaks.hpp"
 #include "pass_stepper.hpp"
 #include "server_fixtures.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/foreign_leaks.hpp"
 
 namespace framesink::test {
 namespace {
@@ -56,14 +56,14 @@ TEST_F(SdlServerFailureTest, WithoutSdlTheDisplayThreadTellsAndContinues) {
 }
 
 TEST_F(SdlServerFailureTest, AFailedInitialisationStillEnablesTheScreenSaver) {
-  spy.refuse("SDL_Init");
+  recorder.refuse("SDL_Init");
   const CaptureStderr said;
   open();
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
 
 TEST_F(SdlServerFailureTest, WithoutAThreadPlayersNeverGetWindowsAndHostsDoNotWait) {
-  spy.refuse("SDL_CreateThread");
+  recorder.refuse("SDL_CreateThread");
   const CaptureStderr said;
   EXPECT_EQ(addPlayer(server), 0U);
   EXPECT_EQ(addPlayer(server), 1U);
@@ -73,11 +73,11 @@ TEST_F(SdlServerFailureTest, WithoutAThreadPlayersNeverGetWindowsAndHostsDoNotWa
   EXPECT_TRUE(server.hasOpenPlayer(0));
   server.closePlayer(0);
   EXPECT_FALSE(server.hasOpenPlayer(0));
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 0U);
 }
 
 TEST_F(SdlServerFailureTest, WithoutAMutexNobodyIsAddedAndNobodySpins) {
-  spy.refuse("SDL_CreateMutex");
+  recorder.refuse("SDL_CreateMutex");
   EXPECT_EQ(addPlayer(server), kNoPlayer);
   EXPECT_EQ(addPlayer(server), kNoPlayer);
   expectAbsent(0);
@@ -87,16 +87,16 @@ TEST_F(SdlServerFailureTest, WithoutAMutexNobodyIsAddedAndNobodySpins) {
 
 TEST_F(SdlServerFailureTest, ALockThatFailsForeverEndsWhenTheLibraryLeaves) {
   open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.halted());
-  spy.refuse("SDL_LockMutex");
-  const SdlHook hook = spy.before("SDL_Delay", [&](const SdlCall&) { server.beginLeaving(); });
+  recorder.refuse("SDL_LockMutex");
+  const SdlHook hook = recorder.before("SDL_Delay", [&](const SdlCall&) { server.beginLeaving(); });
   EXPECT_EQ(addPlayer(server), kNoPlayer);
-  spy.permit("SDL_LockMutex");
+  recorder.permit("SDL_LockMutex");
 }
 
 TEST_F(SdlServerFailureTest, AWindowThatSdlRefusesCountsAsMade) {
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   const CaptureStderr said;
   const std::uint32_t player = addPlayer(server);
   EXPECT_TRUE(awaitText(said, "Could not create window: refused by the test\n"));
@@ -104,7 +104,7 @@ TEST_F(SdlServerFailureTest, AWindowThatSdlRefusesCountsAsMade) {
 }
 
 TEST_F(SdlServerFailureTest, AFullScreenWindowThatSdlRefusesCountsAsMade) {
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   const CaptureStderr said;
   const std::uint32_t player = addPlayer(server, {.fullscreen = true});
   EXPECT_FALSE(server.isPlayerFullscreen(player));
@@ -113,32 +113,32 @@ TEST_F(SdlServerFailureTest, AFullScreenWindowThatSdlRefusesCountsAsMade) {
 
 TEST_F(SdlServerFailureTest, WithoutRendererOrTextureThePlayerStaysUsable) {
   for (const char* function : {"SDL_CreateRenderer", "SDL_CreateTexture"}) {
-    spy.refuse(function);
+    recorder.refuse(function);
     const CaptureStderr said;
     expectUsable(addPlayer(server));
-    spy.permit(function);
+    recorder.permit(function);
   }
 }
 
 TEST_F(SdlServerFailureTest, APlayerWithoutAnSdlWindowIsClosed) {
-  spy.refuse("SDL_CreateWindow", 1, 1);
+  recorder.refuse("SDL_CreateWindow", 1, 1);
   const CaptureStderr said;
   const std::uint32_t failed = open();
   const std::uint32_t sound = open();
   server.closePlayer(failed);
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPasses(2));
   EXPECT_FALSE(server.windowGeometry(failed));
   EXPECT_TRUE(server.windowGeometry(sound));
 }
 
 TEST_F(SdlServerFailureTest, NoMemoryForAWindowLeavesThePlayerWithoutAndHostsDoNotWait) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   const std::uint32_t first = addPlayer(server);
   ASSERT_TRUE(passes.runPass());
   const std::uint32_t second = addPlayer(server);
   ASSERT_TRUE(passes.runPass(failNextAllocation));  // that of the window
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
   expectAbsent(second);
   EXPECT_TRUE(server.hasOpenPlayer(second));
   EXPECT_TRUE(server.windowGeometry(first));
@@ -160,43 +160,43 @@ class SdlServerLostTextureTest : public SdlServerFailureTest {
   void loseTexture() {
     open();
     open();
-    PassStepper passes(spy);
+    PassStepper passes(recorder);
     ASSERT_TRUE(passes.runPass());
-    spy.refuse("SDL_LockTexture", 1, 1);
+    recorder.refuse("SDL_LockTexture", 1, 1);
     deliver(server, 0, noiseFrame(kFrameSize, 1));
     deliver(server, 1, noiseFrame(kFrameSize, 1));
-    spy.forget();
+    recorder.forget();
     ASSERT_TRUE(passes.runPass());
   }
 };
 
 TEST_F(SdlServerLostTextureTest, ShutsSdlDownAndDrawsNothingMore) {
   loseTexture();
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
-  EXPECT_EQ(spy.count("SDL_RenderPresent"), 0U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(recorder.count("SDL_RenderPresent"), 0U);
 }
 
 TEST_F(SdlServerLostTextureTest, HostsGoOnWithoutHanging) {
   loseTexture();
-  spy.forget();
+  recorder.forget();
   for (const std::uint32_t player : {0U, 1U}) {
     EXPECT_FALSE(server.isPlayerFullscreen(player));
     expectUsable(player);
   }
   for (const char* function : {"SDL_RaiseWindow", "SDL_SetWindowTitle", "SDL_GetWindowFlags"}) {
-    EXPECT_EQ(spy.count(function), 0U) << function;
+    EXPECT_EQ(recorder.count(function), 0U) << function;
   }
 }
 
 TEST_F(SdlServerLostTextureTest, ClosingReleasesNothingOfTheLostSdl) {
   loseTexture();
-  spy.forget();
+  recorder.forget();
   server.closePlayer(0);
   EXPECT_TRUE(server.stop());
   EXPECT_FALSE(server.hasOpenPlayer(1));
   for (const char* function : {"SDL_DestroyWindow", "SDL_DestroyRenderer", "SDL_DestroyTexture"}) {
-    EXPECT_EQ(spy.count(function), 0U) << function;
+    EXPECT_EQ(recorder.count(function), 0U) << function;
   }
 }
 
@@ -204,7 +204,7 @@ TEST_F(SdlServerLostTextureTest, ClosingReleasesNothingOfTheLostSdl) {
 TEST_F(SdlServerLostTextureTest, AWindowOfTheLostSdlGetsNoEventsOfALaterOne) {
   loseTexture();
   const std::uint32_t later = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPasses(2));
   push(windowEvent(lastWindowId(), SDL_WINDOWEVENT_MOVED, 7, 8));
   ASSERT_TRUE(passes.runPass());

@@ -29,7 +29,7 @@ class SdlServerStopTest : public ThreadedServerTest {
  protected:
   Numbers restsOf(int thread) const {
     Numbers rests;
-    for (const SdlCall& call : spy.calls("SDL_Delay")) {
+    for (const SdlCall& call : recorder.calls("SDL_Delay")) {
       if (call.thread == thread) rests.push_back(call.arguments[0]);
     }
     return rests;
@@ -37,7 +37,7 @@ class SdlServerStopTest : public ThreadedServerTest {
 
   // Adds a player and lets the display thread stand where it draws it, in the middle of a pass.
   void holdDisplayThread() {
-    hold.emplace(spy, "SDL_RenderPresent");
+    hold.emplace(recorder, "SDL_RenderPresent");
     addPlayer(server);
     EXPECT_TRUE(hold->isReached());
   }
@@ -51,7 +51,7 @@ class SdlServerStopTest : public ThreadedServerTest {
 
 TEST_F(SdlServerStopTest, WithoutAPlayerThereIsNothingToStop) {
   EXPECT_TRUE(server.stop());
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(SdlServerStopTest, TheThreadIsGoneAfterwards) {
@@ -73,45 +73,45 @@ TEST_F(SdlServerStopTest, TheDisplayThreadDestroysTheWindows) {
   open();
   EXPECT_TRUE(server.stop());
   EXPECT_FALSE(server.hasOpenPlayer(0));
-  const auto destroyed = spy.calls("SDL_DestroyWindow");
+  const auto destroyed = recorder.calls("SDL_DestroyWindow");
   ASSERT_EQ(destroyed.size(), 2U);
   for (const SdlCall& call : destroyed) EXPECT_NE(call.thread, hostThread);
 }
 
 TEST_F(SdlServerStopTest, TheMutexGoesAfterTheLastWindow) {
   open();
-  const std::int64_t mutex = spy.last("SDL_CreateMutex").result;
+  const std::int64_t mutex = recorder.last("SDL_CreateMutex").result;
   EXPECT_TRUE(server.stop());
-  const Names order = spy.order();
+  const Names order = recorder.order();
   EXPECT_EQ(order.back(), "SDL_DestroyMutex");
-  EXPECT_EQ(spy.last("SDL_DestroyMutex").arguments, Numbers{mutex});
+  EXPECT_EQ(recorder.last("SDL_DestroyMutex").arguments, Numbers{mutex});
 }
 
 TEST_F(SdlServerStopTest, DoesNotShutSdlDown) {
   open();
   EXPECT_TRUE(server.stop());
-  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 0U);
 }
 
 TEST_F(SdlServerStopTest, MayBeCalledTwice) {
   open();
   EXPECT_TRUE(server.stop());
-  spy.forget();
+  recorder.forget();
   EXPECT_TRUE(server.stop());
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(SdlServerStopTest, NobodyIsAddedAfterwards) {
   open();
   EXPECT_TRUE(server.stop());
-  spy.forget();
+  recorder.forget();
   EXPECT_EQ(addPlayer(server), kNoPlayer);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(SdlServerStopTest, WaitsInStepsOfTenMillisecondsWhilePlayersAreListed) {
   holdDisplayThread();
-  const SdlHook hook = spy.before("SDL_Delay", [&](const SdlCall& call) {
+  const SdlHook hook = recorder.before("SDL_Delay", [&](const SdlCall& call) {
     if (call.thread == hostThread && restsOf(hostThread).size() >= 3) hold->release();
   });
   EXPECT_TRUE(server.stop());
@@ -122,8 +122,8 @@ TEST_F(SdlServerStopTest, WaitsInStepsOfTenMillisecondsWhilePlayersAreListed) {
 
 TEST_F(SdlServerStopTest, DoesNotRestWithSdlOnceNoPlayerIsListed) {
   server.closePlayer(open());
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
-  std::optional<PassStepper> passes(spy);
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
+  std::optional<PassStepper> passes(recorder);
   ASSERT_TRUE(passes->halted());
   std::atomic<bool> stopped{false};
   std::thread host([&] {
@@ -133,29 +133,29 @@ TEST_F(SdlServerStopTest, DoesNotRestWithSdlOnceNoPlayerIsListed) {
   EXPECT_FALSE(waitUntil([&] { return stopped.load(); }, milliseconds(30)));
   passes.reset();
   host.join();
-  for (const SdlCall& rest : spy.calls("SDL_Delay")) EXPECT_NE(rest.arguments[0], 10);
+  for (const SdlCall& rest : recorder.calls("SDL_Delay")) EXPECT_NE(rest.arguments[0], 10);
 }
 
 // The rests are not made here, so that 20 s of them take no time.
 TEST_F(SdlServerStopTest, WaitsAtMostTwentySecondsForThePlayersToGo) {
   holdDisplayThread();
-  spy.forget();
-  spy.refuse("SDL_Delay");
+  recorder.forget();
+  recorder.refuse("SDL_Delay");
   EXPECT_FALSE(server.stop());
   EXPECT_EQ(restsOf(hostThread), Numbers(2000, 10));
-  EXPECT_EQ(spy.count("SDL_DestroyMutex"), 0U) << "the thread still uses it";
-  spy.permit("SDL_Delay");
+  EXPECT_EQ(recorder.count("SDL_DestroyMutex"), 0U) << "the thread still uses it";
+  recorder.permit("SDL_Delay");
   releaseDisplayThread();
   EXPECT_TRUE(server.stop());
-  EXPECT_EQ(spy.count("SDL_DestroyMutex"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyMutex"), 1U);
 }
 
 TEST_F(SdlServerStopTest, WaitsItsTwentySecondsOnlyOnce) {
   holdDisplayThread();
-  spy.refuse("SDL_Delay");
+  recorder.refuse("SDL_Delay");
   EXPECT_FALSE(server.stop());
-  spy.permit("SDL_Delay");
-  spy.forget();
+  recorder.permit("SDL_Delay");
+  recorder.forget();
   const auto before = Clock::now();
   EXPECT_FALSE(server.stop());
   EXPECT_LT(Clock::now() - before, seconds(5));
@@ -167,7 +167,7 @@ TEST_F(SdlServerStopTest, DoesNotWaitOnTheDisplayThreadItself) {
   std::atomic<bool> stopped{false};
   std::atomic<bool> answer{true};
   std::atomic<int> displayThread{0};
-  const SdlHook hook = spy.before("SDL_RenderPresent", [&](const SdlCall& call) {
+  const SdlHook hook = recorder.before("SDL_RenderPresent", [&](const SdlCall& call) {
     if (stopped) return;
     displayThread = call.thread;
     answer = server.stop();
@@ -182,7 +182,7 @@ TEST_F(SdlServerStopTest, DoesNotWaitOnTheDisplayThreadItself) {
 }
 
 TEST_F(SdlServerStopTest, WithoutAThreadItDoesNotWait) {
-  spy.refuse("SDL_CreateThread");
+  recorder.refuse("SDL_CreateThread");
   const CaptureStderr said;
   addPlayer(server);
   EXPECT_TRUE(server.hasOpenPlayer(0));
@@ -196,7 +196,7 @@ class SdlServerDestructorTest : public DummyVideoTest {};
 
 TEST_F(SdlServerDestructorTest, ShutsSdlDownForAServerThatWasNeverUsedToo) {
   { const SdlServer server(true); }
-  EXPECT_EQ(spy.order(), Names{"SDL_Quit"});
+  EXPECT_EQ(recorder.order(), Names{"SDL_Quit"});
 }
 
 TEST_F(SdlServerDestructorTest, StopsTheServerAndShutsSdlDown) {
@@ -206,9 +206,9 @@ TEST_F(SdlServerDestructorTest, StopsTheServerAndShutsSdlDown) {
     hasWindow(server, 0);
   }
   EXPECT_FALSE(isDisplayThreadThere());
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
-  EXPECT_EQ(spy.order().back(), "SDL_Quit");
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.order().back(), "SDL_Quit");
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
 }
 
 }  // namespace

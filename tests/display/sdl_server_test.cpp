@@ -13,11 +13,11 @@
 #include "events.hpp"
 #include "frames.hpp"
 #include "pass_stepper.hpp"
-#include "sdl_spy.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/os_facts.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 namespace {
@@ -27,7 +27,7 @@ class SdlServerTest : public ThreadedServerTest {
   // The numbers of milliseconds that the display thread slept, one per pass.
   Numbers passRests() const {
     Numbers rests;
-    for (const SdlCall& call : spy.calls("SDL_Delay")) {
+    for (const SdlCall& call : recorder.calls("SDL_Delay")) {
       if (call.thread != hostThread) rests.push_back(call.arguments[0]);
     }
     return rests;
@@ -38,20 +38,20 @@ class SdlServerTest : public ThreadedServerTest {
 
 TEST_F(SdlServerTest, AsksNothingOfSdlBeforeTheFirstPlayer) {
   EXPECT_FALSE(server.hasOpenPlayer(0));
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(SdlServerTest, TheFirstPlayerInitialisesSdlAndStartsTheDisplayThread) {
   addPlayer(server);
   const Names starting{"SDL_Init", "SDL_EnableScreenSaver", "SDL_CreateMutex", "SDL_CreateThread"};
   Names order;
-  for (const SdlCall& call : spy.calls()) {
+  for (const SdlCall& call : recorder.calls()) {
     const bool isStarting =
         std::find(starting.begin(), starting.end(), call.function) != starting.end();
     if (isStarting && call.thread == hostThread) order.push_back(call.function);
   }
   EXPECT_EQ(order, starting);
-  EXPECT_EQ(spy.last("SDL_CreateThread").texts, Names{"sdlVideoPlayers"});
+  EXPECT_EQ(recorder.last("SDL_CreateThread").texts, Names{"sdlVideoPlayers"});
 }
 
 TEST_F(SdlServerTest, AFurtherPlayerStartsNothing) {
@@ -59,7 +59,7 @@ TEST_F(SdlServerTest, AFurtherPlayerStartsNothing) {
   addPlayer(server);
   for (const char* function :
        {"SDL_Init", "SDL_EnableScreenSaver", "SDL_CreateMutex", "SDL_CreateThread"}) {
-    EXPECT_EQ(spy.count(function), 1U) << function;
+    EXPECT_EQ(recorder.count(function), 1U) << function;
   }
 }
 
@@ -67,7 +67,7 @@ TEST_F(SdlServerTest, StartsOneThreadForPlayersAddedAtTheSameTime) {
   std::vector<std::thread> hosts;
   for (int i = 0; i < 4; ++i) hosts.emplace_back([&] { addPlayer(server); });
   for (auto& host : hosts) host.join();
-  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateThread"), 1U);
   for (std::uint32_t player = 0; player < 4; ++player) EXPECT_TRUE(hasWindow(server, player));
 }
 
@@ -82,7 +82,7 @@ TEST_F(SdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
   EXPECT_EQ(addPlayer(server), 1U);
   server.closePlayer(0);
   server.closePlayer(1);
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 2; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 2; }));
   EXPECT_EQ(addPlayer(server), 2U);
   EXPECT_EQ(addPlayer(server), 3U);
 }
@@ -92,12 +92,12 @@ TEST_F(SdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
 TEST_F(SdlServerTest, MakesDrawsAndDestroysWindowsOnTheDisplayThreadAlone) {
   const std::uint32_t player = open();
   deliver(server, player, noiseFrame(kFrameSize, 1));
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_RenderPresent") >= 2; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_RenderPresent") >= 2; }));
   server.closePlayer(player);
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
-  const int displayThread = spy.last("SDL_CreateWindow").thread;
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
+  const int displayThread = recorder.last("SDL_CreateWindow").thread;
   EXPECT_NE(displayThread, hostThread);
-  for (const SdlCall& call : spy.calls()) {
+  for (const SdlCall& call : recorder.calls()) {
     const bool isStart = call.function == "SDL_Init" || call.function == "SDL_WasInit" ||
                          call.function == "SDL_EnableScreenSaver" ||
                          call.function == "SDL_SetHintWithPriority" ||
@@ -111,17 +111,17 @@ TEST_F(SdlServerTest, MakesDrawsAndDestroysWindowsOnTheDisplayThreadAlone) {
 TEST_F(SdlServerTest, AFrameCostsTheHostNoCallOfSdlAndNoAllocation) {
   const std::uint32_t player = open();
   const Frame frame = noiseFrame(kFrameSize, 1);
-  const PassStepper passes(spy);
-  spy.forget();
+  const PassStepper passes(recorder);
+  recorder.forget();
   const std::size_t before = allocationCount();
   deliver(server, player, frame);
   EXPECT_EQ(allocationCount(), before);
-  for (const SdlCall& call : spy.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
+  for (const SdlCall& call : recorder.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
 }
 
 TEST_F(SdlServerTest, OnlyAddPlayerTakesTheLock) {
   const std::uint32_t player = open();
-  spy.forget();
+  recorder.forget();
   deliver(server, player, noiseFrame(kFrameSize, 1));
   server.hasOpenPlayer(player);
   server.windowGeometry(player);
@@ -130,7 +130,7 @@ TEST_F(SdlServerTest, OnlyAddPlayerTakesTheLock) {
   server.renamePlayer(player, "another");
   server.closePlayer(player);
   const auto locksOfTheHost = [&] {
-    const auto locks = spy.calls("SDL_LockMutex");
+    const auto locks = recorder.calls("SDL_LockMutex");
     return std::count_if(locks.begin(), locks.end(),
                          [&](const SdlCall& call) { return call.thread == hostThread; });
   };
@@ -142,7 +142,7 @@ TEST_F(SdlServerTest, OnlyAddPlayerTakesTheLock) {
 // ---- Passes ----
 
 TEST_F(SdlServerTest, RestsOneMillisecondBetweenPassesWithPlayersAndThreeWithout) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   const std::uint32_t player = addPlayer(server);
   ASSERT_TRUE(passes.runPass());
   EXPECT_EQ(passRests().back(), 1);
@@ -153,30 +153,31 @@ TEST_F(SdlServerTest, RestsOneMillisecondBetweenPassesWithPlayersAndThreeWithout
 
 TEST_F(SdlServerTest, APassIsOneLockOneWalkAndOneDrain) {
   open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  spy.forget();
+  recorder.forget();
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.order(), (Names{"SDL_PollEvent", "SDL_UnlockMutex", "SDL_Delay", "SDL_LockMutex"}))
+  EXPECT_EQ(recorder.order(),
+            (Names{"SDL_PollEvent", "SDL_UnlockMutex", "SDL_Delay", "SDL_LockMutex"}))
       << "from behind one lock to the next";
 }
 
 TEST_F(SdlServerTest, MakesTheWindowAndShowsTheInitialFrameInOnePass) {
-  PassStepper passes(spy);
-  const ShownFrames shown(spy, kFrameSize);
+  PassStepper passes(recorder);
+  const ShownFrames shown(recorder, kFrameSize);
   addPlayer(server);
   ASSERT_TRUE(passes.halted());
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 0U);
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(plainFrame(kFrameSize, 0))});
 }
 
 TEST_F(SdlServerTest, ShowsOnlyTheThirdOfThreeFramesDeliveredBetweenTwoPasses) {
   const std::uint32_t player = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   for (const std::uint32_t seed : {1, 2, 3}) deliver(server, player, noiseFrame(kFrameSize, seed));
   ASSERT_TRUE(passes.runPasses(3));
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 3))});
@@ -184,10 +185,10 @@ TEST_F(SdlServerTest, ShowsOnlyTheThirdOfThreeFramesDeliveredBetweenTwoPasses) {
 
 TEST_F(SdlServerTest, ShowsAFrameThatComesWhileAnotherIsDrawnOnTheNextPass) {
   const std::uint32_t player = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
   bool first = true;
-  const ShownFrames shown(spy, kFrameSize, [&] {
+  const ShownFrames shown(recorder, kFrameSize, [&] {
     if (std::exchange(first, false)) deliver(server, player, noiseFrame(kFrameSize, 2));
   });
   deliver(server, player, noiseFrame(kFrameSize, 1));
@@ -197,71 +198,72 @@ TEST_F(SdlServerTest, ShowsAFrameThatComesWhileAnotherIsDrawnOnTheNextPass) {
 
 TEST_F(SdlServerTest, APassWithoutNewFramesDrawsNothing) {
   open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  spy.forget();
+  recorder.forget();
   ASSERT_TRUE(passes.runPasses(3));
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
 TEST_F(SdlServerTest, AFrameOfAnotherSizeIsNotTaken) {
   const std::uint32_t player = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  spy.forget();
+  recorder.forget();
   deliver(server, player, noiseFrame({kFrameSize.height, kFrameSize.width}, 1));
   deliver(server, player, noiseFrame({kFrameSize.width, kFrameSize.height - 1}, 1));
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
 // The walk goes by index, and removal closes the gap.
 TEST_F(SdlServerTest, TheEntryThatMovesDownIsServedOnTheNextPass) {
   const std::uint32_t first = open();
   const std::uint32_t second = open();
-  const std::int64_t secondTexture = spy.last("SDL_CreateTexture").result;
+  const std::int64_t secondTexture = recorder.last("SDL_CreateTexture").result;
   const std::uint32_t third = open();
-  const std::int64_t thirdTexture = spy.last("SDL_CreateTexture").result;
-  PassStepper passes(spy);
+  const std::int64_t thirdTexture = recorder.last("SDL_CreateTexture").result;
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
   server.closePlayer(first);
   deliver(server, second, noiseFrame(kFrameSize, 2));
   deliver(server, third, noiseFrame(kFrameSize, 3));
 
-  spy.forget();
+  recorder.forget();
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
-  EXPECT_EQ(spy.last("SDL_LockTexture").arguments[0], thirdTexture);
-  spy.forget();
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(recorder.last("SDL_LockTexture").arguments[0], thirdTexture);
+  recorder.forget();
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
-  EXPECT_EQ(spy.last("SDL_LockTexture").arguments[0], secondTexture);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(recorder.last("SDL_LockTexture").arguments[0], secondTexture);
 }
 
 TEST_F(SdlServerTest, APassThatCannotHaveTheLockServesNobody) {
   const std::uint32_t player = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  spy.refuse("SDL_LockMutex", 1, 1);
+  recorder.refuse("SDL_LockMutex", 1, 1);
   ASSERT_TRUE(passes.runPass());  // ends before the refused lock
   deliver(server, player, noiseFrame(kFrameSize, 1));
-  spy.forget();
+  recorder.forget();
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.order(), (Names{"SDL_Delay", "SDL_LockMutex"}));
+  EXPECT_EQ(recorder.order(), (Names{"SDL_Delay", "SDL_LockMutex"}));
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 1U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 1U);
 }
 
 TEST_F(SdlServerTest, AddPlayerTriesAFailedLockAgainAfterAMillisecond) {
   open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.halted());
-  spy.forget();
-  spy.refuse("SDL_LockMutex", 1, 3);
+  recorder.forget();
+  recorder.refuse("SDL_LockMutex", 1, 3);
   EXPECT_EQ(addPlayer(server), 1U);
-  EXPECT_EQ(spy.order(), (Names{"SDL_LockMutex", "SDL_Delay", "SDL_LockMutex", "SDL_Delay",
-                                "SDL_LockMutex", "SDL_Delay", "SDL_LockMutex", "SDL_UnlockMutex"}));
-  for (const SdlCall& rest : spy.calls("SDL_Delay")) EXPECT_EQ(rest.arguments, Numbers{1});
+  EXPECT_EQ(recorder.order(),
+            (Names{"SDL_LockMutex", "SDL_Delay", "SDL_LockMutex", "SDL_Delay", "SDL_LockMutex",
+                   "SDL_Delay", "SDL_LockMutex", "SDL_UnlockMutex"}));
+  for (const SdlCall& rest : recorder.calls("SDL_Delay")) EXPECT_EQ(rest.arguments, Numbers{1});
 }
 
 // ---- Closing ----
@@ -269,57 +271,57 @@ TEST_F(SdlServerTest, AddPlayerTriesAFailedLockAgainAfterAMillisecond) {
 TEST_F(SdlServerTest, ACloseButtonAsksAndTheNextPassCloses) {
   const std::uint32_t player = open();
   const std::uint32_t window = lastWindowId();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
   ASSERT_TRUE(push(windowEvent(window, SDL_WINDOWEVENT_CLOSE)));
   EXPECT_TRUE(server.hasOpenPlayer(player));
   ASSERT_TRUE(passes.runPass());
   EXPECT_FALSE(server.hasOpenPlayer(player));
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 0U);
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 TEST_F(SdlServerTest, ClosePlayerAsksAndTheNextPassCloses) {
   const std::uint32_t player = open();
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.halted());
   server.closePlayer(player);
   EXPECT_FALSE(server.hasOpenPlayer(player));
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 0U);
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 TEST_F(SdlServerTest, AClosedPlayerTakesNoFramesAndNothingIsReported) {
   const std::uint32_t player = open();
   server.closePlayer(player);
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
-  PassStepper passes(spy);
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
-  spy.forget();
+  recorder.forget();
   const CaptureStderr said;
   deliver(server, player, noiseFrame(kFrameSize, 1));
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
   EXPECT_EQ(said.text(), "");
 }
 
 TEST_F(SdlServerTest, APlayerClosedBeforeItsFirstPassStillOpensAndCloses) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   server.closePlayer(addPlayer(server));
   ASSERT_TRUE(passes.runPass());
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 TEST_F(SdlServerTest, TheLastPlayersGoingLeavesThreadAndSdlUp) {
   server.closePlayer(open());
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_DestroyWindow") == 1; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
   EXPECT_NE(SDL_WasInit(SDL_INIT_VIDEO), 0U);
-  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 0U);
   EXPECT_TRUE(hasWindow(server, addPlayer(server)));
-  EXPECT_EQ(spy.count("SDL_CreateThread"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateThread"), 1U);
 }
 
 // ---- Asking about players ----
@@ -338,7 +340,7 @@ TEST_F(SdlServerTest, KnowsItsPlayersFrameSizeAndGeometry) {
 
 TEST_F(SdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
   open();
-  spy.forget();
+  recorder.forget();
   const std::uint32_t unknown = 99;
   EXPECT_FALSE(server.hasOpenPlayer(unknown));
   EXPECT_FALSE(server.isPlayerFullscreen(unknown));
@@ -353,21 +355,21 @@ TEST_F(SdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
   server.renamePlayer(unknown, "title");
   server.closePlayer(unknown);
   deliver(server, unknown, noiseFrame(kFrameSize, 1));
-  for (const SdlCall& call : spy.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
+  for (const SdlCall& call : recorder.calls()) EXPECT_NE(call.thread, hostThread) << call.function;
 }
 
 TEST_F(SdlServerTest, WaitsForTheWindowInStepsOfTwoMilliseconds) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   const std::uint32_t player = addPlayer(server);
   ASSERT_TRUE(passes.halted());
-  spy.forget();
+  recorder.forget();
   std::atomic<int> waiter{0};
   std::thread host([&] {
     waiter = static_cast<int>(currentThread());
     EXPECT_EQ(server.getWindowWidth(player), kFrameSize.width);
   });
   const auto restsOfTheWaiter = [&] {
-    const auto rests = spy.calls("SDL_Delay");
+    const auto rests = recorder.calls("SDL_Delay");
     return std::count_if(rests.begin(), rests.end(), [&](const SdlCall& call) {
       return call.thread == waiter && call.arguments == Numbers{2};
     });
@@ -379,34 +381,34 @@ TEST_F(SdlServerTest, WaitsForTheWindowInStepsOfTwoMilliseconds) {
 
 TEST_F(SdlServerTest, RenamesAndRaisesAWindowOnTheHostsThread) {
   const std::uint32_t player = open();
-  const std::int64_t window = spy.last("SDL_CreateWindow").result;
+  const std::int64_t window = recorder.last("SDL_CreateWindow").result;
   server.renamePlayer(player, "another");
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"another"});
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").arguments[0], window);
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").arguments[0], window);
   server.raisePlayer(player);
-  EXPECT_EQ(spy.last("SDL_RaiseWindow").arguments, Numbers{window});
+  EXPECT_EQ(recorder.last("SDL_RaiseWindow").arguments, Numbers{window});
 }
 
 TEST_F(SdlServerTest, AWaitEndsForAPlayerThatIsClosed) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   const std::uint32_t player = addPlayer(server);
   ASSERT_TRUE(passes.halted());
   std::thread host([&] { server.getWindowWidth(player); });
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_Delay") > 0; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_Delay") > 0; }));
   server.closePlayer(player);
   EXPECT_TRUE(passes.runPass());
   host.join();
 }
 
 TEST_F(SdlServerTest, AWaitEndsWhenTheLibraryIsLeaving) {
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   const std::uint32_t player = addPlayer(server);
   ASSERT_TRUE(passes.halted());
   std::thread host([&] {
     EXPECT_EQ(server.getWindowWidth(player), 0U);
     EXPECT_FALSE(server.isPlayerFullscreen(player));
   });
-  EXPECT_TRUE(waitUntil([&] { return spy.count("SDL_Delay") > 0; }));
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_Delay") > 0; }));
   server.beginLeaving();
   host.join();
 }
@@ -414,7 +416,7 @@ TEST_F(SdlServerTest, AWaitEndsWhenTheLibraryIsLeaving) {
 TEST_F(SdlServerTest, AddsNobodyWhileTheLibraryIsLeaving) {
   server.beginLeaving();
   EXPECT_EQ(addPlayer(server), kNoPlayer);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 }  // namespace

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "display_helpers.hpp"
-#include "sdl_spy.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/scoped_variable.hpp"
+#include "support/sdl_recorder.hpp"
 #include "support/wait_until.hpp"
 
 namespace framesink::test {
@@ -34,37 +34,37 @@ class SdlSessionTest : public DummyVideoTest {
 TEST_F(SdlSessionTest, InitialisesVideoAloneAndOnce) {
   initSdlVideo();
   initSdlVideo();
-  ASSERT_EQ(spy.count("SDL_Init"), 1U);
-  EXPECT_EQ(spy.last("SDL_Init").arguments[0], 0x20);
+  ASSERT_EQ(recorder.count("SDL_Init"), 1U);
+  EXPECT_EQ(recorder.last("SDL_Init").arguments[0], 0x20);
 }
 
 TEST_F(SdlSessionTest, LeavesTheScreenSaverEnabledOnce) {
   initSdlVideo();
   initSdlVideo();
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
   EXPECT_EQ(SDL_IsScreenSaverEnabled(), SDL_TRUE);
 }
 
 TEST_F(SdlSessionTest, TellsThatVideoDidNotComeUpAndCarriesOn) {
-  spy.refuse("SDL_Init");
+  recorder.refuse("SDL_Init");
   const CaptureStderr said;
   initSdlVideo();
   EXPECT_EQ(said.text(), "Could not initialize SDL: refused by the test\n");
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
 
 TEST_F(SdlSessionTest, LeavesVideoAloneThatIsUpAlready) {
   ASSERT_EQ(SDL_VideoInit(nullptr), 0);
   SDL_VideoQuit();
   initSdlVideo();
-  spy.forget();
+  recorder.forget();
   initSdlVideo();
-  EXPECT_EQ(spy.order(), Names{"SDL_WasInit"});
+  EXPECT_EQ(recorder.order(), Names{"SDL_WasInit"});
 }
 
 TEST_F(SdlSessionTest, SetsTheThreeHintsBeforeInitialisation) {
   initSdlVideo();
-  const Names order = spy.order();
+  const Names order = recorder.order();
   EXPECT_EQ(order, (Names{"SDL_WasInit", "SDL_SetHintWithPriority", "SDL_SetHintWithPriority",
                           "SDL_SetHintWithPriority", "SDL_Init", "SDL_EnableScreenSaver"}));
   EXPECT_EQ(hint(SDL_HINT_FRAMEBUFFER_ACCELERATION), "0");
@@ -97,7 +97,7 @@ TEST_F(SdlSessionTest, QuittingEndsTheGeneration) {
   const std::uint32_t first = sdlGeneration();
   quitSdl();
   EXPECT_NE(sdlGeneration(), first);
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
 }
 
 TEST_F(SdlSessionTest, AnInitialisationBeginsNoGeneration) {
@@ -124,11 +124,11 @@ TEST_F(SdlSessionTest, QuittingWaitsForUsesUnderWay) {
   });
   // The quitter has begun to wait once it has ended the generation.
   EXPECT_TRUE(waitUntil([&] { return sdlGeneration() != generation; }));
-  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 0U);
   EXPECT_FALSE(hasQuit);
   use.reset();
   quitter.join();
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
 }
 
 // ---- The gate ----

@@ -9,10 +9,10 @@
 #include "display/sdl_session.hpp"
 #include "display/sdl_window.hpp"
 #include "display_helpers.hpp"
-#include "foreign_leaks.hpp"
 #include "frames.hpp"
-#include "sdl_spy.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/foreign_leaks.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 namespace {
@@ -68,7 +68,7 @@ class SdlWindowFailureTest : public DummyVideoTest {
 };
 
 TEST_F(SdlWindowFailureTest, TellsThatSdlMadeNoWindow) {
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   EXPECT_EQ(saidWhileOpening(), "Could not create window: refused by the test\n");
 }
 
@@ -79,12 +79,12 @@ TEST_F(SdlWindowFailureTest, TellsWhySdlMakesNoWindowOf20000Pixels) {
 }
 
 TEST_F(SdlWindowFailureTest, WithoutAWindowThereIsNothingElse) {
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   saidWhileOpening();
-  EXPECT_EQ(spy.count("SDL_CreateRGBSurfaceFrom"), 0U);
-  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 0U);
-  EXPECT_EQ(spy.count("SDL_CreateTexture"), 0U);
-  EXPECT_EQ(spy.count("SDL_RenderSetLogicalSize"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateRGBSurfaceFrom"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateRenderer"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_RenderSetLogicalSize"), 0U);
   EXPECT_EQ(window->windowId(), 0U);
   EXPECT_FALSE(window->isFullscreen());
   EXPECT_EQ(window->geometry().size, kFrameSize);
@@ -92,54 +92,54 @@ TEST_F(SdlWindowFailureTest, WithoutAWindowThereIsNothingElse) {
 }
 
 TEST_F(SdlWindowFailureTest, WithoutAWindowNothingIsDrawnOrReleased) {
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   saidWhileOpening();
-  spy.forget();
+  recorder.forget();
   showFrame();
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
   window.reset();
-  EXPECT_EQ(spy.order(), Names{"SDL_DestroyWindow"});
-  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{0});
+  EXPECT_EQ(recorder.order(), Names{"SDL_DestroyWindow"});
+  EXPECT_EQ(recorder.last("SDL_DestroyWindow").arguments, Numbers{0});
 }
 
 TEST_F(SdlWindowFailureTest, AWindowWithoutPixelFormatIsNeverDrawnButReleased) {
-  spy.refuse("SDL_GetWindowPixelFormat");
+  recorder.refuse("SDL_GetWindowPixelFormat");
   EXPECT_EQ(saidWhileOpening(), "");
-  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateRenderer"), 0U);
   EXPECT_NE(window->windowId(), 0U);
-  const std::int64_t handle = spy.last("SDL_CreateWindow").result;
-  spy.forget();
+  const std::int64_t handle = recorder.last("SDL_CreateWindow").result;
+  recorder.forget();
   showFrame();
   window.reset();
-  EXPECT_EQ(spy.order(), Names{"SDL_DestroyWindow"});
-  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{handle});
+  EXPECT_EQ(recorder.order(), Names{"SDL_DestroyWindow"});
+  EXPECT_EQ(recorder.last("SDL_DestroyWindow").arguments, Numbers{handle});
 }
 
 TEST_F(SdlWindowFailureTest, TriesAnAcceleratedRendererNext) {
-  spy.refuse("SDL_CreateRenderer", 1, 1);
+  recorder.refuse("SDL_CreateRenderer", 1, 1);
   saidWhileOpening();
-  const auto tried = spy.calls("SDL_CreateRenderer");
+  const auto tried = recorder.calls("SDL_CreateRenderer");
   ASSERT_EQ(tried.size(), 2U);
   EXPECT_EQ(tried[0].arguments[2], SDL_RENDERER_SOFTWARE);
   EXPECT_EQ(tried[1].arguments, (Numbers{tried[0].arguments[0], -1, SDL_RENDERER_ACCELERATED}));
 }
 
 TEST_F(SdlWindowFailureTest, TellsThatNoRendererCouldBeMade) {
-  spy.refuse("SDL_CreateRenderer");
+  recorder.refuse("SDL_CreateRenderer");
   EXPECT_EQ(saidWhileOpening(),
             "Could not create renderer: refused by the test\n"
             "Unable to create texture: Parameter 'renderer' is invalid\n"
             "Internal error: unable to set logical size: Parameter 'renderer' is invalid\n");
-  EXPECT_EQ(spy.count("SDL_CreateRenderer"), 2U);
+  EXPECT_EQ(recorder.count("SDL_CreateRenderer"), 2U);
 }
 
 TEST_F(SdlWindowFailureTest, WithoutARendererTheWindowIsReleasedOnce) {
-  spy.refuse("SDL_CreateRenderer");
+  recorder.refuse("SDL_CreateRenderer");
   saidWhileOpening();
-  const std::int64_t handle = spy.last("SDL_CreateWindow").result;
-  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{handle});
+  const std::int64_t handle = recorder.last("SDL_CreateWindow").result;
+  EXPECT_EQ(recorder.last("SDL_DestroyWindow").arguments, Numbers{handle});
   EXPECT_EQ(window->windowId(), 0U);
-  spy.forget();
+  recorder.forget();
   showFrame();
   window->raise();
   window->setTitle("title");
@@ -147,35 +147,35 @@ TEST_F(SdlWindowFailureTest, WithoutARendererTheWindowIsReleasedOnce) {
   EXPECT_FALSE(window->isFullscreen());
   window->leaveFullscreen();
   window.reset();
-  for (const SdlCall& call : spy.calls()) {
+  for (const SdlCall& call : recorder.calls()) {
     EXPECT_EQ(call.arguments[0], 0) << call.function << " of a window that is gone";
   }
 }
 
 TEST_F(SdlWindowFailureTest, TellsThatNoTextureCouldBeMade) {
-  spy.refuse("SDL_CreateTexture");
+  recorder.refuse("SDL_CreateTexture");
   EXPECT_EQ(saidWhileOpening(), "Unable to create texture: refused by the test\n");
 }
 
 TEST_F(SdlWindowFailureTest, WithoutATextureNothingIsDrawn) {
-  spy.refuse("SDL_CreateTexture");
+  recorder.refuse("SDL_CreateTexture");
   saidWhileOpening();
-  spy.forget();
+  recorder.forget();
   showFrame();
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(SdlWindowFailureTest, TellsThatTheLogicalSizeWasRefused) {
-  spy.refuse("SDL_RenderSetLogicalSize");
+  recorder.refuse("SDL_RenderSetLogicalSize");
   EXPECT_EQ(saidWhileOpening(),
             "Internal error: unable to set logical size: refused by the test\n");
 }
 
 TEST_F(SdlWindowFailureTest, DrawsWithoutALogicalSize) {
-  spy.refuse("SDL_RenderSetLogicalSize");
+  recorder.refuse("SDL_RenderSetLogicalSize");
   saidWhileOpening();
   showFrame();
-  EXPECT_EQ(spy.count("SDL_RenderPresent"), 1U);
+  EXPECT_EQ(recorder.count("SDL_RenderPresent"), 1U);
 }
 
 // ---- A lost texture ----
@@ -187,20 +187,20 @@ class SdlWindowLostTextureTest : public SdlWindowFailureTest {
 
 TEST_F(SdlWindowLostTextureTest, IsLoggedAndShutsSdlDown) {
   open();
-  spy.refuse("SDL_LockTexture");
+  recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   showFrame();
   // SDL's logging takes one line feed off each message and lets its output add its own.
   EXPECT_EQ(log.text, "Could not lock texture: refused by the test");
   EXPECT_EQ(log.category, SDL_LOG_CATEGORY_APPLICATION);
   EXPECT_EQ(log.priority, SDL_LOG_PRIORITY_ERROR);
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
   EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0U);
 }
 
 TEST_F(SdlWindowLostTextureTest, WritesNothingToStandardError) {
   open();
-  spy.refuse("SDL_LockTexture");
+  recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   const CaptureStderr said;
   showFrame();
@@ -209,21 +209,22 @@ TEST_F(SdlWindowLostTextureTest, WritesNothingToStandardError) {
 
 TEST_F(SdlWindowLostTextureTest, DrawsNothing) {
   open();
-  spy.forget();
-  spy.refuse("SDL_LockTexture");
+  recorder.forget();
+  recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   showFrame();
-  EXPECT_EQ(spy.order(), (Names{"SDL_LockTexture", "SDL_Quit"}));
+  EXPECT_EQ(recorder.order(),
+            (Names{"SDL_LockTexture", "SDL_GetError", "SDL_LogError", "SDL_Quit"}));
 }
 
 TEST_F(SdlWindowLostTextureTest, NothingOfThatSdlIsTouchedAgain) {
   open();
   SdlWindow other(kFrameSize, "", kFrameSize, kPlace, false);
-  spy.refuse("SDL_LockTexture");
+  recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   showFrame();
-  spy.permit("SDL_LockTexture");
-  spy.forget();
+  recorder.permit("SDL_LockTexture");
+  recorder.forget();
   for (SdlWindow* lost : {window.get(), &other}) {
     lost->showFrame(plainFrame(kFrameSize, 0).data());
     lost->raise();
@@ -234,7 +235,7 @@ TEST_F(SdlWindowLostTextureTest, NothingOfThatSdlIsTouchedAgain) {
     EXPECT_EQ(lost->geometry().size, kFrameSize);
   }
   window.reset();
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 }  // namespace

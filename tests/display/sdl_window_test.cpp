@@ -11,8 +11,8 @@
 #include "display/sdl_session.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
-#include "sdl_spy.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 namespace {
@@ -46,7 +46,7 @@ class SdlWindowTest : public DummyVideoTest {
   Numbers createdWith(const WindowWish& wish) {
     const CaptureStderr failure;
     open(wish);
-    const Numbers arguments = spy.last("SDL_CreateWindow").arguments;
+    const Numbers arguments = recorder.last("SDL_CreateWindow").arguments;
     return {arguments.begin() + 1, arguments.end()};
   }
   Numbers placedAt(std::int32_t x, std::int32_t y) {
@@ -61,7 +61,7 @@ class SdlWindowTest : public DummyVideoTest {
   Numbers logicalSize(Size textureSize, Size windowSize) {
     const CaptureStderr failure;
     open({.textureSize = textureSize, .size = windowSize});
-    const Numbers arguments = spy.last("SDL_RenderSetLogicalSize").arguments;
+    const Numbers arguments = recorder.last("SDL_RenderSetLogicalSize").arguments;
     return {arguments[1], arguments[2]};
   }
 
@@ -75,7 +75,7 @@ class SdlWindowTest : public DummyVideoTest {
   // The calls from the window's making to its end that belong to its parts.
   Names callsFor(Names functions) const {
     Names found;
-    for (const std::string& name : spy.order()) {
+    for (const std::string& name : recorder.order()) {
       if (std::find(functions.begin(), functions.end(), name) != functions.end()) {
         found.push_back(name);
       }
@@ -90,7 +90,7 @@ class SdlWindowTest : public DummyVideoTest {
 
 TEST_F(SdlWindowTest, IsCreatedWithTitlePlaceAndSize) {
   window = open({.size = {320, 240}, .position = {12, 34}});
-  const SdlCall call = spy.last("SDL_CreateWindow");
+  const SdlCall call = recorder.last("SDL_CreateWindow");
   EXPECT_EQ(call.texts, Names{"title"});
   EXPECT_EQ(Numbers(call.arguments.begin() + 1, call.arguments.end()),
             (Numbers{12, 34, 320, 240, SDL_WINDOW_RESIZABLE}));
@@ -151,15 +151,15 @@ TEST_F(SdlWindowTest, RemembersWhatEventsTell) {
 
 TEST_F(SdlWindowTest, AFullScreenWindowIsCreatedHidden) {
   EXPECT_EQ(createdWith({.fullscreen = true}).back(), 0x228);
-  EXPECT_EQ(spy.count("SDL_ShowWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_ShowWindow"), 0U);
 }
 
 TEST_F(SdlWindowTest, AFullScreenWindowIsShownOnlyAfterItHasBeenMadeFullScreen) {
   window = open({.fullscreen = true});
-  spy.forget();
+  recorder.forget();
   window->enterFullscreen();
-  EXPECT_EQ(spy.order(), (Names{"SDL_SetWindowFullscreen", "SDL_ShowWindow"}));
-  EXPECT_EQ(spy.last("SDL_SetWindowFullscreen").arguments[1], 0x1001);
+  EXPECT_EQ(recorder.order(), (Names{"SDL_SetWindowFullscreen", "SDL_ShowWindow"}));
+  EXPECT_EQ(recorder.last("SDL_SetWindowFullscreen").arguments[1], 0x1001);
   EXPECT_TRUE(window->isFullscreen());
 }
 
@@ -167,11 +167,11 @@ TEST_F(SdlWindowTest, LeavesFullScreenForItsStoredSize) {
   window = open({.size = {300, 200}, .fullscreen = true});
   window->enterFullscreen();
   window->setStoredSize({310, 210});
-  spy.forget();
+  recorder.forget();
   EXPECT_TRUE(window->leaveFullscreen());
-  EXPECT_EQ(spy.order(), (Names{"SDL_SetWindowFullscreen", "SDL_SetWindowSize"}));
-  EXPECT_EQ(spy.last("SDL_SetWindowFullscreen").arguments[1], 0);
-  const Numbers sized = spy.last("SDL_SetWindowSize").arguments;
+  EXPECT_EQ(recorder.order(), (Names{"SDL_SetWindowFullscreen", "SDL_SetWindowSize"}));
+  EXPECT_EQ(recorder.last("SDL_SetWindowFullscreen").arguments[1], 0);
+  const Numbers sized = recorder.last("SDL_SetWindowSize").arguments;
   EXPECT_EQ(Numbers(sized.begin() + 1, sized.end()), (Numbers{310, 210}));
   EXPECT_FALSE(window->isFullscreen());
 }
@@ -179,7 +179,7 @@ TEST_F(SdlWindowTest, LeavesFullScreenForItsStoredSize) {
 TEST_F(SdlWindowTest, SaysWhenSdlRefusesToLeaveFullScreen) {
   window = open({.fullscreen = true});
   window->enterFullscreen();
-  spy.refuse("SDL_SetWindowFullscreen");
+  recorder.refuse("SDL_SetWindowFullscreen");
   EXPECT_FALSE(window->leaveFullscreen());
   EXPECT_TRUE(window->isFullscreen());
 }
@@ -193,13 +193,13 @@ TEST_F(SdlWindowTest, AnyFullScreenFlagCounts) {
 
 TEST_F(SdlWindowTest, GivesTheWindowItsIconAndReleasesThePicture) {
   window = open();
-  const Numbers picture = spy.last("SDL_CreateRGBSurfaceFrom").arguments;
+  const Numbers picture = recorder.last("SDL_CreateRGBSurfaceFrom").arguments;
   EXPECT_EQ(Numbers(picture.begin() + 1, picture.end()),
             (Numbers{16, 16, 16, 32, 0xF000, 0x0F00, 0x00F0, 0x000F}));
-  const std::int64_t surface = spy.last("SDL_CreateRGBSurfaceFrom").result;
-  EXPECT_EQ(spy.last("SDL_SetWindowIcon").arguments,
-            (Numbers{spy.last("SDL_CreateWindow").result, surface}));
-  EXPECT_EQ(spy.last("SDL_FreeSurface").arguments, Numbers{surface});
+  const std::int64_t surface = recorder.last("SDL_CreateRGBSurfaceFrom").result;
+  EXPECT_EQ(recorder.last("SDL_SetWindowIcon").arguments,
+            (Numbers{recorder.last("SDL_CreateWindow").result, surface}));
+  EXPECT_EQ(recorder.last("SDL_FreeSurface").arguments, Numbers{surface});
   EXPECT_EQ(callsFor({"SDL_CreateRGBSurfaceFrom", "SDL_SetWindowIcon", "SDL_FreeSurface"}),
             (Names{"SDL_CreateRGBSurfaceFrom", "SDL_SetWindowIcon", "SDL_FreeSurface"}));
 }
@@ -207,37 +207,38 @@ TEST_F(SdlWindowTest, GivesTheWindowItsIconAndReleasesThePicture) {
 TEST_F(SdlWindowTest, KnowsItsSdlId) {
   window = open();
   EXPECT_NE(window->windowId(), 0U);
-  EXPECT_EQ(window->windowId(), spy.last("SDL_GetWindowID").result);
+  EXPECT_EQ(window->windowId(), recorder.last("SDL_GetWindowID").result);
 }
 
 TEST_F(SdlWindowTest, TakesANewTitle) {
   window = open();
   window->setTitle("another");
-  const SdlCall call = spy.last("SDL_SetWindowTitle");
+  const SdlCall call = recorder.last("SDL_SetWindowTitle");
   EXPECT_EQ(call.texts, Names{"another"});
-  EXPECT_EQ(call.arguments[0], spy.last("SDL_CreateWindow").result);
+  EXPECT_EQ(call.arguments[0], recorder.last("SDL_CreateWindow").result);
 }
 
 TEST_F(SdlWindowTest, IsRaised) {
   window = open();
   window->raise();
-  EXPECT_EQ(spy.last("SDL_RaiseWindow").arguments, Numbers{spy.last("SDL_CreateWindow").result});
+  EXPECT_EQ(recorder.last("SDL_RaiseWindow").arguments,
+            Numbers{recorder.last("SDL_CreateWindow").result});
 }
 
 // ---- Renderer, texture and logical size ----
 
 TEST_F(SdlWindowTest, DrawsInSoftwareByChoice) {
   window = open();
-  ASSERT_EQ(spy.count("SDL_CreateRenderer"), 1U);
-  EXPECT_EQ(spy.last("SDL_CreateRenderer").arguments,
-            (Numbers{spy.last("SDL_CreateWindow").result, -1, SDL_RENDERER_SOFTWARE}));
+  ASSERT_EQ(recorder.count("SDL_CreateRenderer"), 1U);
+  EXPECT_EQ(recorder.last("SDL_CreateRenderer").arguments,
+            (Numbers{recorder.last("SDL_CreateWindow").result, -1, SDL_RENDERER_SOFTWARE}));
 }
 
 TEST_F(SdlWindowTest, HasOneStreamingTextureOfTheFramesSize) {
   window = open({.textureSize = {31, 17}, .size = {320, 240}});
-  ASSERT_EQ(spy.count("SDL_CreateTexture"), 1U);
-  EXPECT_EQ(spy.last("SDL_CreateTexture").arguments,
-            (Numbers{spy.last("SDL_CreateRenderer").result, 372645892, 1, 31, 17}));
+  ASSERT_EQ(recorder.count("SDL_CreateTexture"), 1U);
+  EXPECT_EQ(recorder.last("SDL_CreateTexture").arguments,
+            (Numbers{recorder.last("SDL_CreateRenderer").result, 372645892, 1, 31, 17}));
 }
 
 TEST_F(SdlWindowTest, A640x480FrameInAWindowOf1000x500HasTheLogicalSize666x500) {
@@ -261,7 +262,7 @@ TEST_F(SdlWindowTest, ALogicalSizeMayTruncateTo0) {
 TEST_F(SdlWindowTest, AWindowWhoseLogicalSizeTruncatesTo0DrawsOn) {
   EXPECT_EQ(saidWhileOpening({.textureSize = {1000, 1}, .size = {100, 100}}), "");
   window->showFrame(plainFrame({1000, 1}, 0xFFFFFF).data());
-  EXPECT_EQ(spy.count("SDL_RenderPresent"), 1U);
+  EXPECT_EQ(recorder.count("SDL_RenderPresent"), 1U);
 }
 
 TEST_F(SdlWindowTest, AFrameWithoutPixelsHasALogicalWidthOf0) {
@@ -272,31 +273,32 @@ TEST_F(SdlWindowTest, AFrameWithoutPixelsHasNoTextureAndIsNotDrawn) {
   const std::string said = saidWhileOpening({.textureSize = {0, 0}, .size = {100, 80}});
   EXPECT_EQ(said, "Unable to create texture: Texture dimensions can't be 0\n");
   window->showFrame(nullptr);
-  EXPECT_EQ(spy.count("SDL_LockTexture"), 0U);
+  EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
 TEST_F(SdlWindowTest, ShowsAFrame) {
   window = open();
-  spy.forget();
+  recorder.forget();
   window->showFrame(noiseFrame(kFrameSize, 1).data());
-  EXPECT_EQ(spy.order(), (Names{"SDL_LockTexture", "SDL_UnlockTexture", "SDL_RenderClear",
-                                "SDL_RenderCopy", "SDL_RenderPresent"}));
-  EXPECT_EQ(spy.last("SDL_LockTexture").arguments[1], 0) << "the whole texture";
-  const Numbers copied = spy.last("SDL_RenderCopy").arguments;
+  EXPECT_EQ(recorder.order(), (Names{"SDL_LockTexture", "SDL_UnlockTexture", "SDL_RenderClear",
+                                     "SDL_RenderCopy", "SDL_RenderPresent"}));
+  EXPECT_EQ(recorder.last("SDL_LockTexture").arguments[1], 0) << "the whole texture";
+  const Numbers copied = recorder.last("SDL_RenderCopy").arguments;
   EXPECT_EQ(Numbers(copied.begin() + 2, copied.end()), (Numbers{0, 0}));
 }
 
 TEST_F(SdlWindowTest, ReleasesTextureRendererAndWindowInThisOrder) {
   window = open();
-  const std::int64_t texture = spy.last("SDL_CreateTexture").result;
-  const std::int64_t renderer = spy.last("SDL_CreateRenderer").result;
-  const std::int64_t handle = spy.last("SDL_CreateWindow").result;
-  spy.forget();
+  const std::int64_t texture = recorder.last("SDL_CreateTexture").result;
+  const std::int64_t renderer = recorder.last("SDL_CreateRenderer").result;
+  const std::int64_t handle = recorder.last("SDL_CreateWindow").result;
+  recorder.forget();
   window.reset();
-  EXPECT_EQ(spy.order(), (Names{"SDL_DestroyTexture", "SDL_DestroyRenderer", "SDL_DestroyWindow"}));
-  EXPECT_EQ(spy.last("SDL_DestroyTexture").arguments, Numbers{texture});
-  EXPECT_EQ(spy.last("SDL_DestroyRenderer").arguments, Numbers{renderer});
-  EXPECT_EQ(spy.last("SDL_DestroyWindow").arguments, Numbers{handle});
+  EXPECT_EQ(recorder.order(),
+            (Names{"SDL_DestroyTexture", "SDL_DestroyRenderer", "SDL_DestroyWindow"}));
+  EXPECT_EQ(recorder.last("SDL_DestroyTexture").arguments, Numbers{texture});
+  EXPECT_EQ(recorder.last("SDL_DestroyRenderer").arguments, Numbers{renderer});
+  EXPECT_EQ(recorder.last("SDL_DestroyWindow").arguments, Numbers{handle});
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ class ServerTest : public DummyVideoTest {
 
   // Of the window that was made last.
   std::uint32_t lastWindowId() const {
-    return static_cast<std::uint32_t>(spy.last("SDL_GetWindowID").result);
+    return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
   }
 
   const int hostThread = static_cast<int>(currentThread());

@@ -27,16 +27,16 @@ struct ShownFrames::Album {
   }
 };
 
-ShownFrames::ShownFrames(SdlSpy& spy, Size size, std::function<void()> duringDrawing)
+ShownFrames::ShownFrames(SdlRecorder& recorder, Size size, std::function<void()> duringDrawing)
     : album_(std::make_unique<Album>()),
-      beforeLock_(spy.before(
+      beforeLock_(recorder.before(
           "SDL_LockTexture",
           [album = album_.get(), duringDrawing = std::move(duringDrawing)](const SdlCall& call) {
             album->note(call.arguments[0], call.arguments[2]);
             duringDrawing();
           })),
       beforeUnlock_(
-          spy.before("SDL_UnlockTexture", [album = album_.get(), size](const SdlCall& call) {
+          recorder.before("SDL_UnlockTexture", [album = album_.get(), size](const SdlCall& call) {
             album->take(call.arguments[0], size);
           })) {}
 

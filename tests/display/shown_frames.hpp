@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "display/geometry.hpp"
-#include "sdl_spy.hpp"
+#include "support/sdl_recorder.hpp"
 #include "support/x_image.hpp"
 
 namespace framesink::test {
@@ -17,7 +17,7 @@ namespace framesink::test {
 class ShownFrames {
  public:
   ShownFrames(
-      SdlSpy& spy, Size size, std::function<void()> duringDrawing = [] {});
+      SdlRecorder& recorder, Size size, std::function<void()> duringDrawing = [] {});
 
   ~ShownFrames();
 

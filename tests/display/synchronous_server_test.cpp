@@ -7,10 +7,10 @@
 
 #include "allocations.hpp"
 #include "events.hpp"
-#include "foreign_leaks.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/foreign_leaks.hpp"
 #include "support/os_facts.hpp"
 
 namespace framesink::test {
@@ -24,12 +24,12 @@ class SynchronousSdlServerTest : public SynchronousServerTest {
     window = lastWindowId();
     deliver(server, player, plainFrame(opening.frameSize, 0));
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
-    spy.forget();
+    recorder.forget();
     return player;
   }
   // A drain with nothing to draw.
   void drain() { deliver(server, kNoPlayer, plainFrame(kFrameSize, 0)); }
-  std::size_t drawings() const { return spy.count("SDL_LockTexture"); }
+  std::size_t drawings() const { return recorder.count("SDL_LockTexture"); }
 
   std::uint32_t window = 0;
 };
@@ -40,20 +40,20 @@ TEST_F(SynchronousSdlServerTest, HasNeitherThreadNorMutex) {
   const auto threads = threadIds();
   open();
   EXPECT_EQ(threadIds(), threads);
-  EXPECT_EQ(spy.count("SDL_CreateThread"), 0U);
-  EXPECT_EQ(spy.count("SDL_CreateMutex"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateThread"), 0U);
+  EXPECT_EQ(recorder.count("SDL_CreateMutex"), 0U);
 }
 
 TEST_F(SynchronousSdlServerTest, TheFirstPlayerInitialisesSdlOnce) {
   open();
   open();
-  EXPECT_EQ(spy.count("SDL_Init"), 1U);
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Init"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
 
 TEST_F(SynchronousSdlServerTest, MakesTheWindowWhenThePlayerIsAdded) {
   addPlayer(server);
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
   EXPECT_EQ(drawings(), 0U) << "the first frame is the first delivered";
 }
 
@@ -67,8 +67,8 @@ TEST_F(SynchronousSdlServerTest, DoesEverythingOnTheCallersThread) {
     server.closePlayer(player);
     SDL_TLSCleanup();  // SDL's error text of this thread
   }).join();
-  ASSERT_EQ(spy.count("SDL_DestroyWindow"), 1U);
-  for (const SdlCall& call : spy.calls()) EXPECT_EQ(call.thread, caller) << call.function;
+  ASSERT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
+  for (const SdlCall& call : recorder.calls()) EXPECT_EQ(call.thread, caller) << call.function;
 }
 
 TEST_F(SynchronousSdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
@@ -81,9 +81,9 @@ TEST_F(SynchronousSdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
 
 TEST_F(SynchronousSdlServerTest, MakesAFullScreenWindowFullScreenAndShowsIt) {
   const std::uint32_t player = addPlayer(server, {.fullscreen = true});
-  EXPECT_EQ(spy.last("SDL_CreateWindow").arguments[5], 0x228);
-  EXPECT_EQ(spy.last("SDL_SetWindowFullscreen").arguments[1], 4097);
-  EXPECT_EQ(spy.count("SDL_ShowWindow"), 1U);
+  EXPECT_EQ(recorder.last("SDL_CreateWindow").arguments[5], 0x228);
+  EXPECT_EQ(recorder.last("SDL_SetWindowFullscreen").arguments[1], 4097);
+  EXPECT_EQ(recorder.count("SDL_ShowWindow"), 1U);
   EXPECT_TRUE(server.isPlayerFullscreen(player));
 }
 
@@ -114,16 +114,16 @@ TEST_F(SynchronousSdlServerTest, APlayerWithoutMemoryForItsWindowIsNotAdded) {
 
 TEST_F(SynchronousSdlServerTest, ShowsAFrameAtOnceAndThenDrains) {
   const std::uint32_t player = openDrawn();
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   deliver(server, player, noiseFrame(kFrameSize, 1));
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 1))});
-  EXPECT_EQ(spy.order(), (Names{"SDL_LockTexture", "SDL_UnlockTexture", "SDL_RenderClear",
-                                "SDL_RenderCopy", "SDL_RenderPresent", "SDL_PollEvent"}));
+  EXPECT_EQ(recorder.order(), (Names{"SDL_LockTexture", "SDL_UnlockTexture", "SDL_RenderClear",
+                                     "SDL_RenderCopy", "SDL_RenderPresent", "SDL_PollEvent"}));
 }
 
 TEST_F(SynchronousSdlServerTest, ShowsEveryFrame) {
   const std::uint32_t player = openDrawn();
-  const ShownFrames shown(spy, kFrameSize);
+  const ShownFrames shown(recorder, kFrameSize);
   for (std::uint32_t seed = 1; seed <= 5; ++seed) {
     deliver(server, player, noiseFrame(kFrameSize, seed));
     EXPECT_EQ(shown.last(), pictureOf(noiseFrame(kFrameSize, seed)));
@@ -155,7 +155,7 @@ TEST_F(SynchronousSdlServerTest, ACloseButtonClosesInsideTheDrain) {
   EXPECT_TRUE(server.hasOpenPlayer(player));
   deliver(server, player, noiseFrame(kFrameSize, 1));
   EXPECT_FALSE(server.hasOpenPlayer(player));
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 TEST_F(SynchronousSdlServerTest, EventsThatFollowAWindowsCloseEndTheDrain) {
@@ -201,7 +201,7 @@ TEST_F(SynchronousSdlServerTest, EscapeLeavesFullScreenInTheDrain) {
   push(keyEvent(window, SDLK_ESCAPE));
   drain();
   EXPECT_FALSE(server.isPlayerFullscreen(player));
-  EXPECT_EQ(spy.last("SDL_SetWindowSize").arguments[1], 300);
+  EXPECT_EQ(recorder.last("SDL_SetWindowSize").arguments[1], 300);
 }
 
 // ---- Closing and asking ----
@@ -210,13 +210,13 @@ TEST_F(SynchronousSdlServerTest, ClosePlayerClosesAtOnce) {
   const std::uint32_t player = openDrawn();
   server.closePlayer(player);
   EXPECT_FALSE(server.hasOpenPlayer(player));
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 TEST_F(SynchronousSdlServerTest, ClosesThatVeryPlayerWhoseWindowSdlRefused) {
   const CaptureStderr said;
   const std::uint32_t sound = open();
-  spy.refuse("SDL_CreateWindow");
+  recorder.refuse("SDL_CreateWindow");
   const std::uint32_t first = addPlayer(server);
   const std::uint32_t second = addPlayer(server);
   server.closePlayer(second);
@@ -236,9 +236,9 @@ TEST_F(SynchronousSdlServerTest, NothingWaits) {
   EXPECT_FALSE(server.isPlayerFullscreen(player));
   server.renamePlayer(player, "another");
   server.raisePlayer(player);
-  EXPECT_EQ(spy.count("SDL_Delay"), 0U);
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"another"});
-  EXPECT_EQ(spy.count("SDL_RaiseWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Delay"), 0U);
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
+  EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 1U);
 }
 
 TEST_F(SynchronousSdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
@@ -251,7 +251,7 @@ TEST_F(SynchronousSdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
   server.raisePlayer(99);
   server.renamePlayer(99, "title");
   server.closePlayer(99);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 // A host thread that only asks must not keep a closed window on the screen for good.
@@ -263,10 +263,10 @@ TEST_F(SynchronousSdlServerTest, AClosedWindowGoesWithinAFewFramesWhoeverAsksMea
   int left = 0;
   for (int round = 0; round < 200; ++round) {
     const std::uint32_t player = addPlayer(server);
-    spy.forget();
+    recorder.forget();
     server.closePlayer(player);
-    for (int i = 0; i < 1000 && spy.count("SDL_DestroyWindow") == 0; ++i) drain();
-    if (spy.count("SDL_DestroyWindow") == 0) ++left;
+    for (int i = 0; i < 1000 && recorder.count("SDL_DestroyWindow") == 0; ++i) drain();
+    if (recorder.count("SDL_DestroyWindow") == 0) ++left;
   }
   stop = true;
   asking.join();
@@ -279,8 +279,8 @@ TEST_F(SynchronousSdlServerTest, StoppingClosesItsWindowsAndShutsNothingDown) {
   open();
   open();
   EXPECT_TRUE(server.stop());
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 2U);
-  EXPECT_EQ(spy.count("SDL_Quit"), 0U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 2U);
+  EXPECT_EQ(recorder.count("SDL_Quit"), 0U);
   EXPECT_FALSE(server.hasOpenPlayer(0));
   EXPECT_EQ(addPlayer(server), kNoPlayer);
 }
@@ -289,15 +289,15 @@ TEST_F(SynchronousSdlServerTest, AFailedTextureLockShutsSdlDownAndHostsGoOn) {
   expectLeaks();
   SDL_LogSetOutputFunction([](void*, int, SDL_LogPriority, const char*) {}, nullptr);
   const std::uint32_t player = openDrawn();
-  spy.refuse("SDL_LockTexture");
+  recorder.refuse("SDL_LockTexture");
   deliver(server, player, noiseFrame(kFrameSize, 1));
-  EXPECT_EQ(spy.count("SDL_Quit"), 1U);
-  spy.forget();
+  EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
+  recorder.forget();
   deliver(server, player, noiseFrame(kFrameSize, 2));
   server.raisePlayer(player);
   EXPECT_FALSE(server.isPlayerFullscreen(player));
   server.closePlayer(player);
-  EXPECT_EQ(spy.order(), Names{"SDL_PollEvent"});
+  EXPECT_EQ(recorder.order(), Names{"SDL_PollEvent"});
 }
 
 }  // namespace

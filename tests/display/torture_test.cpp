@@ -84,7 +84,7 @@ class RestlessUser {
 };
 
 // Four threaded windows fed by one host thread and a synchronous one fed by another, so that both
-// servers are in SDL all the time. No spy here: its bookkeeping would keep the threads apart.
+// servers are in SDL all the time. No recorder here: its bookkeeping would keep the threads apart.
 class TortureTest : public ManagedXTest {
  protected:
   static SdlServer& serverOf(std::uint32_t index) { return serverFor(index == kThreadedWindows); }

@@ -21,20 +21,20 @@ namespace {
 class TwoServersTest : public DummyVideoTest {
  protected:
   std::uint32_t lastWindowId() const {
-    return static_cast<std::uint32_t>(spy.last("SDL_GetWindowID").result);
+    return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
   }
   // One drawn player in each server, the display thread before its next pass, no event waiting.
   void openBoth(bool fullscreen = false) {
     threadedPlayer = addPlayer(threadedServer(), {.fullscreen = fullscreen});
     EXPECT_TRUE(hasWindow(threadedServer(), threadedPlayer));
     threadedWindow = lastWindowId();
-    passes.emplace(spy);
+    passes.emplace(recorder);
     EXPECT_TRUE(passes->runPasses(2));
     synchronousPlayer = addPlayer(synchronousServer(), {.fullscreen = fullscreen});
     synchronousWindow = lastWindowId();
     deliver(synchronousServer(), synchronousPlayer, plainFrame(kFrameSize, 0));
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
-    spy.forget();
+    recorder.forget();
   }
   // The synchronous server's.
   void drain() { deliver(synchronousServer(), kNoPlayer, plainFrame(kFrameSize, 0)); }
@@ -72,21 +72,21 @@ TEST_F(TwoServersTest, AreTheSameAtEveryCall) {
 TEST_F(TwoServersTest, AskNothingOfSdlBeforeTheirFirstPlayer) {
   threadedServer();
   synchronousServer();
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(TwoServersTest, InitialiseSdlOnceThreadedFirst) {
   addPlayer(threadedServer());
   addPlayer(synchronousServer());
-  EXPECT_EQ(spy.count("SDL_Init"), 1U);
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Init"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
 
 TEST_F(TwoServersTest, InitialiseSdlOnceSynchronousFirst) {
   addPlayer(synchronousServer());
   addPlayer(threadedServer());
-  EXPECT_EQ(spy.count("SDL_Init"), 1U);
-  EXPECT_EQ(spy.count("SDL_EnableScreenSaver"), 1U);
+  EXPECT_EQ(recorder.count("SDL_Init"), 1U);
+  EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
 
 TEST_F(TwoServersTest, CountPlayerIdsSeparately) {
@@ -166,10 +166,10 @@ TEST_F(TwoServersTest, AnEventForNobodysWindowIsDropped) {
   openBoth();
   push(windowEvent(kUnknownWindow, SDL_WINDOWEVENT_MOVED, 1, 2));
   ASSERT_TRUE(passes->runPass());
-  spy.forget();
+  recorder.forget();
   drain();
-  EXPECT_EQ(spy.calls("SDL_PollEvent").size(), 1U);
-  EXPECT_EQ(spy.last("SDL_PollEvent").result, 0);
+  EXPECT_EQ(recorder.calls("SDL_PollEvent").size(), 1U);
+  EXPECT_EQ(recorder.last("SDL_PollEvent").result, 0);
 }
 
 TEST_F(TwoServersTest, AnEventWhoseWindowClosedMeanwhileIsDropped) {
@@ -178,7 +178,7 @@ TEST_F(TwoServersTest, AnEventWhoseWindowClosedMeanwhileIsDropped) {
   ASSERT_TRUE(passes->runPass());
   synchronousServer().closePlayer(synchronousPlayer);
   drain();
-  EXPECT_EQ(spy.count("SDL_DestroyWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
 }
 
 // ---- The gate ----
@@ -189,7 +189,7 @@ TEST_F(TwoServersTest, ASynchronousCallDoesNotRunDuringAPass) {
   std::atomic<bool> inPass{false};
   std::atomic<bool> drawnMeanwhile{false};
   std::atomic<bool> delivered{false};
-  const SdlHook hook = spy.before("SDL_RenderPresent", [&](const SdlCall&) {
+  const SdlHook hook = recorder.before("SDL_RenderPresent", [&](const SdlCall&) {
     if (!isDisplayThread()) {
       if (inPass) drawnMeanwhile = true;
       return;
@@ -209,7 +209,7 @@ TEST_F(TwoServersTest, ASynchronousCallDoesNotRunDuringAPass) {
 TEST_F(TwoServersTest, HostCallsOnThreadedPlayersDoNotWaitForTheGate) {
   openBoth();
   passes.reset();
-  const Hold pass(spy, "SDL_RenderPresent");
+  const Hold pass(recorder, "SDL_RenderPresent");
   deliver(threadedServer(), threadedPlayer, noiseFrame(kFrameSize, 1));
   ASSERT_TRUE(pass.isReached());
   // All these return although the pass stands.

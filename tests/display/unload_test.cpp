@@ -27,7 +27,7 @@ constexpr int kHostsStatus = 7;
 
 // ---- What is asked of SDL, without a screen ----
 
-SdlSpy* spyAtExit = nullptr;
+SdlRecorder* recorderAtExit = nullptr;
 std::size_t serversAtExit = 0;
 
 // Told on standard error, where the test that started this process finds it.
@@ -39,16 +39,17 @@ void expectAtExit(bool holds, const char* what) {
 
 // Runs after the servers' ends, because it was registered before they were made.
 void checkTheEnd() {
-  const Names order = spyAtExit->order();
+  const Names order = recorderAtExit->order();
   const auto firstQuit = std::find(order.begin(), order.end(), "SDL_Quit");
   const Names threads = threadNames();
   expectAtExit(std::count(threads.begin(), threads.end(), "sdlVideoPlayers") == 0,
                "the display thread is still there");
-  expectAtExit(spyAtExit->count("SDL_Quit") == serversAtExit, "not one SDL_Quit per server");
+  expectAtExit(recorderAtExit->count("SDL_Quit") == serversAtExit, "not one SDL_Quit per server");
   expectAtExit(std::find(firstQuit, order.end(), "SDL_DestroyWindow") == order.end(),
                "a window was destroyed after SDL_Quit");
-  expectAtExit(spyAtExit->count("SDL_DestroyWindow") == spyAtExit->count("SDL_CreateWindow"),
-               "a window was left to SDL_Quit");
+  expectAtExit(
+      recorderAtExit->count("SDL_DestroyWindow") == recorderAtExit->count("SDL_CreateWindow"),
+      "a window was left to SDL_Quit");
   expectAtExit(std::find(firstQuit, order.end(), "SDL_PollEvent") == order.end(),
                "a pass ran after SDL_Quit");
 }
@@ -59,7 +60,7 @@ class UnloadTest : public DummyVideoTest {
 
   // Two players in each server, made in this order.
   void exitWith(const std::vector<bool>& synchronousFlags) {
-    spyAtExit = &spy;
+    recorderAtExit = &recorder;
     serversAtExit = synchronousFlags.size();
     std::atexit(checkTheEnd);
     for (const bool synchronous : synchronousFlags) {
@@ -91,7 +92,7 @@ TEST_F(UnloadDeathTest, StopsTheThreadFirstWhenTheSynchronousServerWasMadeFirst)
 
 TEST_F(UnloadDeathTest, ShutsSdlDownForServersThatWereNeverUsed) {
   const auto exitUnused = [&] {
-    spyAtExit = &spy;
+    recorderAtExit = &recorder;
     serversAtExit = 2;
     std::atexit(checkTheEnd);
     threadedServer();
@@ -114,10 +115,10 @@ TEST_F(UnloadDeathTest, TurnsLateCallsAway) {
 // Another thread of the host waits for a window that the display thread cannot make yet.
 TEST_F(UnloadDeathTest, EndsTheWaitsOfOtherThreads) {
   const auto exitWhileAnotherWaits = [&] {
-    auto* hold = new Hold(spy, "SDL_CreateWindow");
+    auto* hold = new Hold(recorder, "SDL_CreateWindow");
     addPlayer(threadedServer());
     expectAtExit(hold->isReached(), "no window was begun");
-    spy.forget();
+    recorder.forget();
     std::thread([hold] {
       {
         const HostCall call;
@@ -125,7 +126,7 @@ TEST_F(UnloadDeathTest, EndsTheWaitsOfOtherThreads) {
       }
       hold->release();
     }).detach();
-    expectAtExit(waitUntil([&] { return spy.count("SDL_Delay") > 2; }), "nobody waits");
+    expectAtExit(waitUntil([&] { return recorder.count("SDL_Delay") > 2; }), "nobody waits");
     ::alarm(10);
     std::exit(kHostsStatus);
   };

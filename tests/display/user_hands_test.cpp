@@ -176,13 +176,13 @@ TEST_P(UserHandsTest, EscapeReturnsAFullScreenWindowToItsStoredSize) {
 
 TEST_P(UserHandsTest, EscapeInAWindowedWindowDoesNothing) {
   open({.windowSize = Size{300, 200}});
-  const SdlSpy spy;
+  const SdlRecorder recorder;
   ASSERT_TRUE(x.pressKey(window, "Escape"));
   // Events come in order: once a later resize has arrived, the key has.
   ASSERT_TRUE(x.resize(window, 310, 210));
   ASSERT_TRUE(becomes([&] { return stored().size == Size{310, 210}; }));
-  EXPECT_EQ(spy.count("SDL_SetWindowFullscreen"), 0U);
-  EXPECT_EQ(spy.count("SDL_SetWindowSize"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowFullscreen"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowSize"), 0U);
   EXPECT_EQ(sizeOnScreen(), (Size{310, 210}));
 }
 

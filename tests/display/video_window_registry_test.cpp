@@ -73,7 +73,7 @@ TEST_F(VideoWindowRegistryTest, RegistersARecordWithAZeroedFrameBuffer) {
   EXPECT_TRUE(std::all_of(window->frameBuffer.get(), window->frameBuffer.get() + 18,
                           [](std::uint8_t byte) { return byte == 0; }));
   EXPECT_EQ(registry.findVideoWindow("name"), window);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(VideoWindowRegistryTest, AnswersByName) {
@@ -176,7 +176,7 @@ TEST_F(VideoWindowRegistryTest, OpensAPlayerTitledByTheRecordsName) {
   EXPECT_EQ(window->playerId, 0);
   EXPECT_EQ(window->server, &threadedServer());
   EXPECT_TRUE(hasWindow(threadedServer(), 0));
-  const SdlCall call = spy.last("SDL_CreateWindow");
+  const SdlCall call = recorder.last("SDL_CreateWindow");
   EXPECT_EQ(call.texts, Names{"a b"});
   EXPECT_EQ(Numbers(call.arguments.begin() + 1, call.arguments.end()),
             (Numbers{60, 80, 320, 240, SDL_WINDOW_RESIZABLE}));
@@ -193,8 +193,8 @@ TEST_F(VideoWindowRegistryTest, RaisesAPlayerThatIsOpen) {
   VideoWindow* window = openRecord("name");
   registry.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
   EXPECT_EQ(window->playerId, 0);
-  EXPECT_EQ(spy.count("SDL_RaiseWindow"), 1U);
-  EXPECT_EQ(spy.count("SDL_CreateWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 1U);
+  EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
 }
 
 TEST_F(VideoWindowRegistryTest, OpensAFreshPlayerForAClosedOne) {
@@ -203,13 +203,13 @@ TEST_F(VideoWindowRegistryTest, OpensAFreshPlayerForAClosedOne) {
   registry.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
   EXPECT_EQ(window->playerId, 1);
   EXPECT_TRUE(hasWindow(threadedServer(), 1));
-  EXPECT_EQ(spy.count("SDL_RaiseWindow"), 0U);
+  EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 0U);
 }
 
 TEST_F(VideoWindowRegistryTest, AWindowSizeOfTheMarkerTwiceOpensAtTheFramesSize) {
   VideoWindow* window = registry.registerVideoWindow("name", {31, 17}, 1);
   registry.openVideoWindow(*window, {31, 17}, 0, {0x7FFFFFFF, 0x7FFFFFFF}, kPlace);
-  const Numbers created = spy.last("SDL_CreateWindow").arguments;
+  const Numbers created = recorder.last("SDL_CreateWindow").arguments;
   EXPECT_EQ(created[3], 31);
   EXPECT_EQ(created[4], 17);
   EXPECT_EQ(posSizeOf(*window).size[0], 31);
@@ -220,7 +220,7 @@ TEST_F(VideoWindowRegistryTest, OneMarkerAloneIsASize) {
   VideoWindow* window = registry.registerVideoWindow("name", {31, 17}, 1);
   const CaptureStderr tooLarge;
   registry.openVideoWindow(*window, {31, 17}, 0, {0x7FFFFFFF, 17}, kPlace);
-  EXPECT_EQ(spy.last("SDL_CreateWindow").arguments[3], 20000);
+  EXPECT_EQ(recorder.last("SDL_CreateWindow").arguments[3], 20000);
 }
 
 TEST_F(VideoWindowRegistryTest, OpensFullScreen) {
@@ -239,7 +239,7 @@ TEST_F(VideoWindowRegistryTest, LookingUpARecordsPlayerMakesNoServer) {
   registry.closeVideoWindow("other");
   EXPECT_EQ(existingServer(false), nullptr);
   EXPECT_EQ(existingServer(true), nullptr);
-  EXPECT_EQ(spy.order(), Names{});
+  EXPECT_EQ(recorder.order(), Names{});
 }
 
 TEST_F(VideoWindowRegistryTest, ReportsPlaceAndSizeOfAnOpenWindow) {
@@ -265,7 +265,7 @@ TEST_F(VideoWindowRegistryTest, ReportsMinus2FourTimesForAnUnknownPlayer) {
 TEST_F(VideoWindowRegistryTest, ReportsMinus2FourTimesForAClosingPlayer) {
   const VideoWindow* window = openRecord("name");
   ASSERT_TRUE(hasWindow(threadedServer(), 0));
-  PassStepper passes(spy);
+  PassStepper passes(recorder);
   ASSERT_TRUE(passes.halted());
   threadedServer().closePlayer(0);
   EXPECT_TRUE(isNotOpen(*window));
@@ -335,14 +335,14 @@ TEST_F(VideoWindowRegistryTest, RenamesTheRecordAndTitlesTheWindow) {
   registry.renameVideoWindowCore("old", "new", "title");
   EXPECT_EQ(registry.findVideoWindow("old"), nullptr);
   EXPECT_EQ(registry.findVideoWindow("new"), window);
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"title"});
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"title"});
 }
 
 TEST_F(VideoWindowRegistryTest, RenamesWithBlanksForLineFeeds) {
   const VideoWindow* window = openRecord("o l d");
   registry.renameVideoWindowCore("o\nl\nd", "n\ne\nw", "ti\ntle");
   EXPECT_EQ(window->name, "n e w");
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{"ti tle"});
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"ti tle"});
 }
 
 TEST_F(VideoWindowRegistryTest, RenamesARecordWithoutAPlayer) {
@@ -357,25 +357,25 @@ TEST_F(VideoWindowRegistryTest, RenamesARecordWhosePlayerIsClosing) {
   threadedServer().closePlayer(0);
   registry.renameVideoWindowCore("old", "new", "title");
   EXPECT_EQ(window->name, "new");
-  EXPECT_EQ(spy.count("SDL_SetWindowTitle"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
 }
 
 TEST_F(VideoWindowRegistryTest, RenamingAnUnknownNameDoesNothing) {
   const VideoWindow* window = openRecord("name");
   registry.renameVideoWindowCore("other", "new", "title");
   EXPECT_EQ(window->name, "name");
-  EXPECT_EQ(spy.count("SDL_SetWindowTitle"), 0U);
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
 }
 
 TEST_F(VideoWindowRegistryTest, RenamingASynchronousRecordTitlesTheThreadedWindowOfItsId) {
   openRecord("threaded");
   ASSERT_TRUE(hasWindow(threadedServer(), 0));
-  const std::int64_t threadedWindow = spy.last("SDL_CreateWindow").result;
+  const std::int64_t threadedWindow = recorder.last("SDL_CreateWindow").result;
   const VideoWindow* window = openRecord("synchronous", /*synchronous=*/true);
   registry.renameVideoWindowCore("synchronous", "new", "title");
   EXPECT_EQ(window->name, "new");
-  ASSERT_EQ(spy.count("SDL_SetWindowTitle"), 1U);
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").arguments[0], threadedWindow);
+  ASSERT_EQ(recorder.count("SDL_SetWindowTitle"), 1U);
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").arguments[0], threadedWindow);
 }
 
 // ---- The end ----

@@ -1,4 +1,4 @@
-#include "foreign_leaks.hpp"
+#include "support/foreign_leaks.hpp"
 
 #include <unistd.h>
 

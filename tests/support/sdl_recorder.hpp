@@ -1,6 +1,9 @@
-// What the code under test asks of SDL: every call with its arguments and its thread. A test may
-// also look on before a call is made, and have calls refused.
+// What the code under test asks of SDL: every call with its arguments and its thread. Calls go on to
+// SDL itself; a test may also look on before one is made, have calls refused, change answers and feed
+// events.
 #pragma once
+
+#include <SDL.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -17,6 +20,9 @@ struct SdlCall {
   std::vector<std::string> texts;       // the strings among the arguments
   std::int64_t result = 0;              // number or address; 0 when there is none
   int thread = 0;                       // the operating system's number
+  bool fallible = false;                // has an answer that means failure
+  bool refused = false;                 // by the test
+  std::string error;                    // SDL's text, when the call failed and set one
 };
 
 // SDL's error text after a refused call.
@@ -36,13 +42,14 @@ class SdlHook {
 };
 
 // While one lives, the SDL calls of this program are seen (those that the linker is told to wrap,
-// see CMakeLists.txt; not SDL's calls to itself). One at a time. Any thread.
-class SdlSpy {
+// see CMakeLists.txt; not SDL's calls to itself). One at a time. Any thread. Programs that link
+// sdl_recorder have it.
+class SdlRecorder {
  public:
-  SdlSpy();
-  ~SdlSpy();
-  SdlSpy(const SdlSpy&) = delete;
-  SdlSpy& operator=(const SdlSpy&) = delete;
+  SdlRecorder();
+  ~SdlRecorder();
+  SdlRecorder(const SdlRecorder&) = delete;
+  SdlRecorder& operator=(const SdlRecorder&) = delete;
 
   // In the order in which they began.
   std::vector<SdlCall> calls() const;
@@ -54,10 +61,17 @@ class SdlSpy {
   void forget();  // what was seen so far
 
   // Calls number `first` to `last` of the function from now on are not made; they answer as a
-  // failure, with kRefusal as error text. Functions without a result are just not called.
+  // failure, with kRefusal as error text. Functions without a result are just not called. Only
+  // SDL_UnlockMutex is made all the same: nobody survives a lock that is never given back.
   static constexpr std::size_t kForever = SIZE_MAX;
   void refuse(const std::string& function, std::size_t first = 1, std::size_t last = kForever);
   void permit(const std::string& function);
+
+  // The same for one call, the `number`-th from now on (1 is the next) of all fallible ones.
+  void refuseNth(std::size_t number);
+
+  // SDL_PollEvent answers with this before it asks SDL, after what was fed earlier.
+  void feed(const SDL_Event& event);
 
   // Runs `action` on the calling thread before each call of the function, while the hook lives. A
   // later hook on the function replaces it.

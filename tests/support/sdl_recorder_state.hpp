@@ -1,9 +1,10 @@
-// The meeting place of SdlSpy and the wrapped SDL functions.
+// The meeting place of SdlRecorder and the wrapped SDL functions.
 #pragma once
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -12,14 +13,14 @@
 #include <type_traits>
 #include <vector>
 
-#include "sdl_spy.hpp"
+#include "support/sdl_recorder.hpp"
 
 namespace framesink::test {
 
-struct SpyState {
+struct RecorderState {
   struct Refusal {
     std::size_t first = 1;
-    std::size_t last = SdlSpy::kForever;
+    std::size_t last = SdlRecorder::kForever;
     std::size_t seen = 0;
   };
 
@@ -29,27 +30,35 @@ struct SpyState {
   };
   using Change = std::function<std::int64_t(std::int64_t)>;
 
-  // Looked at without the mutex and without ordering: while no spy lives, the wrappers must not
-  // synchronise threads, or they would hide races from the thread sanitizer.
+  // Looked at without the mutex and without ordering: while no recorder lives, the wrappers must
+  // not synchronise threads, or they would hide races from the thread sanitizer.
   std::atomic<bool> active{false};
   std::mutex mutex;
   std::uint64_t generation = 0;  // of `calls`: grows when they are forgotten
   std::vector<SdlCall> calls;
   std::map<std::string, Refusal> refusals;
+  std::size_t callsToRefusal = 0;  // of all fallible ones; 0: none is to be refused
+  std::deque<SDL_Event> events;    // to feed
   std::map<std::string, std::shared_ptr<Action>> actions;
   std::map<std::string, std::shared_ptr<Change>> changes;
 };
 
+bool isRecording();
+
 // One call: reported on construction.
-class SdlWatch {
+class RecordedCall {
  public:
-  explicit SdlWatch(SdlCall call);
+  explicit RecordedCall(SdlCall call);
   bool isRefused() const { return refused_; }
-  // What the caller is to see instead of `result`.
-  std::int64_t resultToGive(std::int64_t result) const;
+  // True when the test fed an event.
+  bool takeFedEvent(SDL_Event* event) const;
+  // What the caller is to see instead of `result`; `error` is SDL's text if it failed.
+  std::int64_t answer(std::int64_t result, const char* error) const;
 
  private:
   static constexpr std::uint64_t kUnseen = UINT64_MAX;
+
+  bool countRefusals(RecorderState& state, const SdlCall& call);
 
   std::string function_;
   bool refused_ = false;
@@ -83,7 +92,8 @@ void describe(SdlCall& call, Value value) {
 
 template <class... Arguments>
 SdlCall describedCall(const char* function, Arguments... arguments) {
-  SdlCall call{.function = function, .arguments = {}, .texts = {}};
+  SdlCall call;
+  call.function = function;
   (describe(call, arguments), ...);
   return call;
 }
