@@ -47,6 +47,7 @@ RecordedCall::RecordedCall(SdlCall call) {
   call.thread = static_cast<int>(currentThread());
   refused_ = countRefusals(recorder, call);
   call.refused = refused_;
+  call.countable = call.fallible && !recorder.areRefusalsSuspended;
   recorder.calls.push_back(call);
   generation_ = recorder.generation;
   index_ = recorder.calls.size() - 1;
@@ -61,7 +62,9 @@ RecordedCall::RecordedCall(SdlCall call) {
 }
 
 bool RecordedCall::countRefusals(RecorderState& recorder, const SdlCall& call) {
-  bool refused = call.fallible && recorder.callsToRefusal != 0 && --recorder.callsToRefusal == 0;
+  if (recorder.areRefusalsSuspended) return false;
+  const bool refused =
+      call.fallible && recorder.callsToRefusal != 0 && --recorder.callsToRefusal == 0;
   const auto refusal = recorder.refusals.find(call.function);
   if (refusal == recorder.refusals.end()) return refused;
   const std::size_t number = ++refusal->second.seen;
@@ -102,6 +105,7 @@ SdlRecorder::~SdlRecorder() {
   state().active = false;
   state().refusals.clear();
   state().callsToRefusal = 0;
+  state().areRefusalsSuspended = false;
   state().events.clear();
 }
 
@@ -154,6 +158,16 @@ void SdlRecorder::permit(const std::string& function) {
 void SdlRecorder::refuseNth(std::size_t number) {
   const std::lock_guard lock(state().mutex);
   state().callsToRefusal = number;
+}
+
+void SdlRecorder::suspendRefusals() {
+  const std::lock_guard lock(state().mutex);
+  state().areRefusalsSuspended = true;
+}
+
+void SdlRecorder::resumeRefusals() {
+  const std::lock_guard lock(state().mutex);
+  state().areRefusalsSuspended = false;
 }
 
 void SdlRecorder::feed(const SDL_Event& event) {

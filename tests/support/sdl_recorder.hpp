@@ -21,6 +21,7 @@ struct SdlCall {
   std::int64_t result = 0;              // number or address; 0 when there is none
   int thread = 0;                       // the operating system's number
   bool fallible = false;                // has an answer that means failure
+  bool countable = false;               // the same, outside a suspension of refusals
   bool refused = false;                 // by the test
   std::string error;                    // SDL's text, when the call failed and set one
 };
@@ -69,6 +70,10 @@ class SdlRecorder {
 
   // The same for one call, the `number`-th from now on (1 is the next) of all fallible ones.
   void refuseNth(std::size_t number);
+
+  // Until resumed nothing is refused, and no call counts towards a refusal.
+  void suspendRefusals();
+  void resumeRefusals();
 
   // SDL_PollEvent answers with this before it asks SDL, after what was fed earlier.
   void feed(const SDL_Event& event);

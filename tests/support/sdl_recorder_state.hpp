@@ -36,6 +36,7 @@ struct RecorderState {
   std::mutex mutex;
   std::uint64_t generation = 0;  // of `calls`: grows when they are forgotten
   std::vector<SdlCall> calls;
+  bool areRefusalsSuspended = false;
   std::map<std::string, Refusal> refusals;
   std::size_t callsToRefusal = 0;  // of all fallible ones; 0: none is to be refused
   std::deque<SDL_Event> events;    // to feed

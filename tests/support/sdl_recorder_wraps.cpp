@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "support/foreign_leaks.hpp"
+#include "support/sdl_clock.hpp"
 #include "support/sdl_recorder_state.hpp"
 
 extern "C" decltype(SDL_GetError) __real_SDL_GetError;
@@ -61,6 +62,7 @@ using framesink::test::isRecording;
 using framesink::test::recorded;
 using framesink::test::recordedCall;
 using framesink::test::RecordedCall;
+using framesink::test::SdlClock;
 
 extern "C" {
 
@@ -97,6 +99,8 @@ SDL_Thread* __wrap_SDL_CreateThread(SDL_ThreadFunction body, const char* name, v
   SDL_Thread* thread =
       recorded("SDL_CreateThread", nullptr, __real_SDL_CreateThread, body, name, data);
   framesink::test::noteThread(thread);
+  SdlClock* clock = SdlClock::current();
+  if (clock != nullptr && thread != nullptr) clock->awaitFirstRest();
   return thread;
 }
 
@@ -134,7 +138,11 @@ int __wrap_SDL_UnlockMutex(SDL_mutex* mutex) {
 
 decltype(SDL_Delay) __real_SDL_Delay;
 void __wrap_SDL_Delay(Uint32 milliseconds) {
-  recorded("SDL_Delay", __real_SDL_Delay, milliseconds);
+  const auto rest = [](Uint32 duration) {
+    SdlClock* clock = SdlClock::current();
+    clock == nullptr ? __real_SDL_Delay(duration) : clock->rest(duration);
+  };
+  recorded("SDL_Delay", +rest, milliseconds);
 }
 
 // ---- Events ----

@@ -1,0 +1,80 @@
+// sdl_fault_host SERVER [FUNCTION FIRST LAST]: a host of the threaded or the synchronous server whose SDL
+// refuses calls number FIRST to LAST of FUNCTION, "any" being all functions counted together (and LAST
+// not read). Without a screen.
+//
+// Tells on standard output: "point FUNCTION" for each call that could have been refused, "fault
+// FUNCTION" for each that was, "message TEXT" for each line that belongs on standard error, and
+// "stop MILLISECONDS"; "wrong: REASON" at once when something is.
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "display/server_instances.hpp"
+#include "fault_run.hpp"
+#include "support/foreign_leaks.hpp"
+
+namespace framesink::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kLongestStop{20};
+
+// Made before any server, and so ended after the last.
+class Ending {
+ public:
+  ~Ending() {
+    if (run == nullptr) return;
+    const auto took = Clock::now() - began;
+    if (took > kLongestStop) giveUp("stopping took longer than 20 s");
+    const auto calls = run->recorder().calls();
+    checkCalls(calls);
+    for (const SdlCall& call : calls) {
+      if (call.refused) std::printf("fault %s\n", call.function.c_str());
+      if (call.countable) std::printf("point %s\n", call.function.c_str());
+    }
+    for (const std::string& text : expectedMessages(calls))
+      std::printf("message %s\n", text.c_str());
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(took);
+    std::printf("stop %d\n", static_cast<int>(milliseconds.count()));
+    std::fflush(stdout);
+  }
+
+  FaultRun* run = nullptr;
+  Clock::time_point began;
+};
+
+Ending ending;
+
+int host(const std::vector<std::string>& arguments) {
+  auto* run = new FaultRun(arguments.at(0) == "synchronous");  // lives to the end of the process
+  if (arguments.size() > 1) {
+    const auto first = static_cast<std::size_t>(std::stoul(arguments.at(2)));
+    if (arguments.at(1) == "any") {
+      run->recorder().refuseNth(first);
+    } else {
+      run->recorder().refuse(arguments.at(1), first, std::stoul(arguments.at(3)));
+    }
+  }
+  run->liveThrough();
+  run->showHealthyFrame();
+  // SDL was shut down under its renderers and textures.
+  if (run->recorder().count("SDL_Quit") != 0) expectLeaks();
+  ending.run = run;
+  ending.began = Clock::now();
+  for (const bool synchronous : {false, true}) {
+    if (SdlServer* server = existingServer(synchronous)) server->beginLeaving();
+  }
+  run->clock().release();
+  return 0;
+}
+
+}  // namespace
+}  // namespace framesink::test
+
+int main(int count, char** arguments) {
+  return framesink::test::host({arguments + 1, arguments + count});
+}
