@@ -1,4 +1,6 @@
-// What a whole run's calls tell: nothing left behind, nothing used after its end, every failure told.
+// What a whole run's calls tell: nothing left behind, nothing used after its end or from another thread,
+// every failure told.
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -7,62 +9,125 @@
 namespace framesink::test {
 namespace {
 
-struct Resource {
+using Names = std::set<std::string>;
+
+// Something that SDL makes. All but the mutex is used and released by the thread that had it made,
+// and goes with SDL's shut-down.
+struct Kind {
   const char* made;
   const char* released;
-  bool goesWithSdl;  // must not be touched once SDL is shut down
+  Names users;  // functions that have it as their first argument
+  bool isOfOneThread = true;
 };
-constexpr Resource kResources[] = {{"SDL_CreateWindow", "SDL_DestroyWindow", true},
-                                   {"SDL_CreateRenderer", "SDL_DestroyRenderer", true},
-                                   {"SDL_CreateTexture", "SDL_DestroyTexture", true},
-                                   {"SDL_CreateRGBSurfaceFrom", "SDL_FreeSurface", false},
-                                   {"SDL_CreateMutex", "SDL_DestroyMutex", false}};
+const Kind kKinds[] = {
+    {"SDL_CreateWindow",
+     "SDL_DestroyWindow",
+     {"SDL_CreateRenderer", "SDL_GetWindowFlags", "SDL_GetWindowID", "SDL_GetWindowPixelFormat",
+      "SDL_GetWindowSize", "SDL_RaiseWindow", "SDL_SetWindowFullscreen", "SDL_SetWindowIcon",
+      "SDL_SetWindowSize", "SDL_SetWindowTitle", "SDL_ShowWindow"}},
+    {"SDL_CreateRenderer",
+     "SDL_DestroyRenderer",
+     {"SDL_CreateTexture", "SDL_RenderSetLogicalSize", "SDL_RenderClear", "SDL_RenderCopy",
+      "SDL_RenderPresent"}},
+    {"SDL_CreateTexture", "SDL_DestroyTexture", {"SDL_LockTexture", "SDL_UnlockTexture"}},
+    {"SDL_CreateRGBSurfaceFrom", "SDL_FreeSurface", {}},
+    {"SDL_CreateMutex", "SDL_DestroyMutex", {"SDL_LockMutex", "SDL_UnlockMutex"}, false}};
 
-// Of one kind, while they live.
+// What hosts may ask of a window of the display thread.
+const Names kForAnyThread{"SDL_RaiseWindow", "SDL_SetWindowTitle", "SDL_GetWindowFlags"};
+
+// Those of one kind, while they live.
 class Living {
  public:
-  explicit Living(const Resource& resource) : resource_(resource) {}
+  explicit Living(const Kind& kind) : kind_(kind) {}
 
-  void follow(const SdlCall& call, bool isTextureLost) {
-    if (call.function == resource_.made && call.result != 0) {
-      living_.insert(call.result);
-    } else if (call.function == resource_.released && call.arguments[0] != 0) {
-      if (living_.erase(call.arguments[0]) == 0) giveUp(call.function + " of what is not there");
-    } else if (call.function == "SDL_Quit" && resource_.goesWithSdl) {
-      if (!isTextureLost) expectNone();
-      living_.clear();
-    }
+  void follow(const SdlCall& call) {
+    const std::int64_t first = call.arguments.empty() ? 0 : call.arguments[0];
+    if (call.function == kind_.released || kind_.users.count(call.function) != 0) use(call, first);
+    if (call.function == kind_.released) threads_.erase(first);
+    if (call.function == kind_.made && call.result != 0) threads_[call.result] = call.thread;
   }
+
+  void sdlEnds(bool isTextureLost) {
+    if (!kind_.isOfOneThread) return;
+    if (!isTextureLost) expectNone();
+    threads_.clear();
+  }
+
   void expectNone() const {
-    if (!living_.empty()) giveUp(std::string("never released: from ") + resource_.made);
+    if (!threads_.empty()) giveUp(std::string("never released: from ") + kind_.made);
   }
 
  private:
-  const Resource& resource_;
-  std::set<std::int64_t> living_;
+  void use(const SdlCall& call, std::int64_t thing) const {
+    if (thing == 0) return;
+    const auto found = threads_.find(thing);
+    if (found == threads_.end()) giveUp(call.function + " of what is not there");
+    const bool isForeign = found->second != call.thread && kForAnyThread.count(call.function) == 0;
+    if (kind_.isOfOneThread && isForeign) giveUp(call.function + " on another thread");
+  }
+
+  const Kind& kind_;
+  std::map<std::int64_t, int> threads_;  // that had it made
 };
 
-bool isCleaningUp(const SdlCall& call) { return call.function == "SDL_WaitThread"; }
-
-}  // namespace
-
-// SDL itself is shut down under windows that are still there only when a texture was lost.
-void checkCalls(const std::vector<SdlCall>& calls) {
-  for (const Resource& resource : kResources) {
-    Living living(resource);
+// SDL is shut down under windows that are still there only when a texture was lost.
+void checkLives(const std::vector<SdlCall>& calls) {
+  for (const Kind& kind : kKinds) {
+    Living living(kind);
     bool isTextureLost = false;
     for (const SdlCall& call : calls) {
       if (call.function == "SDL_LockTexture") isTextureLost = call.result < 0;
-      living.follow(call, isTextureLost);
-      if (call.function == "SDL_Quit") isTextureLost = false;
+      if (call.function == "SDL_Quit") living.sdlEnds(std::exchange(isTextureLost, false));
+      living.follow(call);
     }
     living.expectNone();
   }
-  std::string last;
+}
+
+// SDL_Init comes when SDL video is down, and the screen saver's call after each, only then.
+void checkStart(const std::vector<SdlCall>& calls) {
+  bool isVideoDown = false;
+  std::size_t starts = 0;
+  std::size_t screenSavers = 0;
   for (const SdlCall& call : calls) {
-    if (!isCleaningUp(call)) last = call.function;
+    if (call.function == "SDL_WasInit") isVideoDown = (call.result & SDL_INIT_VIDEO) == 0;
+    if (call.function == "SDL_Init") {
+      if (!std::exchange(isVideoDown, false)) giveUp("SDL_Init although video is up");
+      ++starts;
+    }
+    if (call.function == "SDL_EnableScreenSaver" && ++screenSavers != starts) {
+      giveUp("SDL_EnableScreenSaver without SDL_Init");
+    }
   }
-  if (last != "SDL_Quit") giveUp("the last call is " + last);
+  if (starts != screenSavers) giveUp("SDL_Init without SDL_EnableScreenSaver");
+}
+
+// 1 and 3 ms between passes, 1 ms for a lock, 2 ms for a window, 10 ms for the end.
+void checkRests(const std::vector<SdlCall>& calls) {
+  static const std::set<std::int64_t> kRests{1, 2, 3, 10};
+  for (const SdlCall& call : calls) {
+    if (call.function != "SDL_Delay") continue;
+    if (kRests.count(call.arguments[0]) == 0) {
+      giveUp("a rest of " + std::to_string(call.arguments[0]) + " ms");
+    }
+  }
+}
+
+void checkEnd(const std::vector<SdlCall>& calls) {
+  const auto last = std::find_if(calls.rbegin(), calls.rend(), [](const SdlCall& call) {
+    return call.function != "SDL_WaitThread";  // the test's own, to clean up
+  });
+  if (last->function != "SDL_Quit") giveUp("the last call is " + last->function);
+}
+
+}  // namespace
+
+void checkCalls(const std::vector<SdlCall>& calls) {
+  checkLives(calls);
+  checkStart(calls);
+  checkRests(calls);
+  checkEnd(calls);
 }
 
 std::vector<std::string> expectedMessages(const std::vector<SdlCall>& calls) {

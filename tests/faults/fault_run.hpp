@@ -17,7 +17,8 @@ namespace framesink::test {
 
 class FaultRun {
  public:
-  explicit FaultRun(bool synchronous) : synchronous_(synchronous) {}
+  FaultRun(SdlRecorder& recorder, bool synchronous)
+      : synchronous_(synchronous), recorder_(recorder), clock_(recorder) {}
 
   // The life of a few windows: opened, drawn, renamed, raised, asked, full screen, closed by the
   // user, opened again, destroyed.
@@ -29,7 +30,6 @@ class FaultRun {
   // Some call was refused.
   bool isFaulty() const;
 
-  SdlRecorder& recorder() { return recorder_; }
   SdlClock& clock() { return clock_; }
 
  private:
@@ -58,8 +58,8 @@ class FaultRun {
   void expect(bool holds, const char* what) const;
 
   const bool synchronous_;
-  SdlRecorder recorder_;
-  SdlClock clock_{recorder_};
+  SdlRecorder& recorder_;
+  SdlClock clock_;
   void* first_ = nullptr;
   std::uint32_t firstWindow_ = 0;
 };

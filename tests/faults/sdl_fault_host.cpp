@@ -23,14 +23,17 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLongestStop{20};
 
+// Made before anything of the library, and ended last.
+[[gnu::init_priority(101)]] SdlRecorder recorder;
+
 // Made before any server, and so ended after the last.
 class Ending {
  public:
   ~Ending() {
-    if (run == nullptr) return;
+    if (!isExpected) return;
     const auto took = Clock::now() - began;
     if (took > kLongestStop) giveUp("stopping took longer than 20 s");
-    const auto calls = run->recorder().calls();
+    const auto calls = recorder.calls();
     checkCalls(calls);
     for (const SdlCall& call : calls) {
       if (call.refused) std::printf("fault %s\n", call.function.c_str());
@@ -43,27 +46,31 @@ class Ending {
     std::fflush(stdout);
   }
 
-  FaultRun* run = nullptr;
+  bool isExpected = false;
   Clock::time_point began;
 };
 
 Ending ending;
 
-int host(const std::vector<std::string>& arguments) {
-  auto* run = new FaultRun(arguments.at(0) == "synchronous");  // lives to the end of the process
-  if (arguments.size() > 1) {
-    const auto first = static_cast<std::size_t>(std::stoul(arguments.at(2)));
-    if (arguments.at(1) == "any") {
-      run->recorder().refuseNth(first);
-    } else {
-      run->recorder().refuse(arguments.at(1), first, std::stoul(arguments.at(3)));
-    }
+void refuse(const std::vector<std::string>& arguments) {
+  const auto first = static_cast<std::size_t>(std::stoul(arguments.at(2)));
+  if (arguments.at(1) == "any") {
+    recorder.refuseNth(first);
+  } else {
+    recorder.refuse(arguments.at(1), first, std::stoul(arguments.at(3)));
   }
+}
+
+int host(const std::vector<std::string>& arguments) {
+  if (!recorder.calls().empty()) giveUp("SDL was called at load");
+  // Lives to the end of the process, as the display thread may.
+  auto* run = new FaultRun(recorder, arguments.at(0) == "synchronous");
+  if (arguments.size() > 1) refuse(arguments);
   run->liveThrough();
   run->showHealthyFrame();
   // SDL was shut down under its renderers and textures.
-  if (run->recorder().count("SDL_Quit") != 0) expectLeaks();
-  ending.run = run;
+  if (recorder.count("SDL_Quit") != 0) expectLeaks();
+  ending.isExpected = true;
   ending.began = Clock::now();
   for (const bool synchronous : {false, true}) {
     if (SdlServer* server = existingServer(synchronous)) server->beginLeaving();
