@@ -14,7 +14,7 @@ int main(void) {
   in.heights[0] = 24;
   in.dataType = FRAMESINK_UINT8;
   in.layout = 1;
-  void *block = libCreate(error, 0, "consumer", "Consumer", 0, &in, 1, 0, 0, 0, 0, 0, 0, 0, 0);
+  void* block = libCreate(error, 0, "consumer", "Consumer", 0, &in, 1, 0, 0, 0, 0, 0, 0, 0, 0);
   libStart(block, error);
   libUpdate(block, error, plane, 0, 0, FRAMESINK_CONFIGURED_SIZE, FRAMESINK_CONFIGURED_SIZE);
   printf("framesink %s, %s, window open: %d\n", framesink_version, error[0] ? error : "no error",
