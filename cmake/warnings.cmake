@@ -7,3 +7,8 @@ target_compile_options(framesink_warnings INTERFACE
   -ffp-contract=off
   # A UNIQUE symbol would keep the library mapped after dlclose.
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-fno-gnu-unique>)
+
+# For what takes locks: see src/display/thread_safety.hpp.
+add_library(framesink_lock_checks INTERFACE)
+target_compile_options(framesink_lock_checks INTERFACE
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety;-Werror=thread-safety>)

@@ -14,11 +14,14 @@
 #include <utility>
 #include <vector>
 
+#include "display/thread_safety.hpp"
+
 namespace framesink {
 
-// Add, remove, removeAll and reclaim are the owner's: one thread at a time, under the owner's lock.
+// Add, remove, removeAll and reclaim are the owner's: one thread at a time, under the owner's lock,
+// which the list itself stands for where locks are checked.
 template <class Player>
-class PlayerList {
+class FRAMESINK_LOCK("player list") PlayerList {
   struct Snapshot {
     std::vector<Player*> players;
     std::vector<Player*> removed;  // went when this snapshot was replaced; destroyed along with it
@@ -61,7 +64,7 @@ class PlayerList {
 
   // Every addition also lays by the snapshot that the removal will need, so that removal cannot
   // fail. The n-th spare has room for n players; there are as many spares as players.
-  void add(std::unique_ptr<Player> player) {
+  void add(std::unique_ptr<Player> player) FRAMESINK_REQUIRES(this) {
     auto spare = std::make_unique<Snapshot>();
     auto next = std::make_unique<Snapshot>();
     const std::span<Player* const> present = players();
@@ -74,7 +77,7 @@ class PlayerList {
     replaceWith(next.release());
   }
 
-  void remove(Player* player) noexcept {
+  void remove(Player* player) noexcept FRAMESINK_REQUIRES(this) {
     Snapshot* next = pop(spare_);
     for (Player* present : players()) {
       if (present != player) next->players.push_back(present);
@@ -84,7 +87,7 @@ class PlayerList {
     replaceWith(next);
   }
 
-  void removeAll() noexcept {
+  void removeAll() noexcept FRAMESINK_REQUIRES(this) {
     if (empty()) return;
     Snapshot* last = current_;
     last->removed = last->players;  // as long as its capacity: allocates nothing
@@ -93,7 +96,7 @@ class PlayerList {
   }
 
   // Destroys what was removed and can no longer be seen. True when nothing is left to destroy.
-  bool reclaim() noexcept {
+  bool reclaim() noexcept FRAMESINK_REQUIRES(this) {
     if (waiting_ == nullptr) {
       if (retired_ == nullptr) return true;
       waiting_ = std::exchange(retired_, nullptr);
@@ -121,7 +124,7 @@ class PlayerList {
     }
   }
 
-  void replaceWith(Snapshot* next) {
+  void replaceWith(Snapshot* next) FRAMESINK_REQUIRES(this) {
     Snapshot* old = current_.exchange(next);
     if (old != nullptr) push(retired_, old);
   }
@@ -150,9 +153,11 @@ class PlayerList {
   mutable std::array<std::atomic<std::uint32_t>, 2> readers_{};
 
   // The owner's.
-  Snapshot* spare_ = nullptr;
-  Snapshot* retired_ = nullptr;  // replaced in the present epoch
-  Snapshot* waiting_ = nullptr;  // replaced in the epoch before, whose readers are waited for
+  Snapshot* spare_ FRAMESINK_GUARDED_BY(this) = nullptr;
+  // Replaced in the present epoch.
+  Snapshot* retired_ FRAMESINK_GUARDED_BY(this) = nullptr;
+  // Replaced in the epoch before, whose readers are waited for.
+  Snapshot* waiting_ FRAMESINK_GUARDED_BY(this) = nullptr;
 };
 
 }  // namespace framesink

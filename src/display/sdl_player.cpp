@@ -45,14 +45,19 @@ void SdlPlayer::showNewestFrame() {
 }
 
 void SdlPlayer::createWindow() {
-  auto window = std::make_unique<SdlWindow>(frameSize_, title_, requested_.size,
+  auto window = std::make_unique<SdlWindow>(frameSize_, title(), requested_.size,
                                             requested_.position, fullscreen_);
   if (fullscreen_) window->enterFullscreen();
   window_ = window.release();
 }
 
+std::string SdlPlayer::title() {
+  const MutexLock lock(titleMutex_);
+  return title_;
+}
+
 void SdlPlayer::setTitle(const std::string& title) {
-  const std::lock_guard lock(titleMutex_);
+  const MutexLock lock(titleMutex_);
   title_ = title;
   window()->setTitle(title);
 }

@@ -5,11 +5,12 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "display/geometry.hpp"
+#include "display/sdl_session.hpp"
 #include "display/sdl_window.hpp"
+#include "display/thread_safety.hpp"
 
 namespace framesink {
 
@@ -51,13 +52,13 @@ class SdlPlayer {
   // -----------------------------------------------------
 
   // Makes the window and publishes it.
-  void createWindow();
-  void giveUpWindow() { windowImpossible_ = true; }
+  void createWindow() FRAMESINK_REQUIRES(sdlGate);
+  void giveUpWindow() FRAMESINK_REQUIRES(sdlGate) { windowImpossible_ = true; }
 
   bool hasNewFrame() const { return newFrame_ != 0; }
 
   // Draws the newest frame whole, new or not. Needs the window.
-  void showNewestFrame();
+  void showNewestFrame() FRAMESINK_REQUIRES(sdlGate);
 
  private:
   // Both in one word, so that host threads that submit at the same time never leave a pair from
@@ -66,6 +67,8 @@ class SdlPlayer {
     std::uint32_t displayBuffer;  // holds the frame to show: 1 is buffer 1, else buffer 2
     std::uint32_t writeState;     // gets the next frame: likewise
   };
+
+  std::string title();
 
   const Size frameSize_;
   const std::size_t frameBytes_;
@@ -82,8 +85,8 @@ class SdlPlayer {
   std::atomic<std::uint8_t> newFrame_{0};
   std::atomic<std::uint8_t> closeRequested_{0};
 
-  std::mutex titleMutex_;  // host threads among themselves
-  std::string title_;
+  Mutex titleMutex_;  // host threads among themselves
+  std::string title_ FRAMESINK_GUARDED_BY(titleMutex_);
   std::atomic<SdlWindow*> window_{nullptr};  // owned
   std::atomic<bool> windowImpossible_{false};
 };

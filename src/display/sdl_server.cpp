@@ -29,17 +29,18 @@ SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, std::uint32_t playerI
 
 }  // namespace
 
-// The server's mutex for a host thread: retried without limit while it can still be had.
-class SdlServer::Lock {
+// The server's mutex for a host thread: retried without limit while it can still be had. Never
+// asked for in the gate, which the display thread takes while it holds the mutex.
+class FRAMESINK_SCOPED_LOCK SdlServer::Lock {
  public:
-  explicit Lock(SdlServer& server)
+  explicit Lock(SdlServer& server) FRAMESINK_ACQUIRES(server.players_) FRAMESINK_EXCLUDES(sdlGate)
       : mutex_(server.thread_.isLost() ? nullptr : server.mutex_.load()) {
     while (mutex_ != nullptr && SDL_LockMutex(mutex_) != 0) {
       if (server.leaving_) mutex_ = nullptr;
       SDL_Delay(kLockRetry);
     }
   }
-  ~Lock() {
+  ~Lock() FRAMESINK_RELEASES() {
     if (mutex_ != nullptr) SDL_UnlockMutex(mutex_);
   }
   Lock(const Lock&) = delete;
@@ -49,6 +50,15 @@ class SdlServer::Lock {
 
  private:
   SDL_mutex* mutex_;
+};
+
+// In the gate of a server whose players no other thread changes: it is synchronous, or at its end.
+class FRAMESINK_SCOPED_LOCK SdlServer::Alone {
+ public:
+  explicit Alone(SdlServer& server) FRAMESINK_ACQUIRES(sdlGate, server.players_) { sdlGate.lock(); }
+  ~Alone() FRAMESINK_RELEASES() { sdlGate.unlock(); }
+  Alone(const Alone&) = delete;
+  Alone& operator=(const Alone&) = delete;
 };
 
 SdlServer::SdlServer(bool threaded) : threaded_(threaded) {}
@@ -66,21 +76,20 @@ std::uint32_t SdlServer::addPlayer(const std::uint8_t* initialFrame, Size frameS
                                    bool fullscreen) {
   if (leaving_) return kNoPlayer;
   if (started_ == 0) start();
-  const auto make = [&] {
+  const auto make = [&](std::uint32_t playerId) {
     return std::make_unique<SdlPlayer>(initialFrame, frameSize, title, window, fullscreen,
-                                       nextPlayerId_++);
+                                       playerId);
   };
   if (threaded_) {
     const Lock lock(*this);
     if (!lock || leaving_) return kNoPlayer;
-    auto player = make();
-    const std::uint32_t playerId = player->playerId();
-    players_.add(std::move(player));
+    const std::uint32_t playerId = nextPlayerId_++;
+    players_.add(make(playerId));
     return playerId;
   }
-  const std::lock_guard gate(sdlGate);
-  auto player = make();
-  const std::uint32_t playerId = player->playerId();
+  const Alone alone(*this);
+  const std::uint32_t playerId = nextPlayerId_++;
+  auto player = make(playerId);
   openWindow(*player);
   players_.add(std::move(player));
   return playerId;
@@ -94,11 +103,11 @@ void SdlServer::deliverFrame(std::int32_t playerId, const std::uint8_t* frame, S
     if (player != nullptr && player->frameSize() == frameSize) player->submitFrame(frame);
     return;
   }
-  const std::lock_guard gate(sdlGate);
-  SdlPlayer* player = findPlayer(players_.players(), id);
-  if (player != nullptr && player->frameSize() == frameSize) {
-    player->submitFrame(frame);
-    player->showNewestFrame();
+  const Alone alone(*this);
+  SdlPlayer* shown = player(id);
+  if (shown != nullptr && shown->frameSize() == frameSize) {
+    shown->submitFrame(frame);
+    shown->showNewestFrame();
   }
   pumpEvents(false);
 }
@@ -110,8 +119,8 @@ void SdlServer::closePlayer(std::uint32_t playerId) {
     if (player != nullptr) player->requestClose();
     return;
   }
-  const std::lock_guard gate(sdlGate);
-  removeNow(findPlayer(players_.players(), playerId));
+  const Alone alone(*this);
+  removeNow(player(playerId));
 }
 
 bool SdlServer::hasOpenPlayer(std::uint32_t playerId) const {
@@ -197,7 +206,7 @@ std::uint32_t SdlServer::getWindowY(std::uint32_t playerId) const {
 
 // Host threads that add the first player at the same time meet in the gate.
 void SdlServer::start() {
-  const std::lock_guard gate(sdlGate);
+  const InGate gate;
   if (started_ != 0) return;
   initSdlVideo();
   if (threaded_) {
@@ -253,14 +262,18 @@ void SdlServer::runDisplayThread() {
 }
 
 void SdlServer::runPass() {
-  if (SDL_LockMutex(mutex_) != 0) return;
+  if (!lockForPass()) return;
   {
-    const std::lock_guard gate(sdlGate);
+    const InGate gate;
     servePlayers();
     pumpEvents(true);
   }
-  SDL_UnlockMutex(mutex_);
+  unlockAfterPass();
 }
+
+FRAMESINK_IS_THE_LOCK bool SdlServer::lockForPass() { return SDL_LockMutex(mutex_) == 0; }
+
+FRAMESINK_IS_THE_LOCK void SdlServer::unlockAfterPass() { SDL_UnlockMutex(mutex_); }
 
 void SdlServer::servePlayers() {
   for (std::size_t i = 0; i < players_.players().size(); ++i) {
@@ -286,7 +299,7 @@ void SdlServer::servePlayer(SdlPlayer& player) {
 void SdlServer::deleteAllPlayers() {
   const bool locked = SDL_LockMutex(mutex_) == 0;
   {
-    const std::lock_guard gate(sdlGate);
+    const Alone alone(*this);
     players_.removeAll();
     awaitReclaim();
   }
@@ -309,6 +322,10 @@ void SdlServer::leaveFullscreenAll() {
     while (window->isFullscreen() && !leaving_) SDL_Delay(kWindowPoll);
     SDL_Delay(kWindowPoll);
   }
+}
+
+SdlPlayer* SdlServer::player(std::uint32_t playerId) const {
+  return findPlayer(players_.players(), playerId);
 }
 
 SdlPlayer* SdlServer::playerWithWindow(std::uint32_t windowId) const {

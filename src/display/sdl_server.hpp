@@ -22,6 +22,8 @@
 #include "display/geometry.hpp"
 #include "display/player_list.hpp"
 #include "display/sdl_player.hpp"
+#include "display/sdl_session.hpp"
+#include "display/thread_safety.hpp"
 
 namespace framesink {
 
@@ -77,28 +79,34 @@ class SdlServer {
  private:
   using Players = PlayerList<SdlPlayer>;
   class Lock;
+  class Alone;
 
   void start();
   void runDisplayThread();
   void runPass();
-  void servePlayers();
-  void servePlayer(SdlPlayer& player);
+  bool lockForPass() FRAMESINK_TRIES(true, players_);
+  void unlockAfterPass() FRAMESINK_RELEASES(players_);
+  void servePlayers() FRAMESINK_REQUIRES(sdlGate, players_);
+  void servePlayer(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate);
   void deleteAllPlayers();
   bool awaitDisplayThread();
 
-  void openWindow(SdlPlayer& player);
-  void leaveFullscreenAll();
+  void openWindow(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate);
+  void leaveFullscreenAll() FRAMESINK_REQUIRES(sdlGate);
 
-  void pumpEvents(bool deferClose);
-  bool nextEvent(SDL_Event& event);
-  void handOver(const SDL_Event& event);
-  void handleEvent(const SDL_Event& event, SdlPlayer& player, bool deferClose);
-  void handleWindowEvent(const SDL_WindowEvent& event, SdlPlayer& player, bool deferClose);
-  void removePlayer(std::uint32_t windowId);
-  void removeNow(SdlPlayer* player);
-  void awaitReclaim();
+  void pumpEvents(bool deferClose) FRAMESINK_REQUIRES(sdlGate, players_);
+  bool nextEvent(SDL_Event& event) FRAMESINK_REQUIRES(sdlGate);
+  void handOver(const SDL_Event& event) FRAMESINK_REQUIRES(sdlGate);
+  void handleEvent(const SDL_Event& event, SdlPlayer& player, bool deferClose)
+      FRAMESINK_REQUIRES(sdlGate, players_);
+  void handleWindowEvent(const SDL_WindowEvent& event, SdlPlayer& player, bool deferClose)
+      FRAMESINK_REQUIRES(sdlGate, players_);
+  void removePlayer(std::uint32_t windowId) FRAMESINK_REQUIRES(sdlGate, players_);
+  void removeNow(SdlPlayer* player) FRAMESINK_REQUIRES(sdlGate, players_);
+  void awaitReclaim() FRAMESINK_REQUIRES(players_);
 
-  SdlPlayer* playerWithWindow(std::uint32_t windowId) const;
+  SdlPlayer* player(std::uint32_t playerId) const FRAMESINK_REQUIRES(sdlGate);
+  SdlPlayer* playerWithWindow(std::uint32_t windowId) const FRAMESINK_REQUIRES(sdlGate);
   bool canWindowCome(const SdlPlayer& player) const;
   template <class Result, class Action>
   Result withWindow(std::uint32_t playerId, Result absent, Action action) const;
@@ -119,9 +127,9 @@ class SdlServer {
   // Changed under the mutex (threaded) or in the gate (synchronous). Only who is in the gate
   // destroys players, so that whoever is there may look at either server's.
   Players players_;
-  std::uint32_t nextPlayerId_ = 0;
+  std::uint32_t nextPlayerId_ FRAMESINK_GUARDED_BY(players_) = 0;
 
-  EventInbox inbox_;  // in the gate
+  EventInbox inbox_ FRAMESINK_GUARDED_BY(sdlGate);
 };
 
 }  // namespace framesink

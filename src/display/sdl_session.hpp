@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "display/platform.hpp"
+#include "display/thread_safety.hpp"
 
 namespace framesink {
 
@@ -13,19 +14,28 @@ namespace framesink {
 // during a call on the synchronous server. Two threads in there on one X connection crash.
 // Recursive; without contention unless both servers run. Host calls on threaded players never take
 // it.
-class SdlGate {
+class FRAMESINK_LOCK("gate") SdlGate {
  public:
-  void lock();
-  void unlock();
+  void lock() FRAMESINK_ACQUIRES();
+  void unlock() FRAMESINK_RELEASES();
   bool isHeldByThisThread() const { return owner_ == currentThread(); }
 
  private:
   std::recursive_mutex mutex_;
   std::atomic<OsThreadId> owner_{0};
-  int depth_ = 0;
+  int depth_ FRAMESINK_GUARDED_BY(this) = 0;
 };
 
 extern SdlGate sdlGate;
+
+// In the gate for its life.
+class FRAMESINK_SCOPED_LOCK InGate {
+ public:
+  InGate() FRAMESINK_ACQUIRES(sdlGate) { sdlGate.lock(); }
+  ~InGate() FRAMESINK_RELEASES() { sdlGate.unlock(); }
+  InGate(const InGate&) = delete;
+  InGate& operator=(const InGate&) = delete;
+};
 
 // Initialises SDL video unless it is up. Errors go to standard error, and work goes on.
 void initSdlVideo();

@@ -9,6 +9,8 @@
 #include <string>
 
 #include "display/geometry.hpp"
+#include "display/sdl_session.hpp"
+#include "display/thread_safety.hpp"
 
 namespace framesink {
 
@@ -29,13 +31,13 @@ class SdlWindow {
   SdlWindow& operator=(const SdlWindow&) = delete;
 
   // Uploads a whole frame (three planes, see frameByteCount) and presents it.
-  void showFrame(const std::uint8_t* frame);
+  void showFrame(const std::uint8_t* frame) FRAMESINK_REQUIRES(sdlGate);
 
   // Makes the window full screen on the desktop, and visible.
-  void enterFullscreen();
+  void enterFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
   // Back to the stored size. False when SDL refused.
-  bool leaveFullscreen();
+  bool leaveFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
   // SDL's id of the window, by which events are routed; 0 when it has none, or no longer: a later
   // SDL may give the number to another window. Any thread.

@@ -1,0 +1,56 @@
+// What the compiler is told about locks. Clang checks it (-Wthread-safety): touching what is
+// guarded without the lock does not compile. Other compilers see nothing.
+#pragma once
+
+#include <mutex>
+
+#if defined(__clang__)
+#define FRAMESINK_THREAD_ATTRIBUTE(x) __attribute__((x))
+#else
+#define FRAMESINK_THREAD_ATTRIBUTE(x)
+#endif
+
+// On a class: it is a lock, or stands for one.
+#define FRAMESINK_LOCK(name) FRAMESINK_THREAD_ATTRIBUTE(capability(name))
+
+// On a class: it holds what its constructor acquires, to the end of its life.
+#define FRAMESINK_SCOPED_LOCK FRAMESINK_THREAD_ATTRIBUTE(scoped_lockable)
+
+// On a variable: read and written only while the lock is held.
+#define FRAMESINK_GUARDED_BY(lock) FRAMESINK_THREAD_ATTRIBUTE(guarded_by(lock))
+
+// On functions: the caller holds the locks, or must not; the function takes them, tries to (its
+// first argument is the result that says so), or gives them back.
+#define FRAMESINK_REQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
+#define FRAMESINK_EXCLUDES(...) FRAMESINK_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
+#define FRAMESINK_ACQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
+#define FRAMESINK_TRIES(...) FRAMESINK_THREAD_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
+#define FRAMESINK_RELEASES(...) FRAMESINK_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
+
+// On a function that is itself how a lock is taken or given back.
+#define FRAMESINK_IS_THE_LOCK FRAMESINK_THREAD_ATTRIBUTE(no_thread_safety_analysis)
+
+namespace framesink {
+
+// std::mutex, known to the check.
+class FRAMESINK_LOCK("mutex") Mutex {
+ public:
+  void lock() FRAMESINK_ACQUIRES() { mutex_.lock(); }
+  void unlock() FRAMESINK_RELEASES() { mutex_.unlock(); }
+
+ private:
+  std::mutex mutex_;
+};
+
+class FRAMESINK_SCOPED_LOCK MutexLock {
+ public:
+  explicit MutexLock(Mutex& mutex) FRAMESINK_ACQUIRES(mutex) : mutex_(mutex) { mutex_.lock(); }
+  ~MutexLock() FRAMESINK_RELEASES() { mutex_.unlock(); }
+  MutexLock(const MutexLock&) = delete;
+  MutexLock& operator=(const MutexLock&) = delete;
+
+ private:
+  Mutex& mutex_;
+};
+
+}  // namespace framesink
