@@ -55,13 +55,6 @@ std::string everyThird(const std::string& pixels, std::size_t first) {
   return plane;
 }
 
-// Tests' clips and expected pictures are made by the program `ffmpeg`.
-void makeWithFfmpeg(const Arguments& arguments) {
-  Arguments line{"ffmpeg", "-nostdin", "-loglevel", "error", "-y"};
-  line.insert(line.end(), arguments.begin(), arguments.end());
-  ASSERT_TRUE(runProgram(line)) << "the program ffmpeg is needed";
-}
-
 // What ffmpeg makes of the first frame of `source`: raw bytes.
 std::string framesByFfmpeg(const Scratch& scratch, const std::string& source,
                            const Arguments& conversion) {

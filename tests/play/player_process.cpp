@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -140,7 +141,8 @@ Outcome runPlayer(const Arguments& arguments, const Setting& setting) {
   Outcome outcome;
   int status = 0;
   Clock::time_point firstFrame = Clock::time_point::max();
-  while (waitpid(child, &status, WNOHANG) == 0) {
+  rusage used{};
+  while (wait4(child, &status, WNOHANG, &used) == 0) {
     if (Clock::now() - begin > kPatience) {
       kill(child, SIGKILL);
       ADD_FAILURE() << "the player did not end in time";
@@ -156,6 +158,7 @@ Outcome runPlayer(const Arguments& arguments, const Setting& setting) {
     std::this_thread::sleep_for(5ms);
   }
   outcome.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  outcome.peakKilobytes = used.ru_maxrss;
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   terminal.drain(outcome.err);
@@ -172,6 +175,12 @@ bool runProgram(const Arguments& line) {
   int status = 0;
   waitpid(child, &status, 0);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+void makeWithFfmpeg(const Arguments& arguments) {
+  Arguments line{"ffmpeg", "-nostdin", "-loglevel", "error", "-y"};
+  line.insert(line.end(), arguments.begin(), arguments.end());
+  ASSERT_TRUE(runProgram(line)) << "the program ffmpeg is needed";
 }
 
 }  // namespace framesink::play

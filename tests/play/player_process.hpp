@@ -22,6 +22,7 @@ struct Outcome {
   std::string out;
   std::string err;
   double seconds = 0;
+  long peakKilobytes = 0;          // of its memory
   std::vector<std::string> calls;  // lines of the stub's log
   std::string frame;               // planes of the last frame sent, one after another
 
@@ -64,5 +65,8 @@ Outcome runPlayer(const Arguments& arguments, const Setting& setting = {});
 
 // Runs another program, found on the path; true when it succeeds.
 bool runProgram(const Arguments& line);
+
+// Tests' clips and expected pictures are made by the program `ffmpeg`.
+void makeWithFfmpeg(const Arguments& arguments);
 
 }  // namespace framesink::play

@@ -9,8 +9,10 @@ extern "C" {
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstdarg>
 #include <filesystem>
+#include <string_view>
 
 #include "failure.hpp"
 #include "picture_scaler.hpp"
@@ -44,6 +46,14 @@ std::string messageOf(int error) {
   std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
   av_strerror(error, text.data(), text.size());
   return text.data();
+}
+
+// What opening a file can come to. All other numbers, whatever they stand for elsewhere, are about
+// what is in it.
+bool isOfTheSystem(int error) {
+  constexpr std::array kOfTheSystem{EACCES, EBADF,  ELOOP,   EMFILE, ENAMETOOLONG, ENFILE,
+                                    ENOENT, ENOMEM, ENOTDIR, ENXIO,  EPERM};
+  return std::ranges::find(kOfTheSystem, AVUNERROR(error)) != kOfTheSystem.end();
 }
 
 class VideoSource final : public Source {
@@ -112,7 +122,9 @@ class VideoSource final : public Source {
     const int error = avformat_open_input(&format, url.c_str(), nullptr, &options);
     av_dict_free(&options);
     if (error == AVERROR_INVALIDDATA) fail("not a video or an image");
-    if (error < 0) fail(messageOf(error));
+    if (isOfTheSystem(error)) fail(messageOf(error));
+    if (error < 0 && path == "-") fail("damaged, cut short, or not to be read from a pipe");
+    if (error < 0) fail("damaged or cut short, nothing can be read");
     format_.reset(format);
   }
 
@@ -161,14 +173,30 @@ class VideoSource final : public Source {
       error = av_read_frame(format_.get(), packet_.get());
     } while (error >= 0 && packet_->stream_index != stream_->index);
     if (error < 0) {
-      damaged_ |= error != AVERROR_EOF;
+      damaged_ |= error != AVERROR_EOF || endsTooEarly();
       drained_ = true;
       avcodec_send_packet(decoder_.get(), nullptr);
       return;
     }
+    packetsEnd_ = packet_->pos + packet_->size;
     damaged_ |= (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0;
     damaged_ |= avcodec_send_packet(decoder_.get(), packet_.get()) < 0;
     av_packet_unref(packet_.get());
+  }
+
+  // FFmpeg ends two kinds of streams without a word when they are cut. What is left behind the last
+  // picture tells: nothing in a whole y4m, and in a GIF a semicolon, perhaps before or after more.
+  bool endsTooEarly() const {
+    AVIOContext* file = format_->pb;
+    const std::string_view kind = format_->iformat->name;
+    const std::int64_t left = avio_tell(file) - packetsEnd_;
+    if (kind == "yuv4mpegpipe") return left != 0;
+    if (kind != "gif") return false;
+    if (left == 0 || avio_seek(file, packetsEnd_, SEEK_SET) < 0) return true;
+    const int first = avio_r8(file);
+    int last = first;
+    for (std::int64_t i = 1; i < left; ++i) last = avio_r8(file);
+    return first != ';' && last != ';';
   }
 
   // Follows the stream's timestamps as long as they make sense.
@@ -198,6 +226,7 @@ class VideoSource final : public Source {
   std::int64_t start_ = AV_NOPTS_VALUE;  // the first frame's timestamp
   double time_ = 0;                      // seconds
   double shift_ = 0;                     // seconds that broken timestamps are off
+  std::int64_t packetsEnd_ = 0;          // in bytes of the file
   bool drained_ = false;
   bool damaged_ = false;
 };
