@@ -59,19 +59,19 @@ HostCall::~HostCall() {
   callsUnderWay.fetch_sub(1);
 }
 
-bool endHostCalls() {
+bool endHostCalls(std::chrono::milliseconds patience) {
   ended = true;
   if (givenUp || isFork()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
-  const auto deadline = std::chrono::steady_clock::now() + kLongestUnload;
+  const auto deadline = std::chrono::steady_clock::now() + patience;
   while (callsUnderWay != 0) {
     if (std::chrono::steady_clock::now() >= deadline) {
       givenUp = true;
       return false;
     }
     sleepFor(std::chrono::milliseconds(1));
-    waited = (kLongestUnload - std::chrono::duration_cast<std::chrono::milliseconds>(
-                                   deadline - std::chrono::steady_clock::now()))
+    waited = (patience - std::chrono::duration_cast<std::chrono::milliseconds>(
+                             deadline - std::chrono::steady_clock::now()))
                  .count();
   }
   return true;

@@ -31,11 +31,11 @@ inline constexpr std::chrono::milliseconds kLongestUnload{20000};
 
 // Turns new host calls away, for good, and waits for those under way. False when nothing that they
 // use may be torn down: this thread is itself inside the library (in a host call, or in SDL through
-// a display pass), calls still run after kLongestUnload, or this process is a fork of the one whose
+// a display pass), calls still run after `patience`, or this process is a fork of the one whose
 // windows these are.
-bool endHostCalls();
+bool endHostCalls(std::chrono::milliseconds patience = kLongestUnload);
 
-// How much of kLongestUnload that has taken.
+// How much of its patience that has taken.
 std::chrono::milliseconds waitedForHostCalls();
 
 // Windows are about to be made: forks of this process leave them alone.

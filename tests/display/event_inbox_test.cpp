@@ -59,6 +59,17 @@ TEST(EventInbox, KeepsEscape) {
   EXPECT_EQ(event->key.keysym.sym, SDLK_ESCAPE);
 }
 
+TEST(EventInbox, KeepsOneEscapeOfEachWindowBesideItsOtherEvents) {
+  EventInbox inbox;
+  inbox.put(windowEvent(7, SDL_WINDOWEVENT_MOVED));
+  for (int i = 0; i < 3; ++i) inbox.put(keyEvent(7, SDLK_ESCAPE));
+  inbox.put(keyEvent(8, SDLK_ESCAPE));
+  EXPECT_EQ(taken(inbox)->type, SDL_WINDOWEVENT);
+  EXPECT_EQ(taken(inbox)->key.windowID, 7U);
+  EXPECT_EQ(taken(inbox)->key.windowID, 8U);
+  EXPECT_FALSE(taken(inbox));
+}
+
 TEST(EventInbox, DropsWhatNoDrainActsOn) {
   EventInbox inbox;
   inbox.put(applicationEvent(SDL_MOUSEMOTION));

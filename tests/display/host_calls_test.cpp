@@ -22,6 +22,7 @@ bool areCallsTurnedAway() { return !HostCall(); }
 // endHostCalls() on a thread of its own.
 class Ending {
  public:
+  explicit Ending(std::chrono::milliseconds patience = kLongestUnload) : patience_(patience) {}
   ~Ending() { thread_.join(); }
 
   bool hasEndedAfterAWhile() const {
@@ -33,10 +34,11 @@ class Ending {
   }
 
  private:
+  const std::chrono::milliseconds patience_;
   std::atomic<bool> ended_{false};
   std::atomic<bool> answer_{false};
   std::thread thread_{[this] {
-    answer_ = endHostCalls();
+    answer_ = endHostCalls(patience_);
     ended_ = true;
   }};
 };
@@ -88,6 +90,16 @@ TEST(HostCalls, TheEndWaitsForMoreCallsThanAreKnownByThread) {
   EXPECT_FALSE(ending.hasEndedAfterAWhile());
   calls.clear();
   EXPECT_TRUE(ending.answer());
+}
+
+// The call is left alone from then on: a later end does not wait for it again, nor trust its return.
+TEST(HostCalls, TheEndGivesUpACallThatDoesNotReturn) {
+  auto call = std::make_unique<HostCall>();
+  const Ending ending(std::chrono::milliseconds(30));
+  EXPECT_FALSE(ending.answer());
+  EXPECT_GT(waitedForHostCalls(), std::chrono::milliseconds(0));
+  call.reset();
+  EXPECT_FALSE(endHostCalls());
 }
 
 TEST(HostCalls, AForkHasNoEndOfItsOwn) {
