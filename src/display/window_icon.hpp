@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace framesink {
@@ -9,7 +10,7 @@ namespace framesink {
 inline constexpr int kIconSize = 16;  // pixels in each direction
 
 // Row by row, 4 bits a channel: red 0xF000, green 0x0F00, blue 0x00F0, alpha 0x000F.
-using IconPixels = std::array<std::uint16_t, kIconSize * kIconSize>;
+using IconPixels = std::array<std::uint16_t, std::size_t{kIconSize} * kIconSize>;
 
 // A dark screen in a light frame, with a wave running across it.
 constexpr IconPixels windowIcon() {

@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -60,7 +61,9 @@ bool hostAnswers(const std::string& host, int port) {
 bool xServerAnswers(const std::string& display) {
   const auto colon = display.rfind(':');
   if (colon == std::string::npos) return false;
-  const int number = std::atoi(display.c_str() + colon + 1);
+  int number = 0;
+  const char* end = display.data() + display.size();
+  if (std::from_chars(display.data() + colon + 1, end, number).ec != std::errc()) return false;
   const std::string host = display.substr(0, colon);
   if (!host.empty() && host != "unix") return hostAnswers(host, kFirstXPort + number);
   const std::string path = "/tmp/.X11-unix/X" + std::to_string(number);

@@ -99,6 +99,7 @@ void parseHold(const std::string& text, Options& options) {
 template <class Table>
 std::vector<std::string> namesOf(const Table& table) {
   std::vector<std::string> names;
+  names.reserve(table.size());
   for (const auto& row : table) names.emplace_back(row.name);
   return names;
 }
