@@ -16,7 +16,8 @@ constexpr std::array<Sample, 256> eightBitSamples(Sample min, Sample max) {
   for (int v = 0; v < 256; ++v) {
     if constexpr (std::numeric_limits<Sample>::is_integer) {
       const std::int64_t span = std::int64_t{max} - std::int64_t{min};
-      samples[v] = static_cast<Sample>(std::int64_t{min} + (std::int64_t{2} * v * span + 255) / 510);
+      samples[v] =
+          static_cast<Sample>(std::int64_t{min} + (std::int64_t{2} * v * span + 255) / 510);
     } else {
       samples[v] = static_cast<Sample>(min + v / 255.0 * (max - min));
     }
