@@ -5,10 +5,12 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "host.h"
+#include "uncaught.h"
 
 enum { STATUS = 7 };
 
@@ -60,6 +62,19 @@ static void pumpSlowly(void) {
 
 static void idle(void) {
   for (;;) pause();
+}
+
+static void leaveWithoutHandlers(void) {
+  say("leaving");
+  _exit(STATUS);
+}
+
+/* Ends by SIGABRT, and leaves no core behind. */
+static void throwException(void) {
+  const struct rlimit none = {0, 0};
+  CHECK(setrlimit(RLIMIT_CORE, &none) == 0);
+  say("leaving");
+  throwUncaught();
 }
 
 /* ---- Calls from exit handlers
@@ -159,6 +174,8 @@ static const Ending endings[] = {
     {"return", NULL, NULL, NULL},
     {"exit", NULL, NULL, leave},
     {"exit-from-thread", NULL, NULL, startLeavingThread},
+    {"_exit", NULL, NULL, leaveWithoutHandlers},
+    {"exception", NULL, NULL, throwException},
     {"late-calls-before-load", callAtExit, NULL, leave},
     {"late-calls-before-use", NULL, callAtExit, leave},
     {"late-calls-after-use", NULL, NULL, callAtExitAndLeave},

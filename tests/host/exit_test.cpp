@@ -53,6 +53,19 @@ TEST_P(Exit, ExitFromAnotherThreadWhileFramesAreShownIsHarmless) {
   leavesAtOnce(host);
 }
 
+TEST_P(Exit, WithoutHandlersReturnsTheHostsStatusWithinASecond) {
+  HostProcess host("exit_host", {GetParam(), "_exit"});
+  leavesAtOnce(host);
+}
+
+TEST_P(Exit, ByAnUncaughtExceptionIsAnAbort) {
+  HostProcess host("exit_host", {GetParam(), "exception"});
+  ASSERT_TRUE(host.says("leaving"));
+  EXPECT_TRUE(host.endsBySignal(SIGABRT, 1s));
+  EXPECT_NE(host.error().find("nobody catches this"), std::string::npos) << host.error();
+  EXPECT_TRUE(x.waitForNoWindow("exit A"));
+}
+
 // ---- Exit handlers ------------------------------------------------------------------------------
 
 TEST_P(Exit, CallsFromAHandlerRegisteredBeforeLoadingFindNothing) {

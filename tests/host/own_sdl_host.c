@@ -1,6 +1,8 @@
-/* own_sdl_host LIBRARY: a host that uses SDL for a window of its own. Both windows stay until the
- * user closes the library's. */
+/* own_sdl_host LIBRARY CYCLES: a host that uses SDL for a window of its own. With 0 cycles both
+ * windows stay until the user closes the library's; otherwise the host starts SDL, loads and unloads
+ * so many times. */
 #include <SDL.h>
+#include <stdlib.h>
 
 #include "host.h"
 
@@ -16,13 +18,21 @@ static SDL_Window* openOwnWindow(void) {
   return window;
 }
 
-int main(int count, char** arguments) {
-  CHECK(count == 2);
+/* The library shuts SDL down for the whole process when it goes. The host may start it again. */
+static void unloadAndCheck(Library* library) {
+  const double start = secondsNow();
+  unloadLibrary(library);
+  CHECK(secondsNow() - start < 5);
+  CHECK(!isMapped("libframesink"));
+  CHECK(SDL_WasInit(SDL_INIT_VIDEO) == 0);
+}
+
+static void showUntilTheUserCloses(const char* path) {
   SDL_Window* const own = openOwnWindow();
   const uint32_t id = SDL_GetWindowID(own);
   const int screenSaver = SDL_IsScreenSaverEnabled() == SDL_TRUE;
 
-  Library library = loadLibrary(arguments[1]);
+  Library library = loadLibrary(path);
   void* const block = createBlock(&library, (WindowRequest){"guest", 100, 100, 1, 0});
   CHECK((SDL_IsScreenSaverEnabled() == SDL_TRUE) == screenSaver);
   say("showing");
@@ -30,11 +40,35 @@ int main(int count, char** arguments) {
   CHECK(SDL_GetWindowFromID(id) == own);
   library.destroy(block);
   checkForLeaks();
-  unloadLibrary(&library);
+  unloadAndCheck(&library);
+}
 
-  /* The library shuts SDL down for the whole process when it goes. The host may start it again. */
-  CHECK(!isMapped("libframesink"));
-  CHECK(SDL_WasInit(SDL_INIT_VIDEO) == 0);
+/* The guest's window is threaded, or synchronous, or never opened. */
+static void runCycle(const char* path, int cycle) {
+  SDL_Window* const own = openOwnWindow();
+  Library library = loadLibrary(path);
+  const WindowRequest request = {"cycle", 100, 100, cycle % 3 != 0, cycle % 3 == 1};
+  void* const block = createBlock(&library, request);
+  Frame frame;
+  fillFrame(&frame, 0x20A040);
+  for (int i = 0; i < 5; ++i) updateBlock(&library, block, &frame);
+  library.destroy(block);
+  if (cycle % 3 == 0) {
+    /* No window, no server: SDL stays the host's. */
+    unloadLibrary(&library);
+    CHECK(SDL_WasInit(SDL_INIT_VIDEO) != 0);
+    SDL_DestroyWindow(own);
+    SDL_Quit();
+    return;
+  }
+  unloadAndCheck(&library);
+}
+
+int main(int count, char** arguments) {
+  CHECK(count == 3);
+  const int cycles = atoi(arguments[2]);
+  if (cycles == 0) showUntilTheUserCloses(arguments[1]);
+  for (int cycle = 0; cycle < cycles; ++cycle) runCycle(arguments[1], cycle);
   CHECK(SDL_Init(SDL_INIT_VIDEO) == 0);
   SDL_Quit();
   return 0;

@@ -1,0 +1,16 @@
+/* What a host in C cannot do itself. */
+#ifndef UNCAUGHT_H
+#define UNCAUGHT_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Throws a C++ exception that nobody catches. */
+void throwUncaught(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
