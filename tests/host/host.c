@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -20,6 +21,24 @@ void checkThat(int holds, const char* condition, const char* file, int line) {
 void say(const char* text) {
   puts(text);
   fflush(stdout);
+}
+
+static sigset_t theSignal(void) {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGUSR1);
+  return set;
+}
+
+void holdSignal(void) {
+  const sigset_t set = theSignal();
+  CHECK(sigprocmask(SIG_BLOCK, &set, NULL) == 0);
+}
+
+void awaitSignal(void) {
+  const sigset_t set = theSignal();
+  int number = 0;
+  CHECK(sigwait(&set, &number) == 0);
 }
 
 void sleepMilliseconds(long milliseconds) {

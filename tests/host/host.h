@@ -19,6 +19,11 @@ void checkThat(int holds, const char* condition, const char* file, int line);
 /* Writes a line to standard output at once: the test waits for it. */
 void say(const char* text);
 
+/* The test gives the word to go on by SIGUSR1. Held from before the library is loaded, so that no
+ * thread takes it, and waited for. */
+void holdSignal(void);
+void awaitSignal(void);
+
 void sleepMilliseconds(long milliseconds);
 double secondsNow(void);
 

@@ -26,12 +26,13 @@ HostProcess::HostProcess(const std::string& program, std::vector<std::string> ar
                          std::vector<std::string> environment)
     : process_(commandOf(program, arguments), {.environment = std::move(environment)}) {}
 
+bool HostProcess::hasSaid(const std::string& line) const {
+  return ("\n" + output()).find("\n" + line + "\n") != std::string::npos;
+}
+
 testing::AssertionResult HostProcess::says(const std::string& line) {
-  const auto isSaid = [&] {
-    return ("\n" + output()).find("\n" + line + "\n") != std::string::npos;
-  };
-  waitUntil([&] { return isSaid() || !isRunning(); });
-  if (isSaid()) return testing::AssertionSuccess();
+  waitUntil([&] { return hasSaid(line) || !isRunning(); });
+  if (hasSaid(line)) return testing::AssertionSuccess();
   return testing::AssertionFailure() << "has not said \"" << line << "\" but:\n"
                                      << output() << error();
 }

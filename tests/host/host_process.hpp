@@ -20,6 +20,8 @@ class HostProcess {
   ChildProcess& process() { return process_; }
   bool isRunning() { return process_.isRunning(); }
 
+  bool hasSaid(const std::string& line) const;
+
   // Waits until the host has written that line.
   testing::AssertionResult says(const std::string& line);
 

@@ -1,0 +1,120 @@
+// A window manager that hangs while a window is made: the display thread is stuck inside SDL.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
+#include <iostream>
+#include <string>
+
+#include "host_process.hpp"
+#include "support/x_fixtures.hpp"
+
+namespace framesink::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kHostsStatus = 7;
+
+// A display of the test's own, because its window manager is stopped.
+class Stuck : public testing::Test {
+ protected:
+  // Xlib's and SDL's own memory is left as it is when the display thread is stuck.
+  HostProcess start(const std::string& deed) {
+    return HostProcess("stuck_host", {deed}, {"ASAN_OPTIONS=detect_leaks=0"});
+  }
+
+  // The window manager has taken both windows over and lets others at the X server again.
+  void stopManager(HostProcess& host) {
+    ASSERT_TRUE(host.says("open"));
+    x.waitForWindow("stuck A");
+    x.waitForWindow("stuck B");
+    ASSERT_EQ(kill(manager.pid(), SIGSTOP), 0);
+  }
+
+  // SDL waits for the window to be shown once that has its title.
+  void untilStuck(HostProcess& host) {
+    stopManager(host);
+    host.process().signal(SIGUSR1);
+    ASSERT_TRUE(host.says("asked"));
+    ASSERT_TRUE(waitUntil([&] { return x.findWindow("stuck C").has_value(); }));
+  }
+
+  void act(HostProcess& host) {
+    host.process().signal(SIGUSR1);
+    ASSERT_TRUE(host.says("acting"));
+  }
+
+  void wakeManager() { ASSERT_EQ(kill(manager.pid(), SIGCONT), 0); }
+
+  XServer server;
+  WindowManager manager{server};
+  XClient x{server.display()};
+};
+
+TEST_F(Stuck, HoldsUpNoneOfTheCallsThatDoNotWait) {
+  HostProcess host = start("what-does-not-wait");
+  untilStuck(host);
+  act(host);
+  EXPECT_TRUE(host.says("no call waited"));
+  EXPECT_TRUE(x.findWindow("stuck B"));
+  wakeManager();
+  EXPECT_TRUE(x.waitForNoWindow("stuck B"));
+  EXPECT_TRUE(x.waitForNoWindow("stuck C"));
+  host.process().signal(SIGUSR1);
+  EXPECT_TRUE(host.endsWith(kHostsStatus));
+}
+
+class StuckCall : public Stuck, public testing::WithParamInterface<const char*> {};
+
+std::string deedName(const testing::TestParamInfo<const char*>& test) {
+  std::string name = test.param;
+  std::erase(name, '-');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Host, StuckCall,
+                         testing::Values("ask-for-its-place", "open-it-again", "rename-it",
+                                         "raise-another", "rename-another", "open-another"),
+                         deedName);
+
+TEST_P(StuckCall, WaitsUntilTheWindowManagerAnswers) {
+  HostProcess host = start(GetParam());
+  untilStuck(host);
+  act(host);
+  EXPECT_FALSE(waitUntil([&] { return !host.isRunning() || host.hasSaid("done"); }, 200ms));
+  wakeManager();
+  EXPECT_TRUE(host.says("done"));
+  EXPECT_TRUE(host.endsWith(kHostsStatus));
+}
+
+// ---- The end, after 20 s ------------------------------------------------------------------------
+
+using StuckForLong = Stuck;
+
+TEST_F(StuckForLong, UnloadingReturnsAndLeavesSdlAsItIs) {
+  HostProcess host = start("unload");
+  untilStuck(host);
+  act(host);
+  const bool unloaded =
+      waitUntil([&] { return !host.isRunning() || host.hasSaid("unloaded"); }, 60s);
+  EXPECT_TRUE(unloaded && host.isRunning()) << host.output() << host.error();
+  std::cout << host.output();
+  EXPECT_TRUE(x.findWindow("stuck A")) << "SDL was shut down";
+  host.process().signal(SIGUSR1);
+  EXPECT_TRUE(host.endsWith(kHostsStatus));
+  EXPECT_TRUE(x.waitForNoWindow("stuck A"));
+  wakeManager();
+}
+
+TEST_F(StuckForLong, ExitEndsTheHostAllTheSame) {
+  HostProcess host = start("leave");
+  untilStuck(host);
+  act(host);
+  EXPECT_FALSE(host.process().wait(19s)) << host.output() << host.error();
+  EXPECT_TRUE(host.endsWith(kHostsStatus, 40s));
+  wakeManager();
+}
+
+}  // namespace
+}  // namespace framesink::test
