@@ -56,25 +56,6 @@ TEST_F(Hosts, MayUseSdlThemselves) {
   EXPECT_TRUE(host.endsWith(0));
 }
 
-// ---- No display ---------------------------------------------------------------------------------
-
-int countOf(const std::string& part, const std::string& text) {
-  int count = 0;
-  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
-  return count;
-}
-
-// Each of the two displays tries SDL once, each of the two windows is tried once and again when the
-// host opens it again; frames cost no word.
-TEST(HostsWithoutADisplay, RunTheirModelAllTheSame) {
-  HostProcess host("model_host", {}, {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER=x11"});
-  ASSERT_TRUE(host.says("model done"));
-  EXPECT_TRUE(host.endsNoisilyWith(0, kDeadline));
-  EXPECT_EQ(countOf("Could not initialize SDL: ", host.error()), 2) << host.error();
-  EXPECT_EQ(countOf("Could not create window: ", host.error()), 2) << host.error();
-  EXPECT_LE(countOf("\n", host.error()), 5) << host.error();
-}
-
 // ---- A host's own media library -----------------------------------------------------------------
 
 class HostsOwnRanges : public Hosts {

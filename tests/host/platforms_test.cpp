@@ -1,0 +1,126 @@
+// The same host on every window system there is, and on none.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "host_process.hpp"
+#include "support/x_fixtures.hpp"
+
+namespace framesink::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Environment = std::vector<std::string>;
+
+class ModelHost {
+ public:
+  explicit ModelHost(const Environment& environment) : host_("model_host", {}, environment) {}
+
+  testing::AssertionResult hasRun() {
+    const auto result = host_.says("model run");
+    std::cout << host_.output();
+    return result;
+  }
+
+  // Every window open, of the size of its frames and, where nobody places windows, as asked for.
+  void answersAsAskedFor() {
+    for (const char* line :
+         {"model A: open, 64 x 48 at 100, 120", "model B: open, 64 x 48 at 300, 120",
+          "model C: open, 64 x 48 at 500, 120"}) {
+      EXPECT_TRUE(host_.hasSaid(line)) << host_.output();
+    }
+  }
+  void answersWithOpenWindows() {
+    for (const char* name : {"A", "B", "C"}) {
+      EXPECT_NE(host_.output().find(std::string("model ") + name + ": open, 64 x 48 at "),
+                std::string::npos)
+          << host_.output();
+    }
+  }
+
+  // The host closes windows and unloads; says what became of the library.
+  testing::AssertionResult unloads(const std::string& outcome) {
+    goOn();
+    return host_.says(outcome);
+  }
+
+  testing::AssertionResult endsQuietly() {
+    goOn();
+    return host_.endsWith(0);
+  }
+  testing::AssertionResult endsNoisily() {
+    goOn();
+    return host_.endsNoisilyWith(0, kDeadline);
+  }
+
+  std::string error() const { return host_.error(); }
+
+ private:
+  void goOn() { host_.process().signal(SIGUSR1); }
+
+  HostProcess host_;
+};
+
+std::string paramName(const testing::TestParamInfo<const char*>& test) { return test.param; }
+
+int countOf(const std::string& part, const std::string& text) {
+  int count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
+
+// ---- X11 ----------------------------------------------------------------------------------------
+
+class OnBareX : public BareXTest {};
+
+TEST_F(OnBareX, WindowsAreWhereTheyWereAskedFor) {
+  ModelHost model({});
+  ASSERT_TRUE(model.hasRun());
+  model.answersAsAskedFor();
+  EXPECT_TRUE(model.unloads("library gone"));
+  EXPECT_TRUE(model.endsQuietly());
+}
+
+class OnManagedX : public ManagedXTest {};
+
+TEST_F(OnManagedX, WindowsAreOpenAndOfTheirSize) {
+  ModelHost model({});
+  ASSERT_TRUE(model.hasRun());
+  model.answersWithOpenWindows();
+  EXPECT_TRUE(model.unloads("library gone"));
+  EXPECT_TRUE(model.endsQuietly());
+}
+
+// ---- Drivers that show nothing ------------------------------------------------------------------
+
+class OnADriver : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(OfSdl, OnADriver, testing::Values("dummy", "offscreen"), paramName);
+
+TEST_P(OnADriver, TheModelRunsAndWindowsAnswer) {
+  ModelHost model({"DISPLAY", "WAYLAND_DISPLAY", std::string("SDL_VIDEODRIVER=") + GetParam()});
+  ASSERT_TRUE(model.hasRun());
+  model.answersAsAskedFor();
+  EXPECT_TRUE(model.unloads("library gone"));
+  EXPECT_TRUE(model.endsQuietly());
+}
+
+// ---- No display ---------------------------------------------------------------------------------
+
+// Each of the two servers tries SDL once, each window is tried once; frames cost no word.
+TEST(OnNoDisplay, TheModelRunsAndWindowsAnswerAllTheSame) {
+  ModelHost model({"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER=x11"});
+  ASSERT_TRUE(model.hasRun());
+  model.answersAsAskedFor();
+  EXPECT_TRUE(model.unloads("library gone"));
+  EXPECT_TRUE(model.endsNoisily());
+  EXPECT_EQ(countOf("Could not initialize SDL: ", model.error()), 2) << model.error();
+  EXPECT_EQ(countOf("Could not create window: ", model.error()), 3) << model.error();
+  EXPECT_LE(countOf("\n", model.error()), 6) << model.error();
+}
+
+}  // namespace
+}  // namespace framesink::test
