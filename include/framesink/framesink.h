@@ -31,7 +31,9 @@
  *     nothing behind.
  *  9. Lifetime. Windows belong to the library: they outlive blocks and runs, and close when the
  *     user closes them, by destroyVideoWindow, or when the library is unloaded. Unloading and
- *     exiting close everything; they wait at most 20 s for a display that no longer answers.
+ *     exiting close everything; they wait at most 20 s for a display that no longer answers. Where
+ *     SDL draws through OpenGL, as on Wayland, a library that has opened a threaded window stays
+ *     loaded, and its windows open, to the end of the process.
  * 10. After the library's own end (in exit handlers that run later) every function returns at once
  *     and does nothing.
  */

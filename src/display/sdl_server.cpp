@@ -9,6 +9,7 @@
 #include "display/host_calls.hpp"
 #include "display/sdl_session.hpp"
 #include "display/server_instances.hpp"
+#include "display/stay_loaded.hpp"
 
 namespace framesink {
 namespace {
@@ -212,6 +213,7 @@ void SdlServer::start() {
   if (threaded_) {
     quit_ = 0;
     mutex_ = SDL_CreateMutex();
+    stayLoadedWithOpenGl();
     thread_.start(
         "sdlVideoPlayers",
         [](void* server) { static_cast<SdlServer*>(server)->runDisplayThread(); }, this);

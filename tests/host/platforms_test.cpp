@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "host_process.hpp"
+#include "support/wayland_server.hpp"
 #include "support/x_fixtures.hpp"
 
 namespace framesink::test {
@@ -15,6 +17,12 @@ namespace {
 
 using namespace std::chrono_literals;
 using Environment = std::vector<std::string>;
+
+constexpr int kFramePixels = 64 * 48;
+constexpr std::uint32_t kLastColour = 0xFF00FF;
+
+// OpenGL keeps memory for the life of the process, and allocates more often than can be traced.
+constexpr const char* kWithOpenGl = "ASAN_OPTIONS=detect_leaks=0:fast_unwind_on_malloc=1";
 
 class ModelHost {
  public:
@@ -93,6 +101,62 @@ TEST_F(OnManagedX, WindowsAreOpenAndOfTheirSize) {
   model.answersWithOpenWindows();
   EXPECT_TRUE(model.unloads("library gone"));
   EXPECT_TRUE(model.endsQuietly());
+}
+
+TEST_F(OnBareX, TheLibraryStaysLoadedWhereTheUserChoosesOpenGl) {
+  for (const char* choice : {"SDL_FRAMEBUFFER_ACCELERATION=1", "SDL_RENDER_DRIVER=opengl"}) {
+    ModelHost model({choice, kWithOpenGl});
+    ASSERT_TRUE(model.hasRun());
+    EXPECT_TRUE(model.unloads("library stays"));
+    EXPECT_TRUE(model.endsNoisily());
+  }
+}
+
+// ---- Wayland ------------------------------------------------------------------------------------
+
+class OnWayland : public BareXTest {
+ protected:
+  Environment environment() const {
+    Environment variables = wayland.environment();
+    variables.emplace_back(kWithOpenGl);
+    return variables;
+  }
+
+  long pixelsOf(std::uint32_t colour) {
+    const Image screen = x.rootPixels();
+    return std::count(screen.pixels.begin(), screen.pixels.end(), colour);
+  }
+
+  WaylandServer wayland{server};
+};
+
+// The compositor places the windows as it likes; at least one is in nobody's way.
+TEST_F(OnWayland, FramesAreShown) {
+  ModelHost model(environment());
+  ASSERT_TRUE(model.hasRun());
+  model.answersWithOpenWindows();
+  EXPECT_TRUE(waitUntil([&] { return pixelsOf(kLastColour) >= kFramePixels; }));
+}
+
+// OpenGL needs the loader on the display thread, while dlclose would hold the loader's lock.
+TEST_F(OnWayland, TheLibraryStaysLoadedAndItsWindowsOpen) {
+  ModelHost model(environment());
+  ASSERT_TRUE(model.hasRun());
+  EXPECT_TRUE(model.unloads("library stays"));
+  EXPECT_TRUE(waitUntil([&] { return pixelsOf(kLastColour) > 0; }));
+  EXPECT_TRUE(model.endsNoisily());
+  EXPECT_TRUE(waitUntil([&] { return pixelsOf(kLastColour) == 0; }));
+}
+
+// Not with windows of both servers: see docs/platforms.md.
+class ExitOnWayland : public OnWayland, public testing::WithParamInterface<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Display, ExitOnWayland, testing::Values("threaded", "synchronous"),
+                         paramName);
+
+TEST_P(ExitOnWayland, ReturnsTheHostsStatus) {
+  HostProcess host("exit_host", {GetParam(), "exit"}, environment());
+  ASSERT_TRUE(host.says("leaving"));
+  EXPECT_TRUE(host.endsNoisilyWith(7, kDeadline));
 }
 
 // ---- Drivers that show nothing ------------------------------------------------------------------
