@@ -3,22 +3,19 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "display/server_instances.hpp"
 #include "display_helpers.hpp"
+#include "support/restless_user.hpp"
 #include "support/scoped_variable.hpp"
 #include "support/x_fixtures.hpp"
 
 namespace framesink::test {
 namespace {
 
-// The user's pace. SDL takes events from X as long as more arrive, so that a flood of them, which
-// no hand makes, would keep it from ever coming back.
-constexpr std::chrono::milliseconds kBetweenDeeds{2};
 constexpr std::uint32_t kThreadedWindows = 4;
 constexpr std::uint32_t kWindows = kThreadedWindows + 1;  // the last is synchronous
 
@@ -29,59 +26,11 @@ std::chrono::milliseconds duration() {
 
 std::string titleOf(std::uint32_t index) { return "window " + std::to_string(index); }
 
-// On a thread and a connection of its own until it goes.
-class RestlessUser {
- public:
-  explicit RestlessUser(const std::string& display) : thread_([this, display] { work(display); }) {}
-  ~RestlessUser() {
-    stop_ = true;
-    thread_.join();
-  }
-  RestlessUser(const RestlessUser&) = delete;
-  RestlessUser& operator=(const RestlessUser&) = delete;
-
-  int deeds() const { return deeds_; }
-  int closed() const { return closed_; }
-
- private:
-  // A search grabs the server, which slows the windows down: only for one that is gone.
-  void work(const std::string& display) {
-    XClient x(display);
-    std::mt19937 random(1);
-    std::vector<Window> windows(kWindows, kNoWindow);
-    while (!stop_) {
-      const auto index = static_cast<std::uint32_t>(random()) % kWindows;
-      Window& window = windows[index];
-      if (!x.exists(window)) window = x.findWindow(titleOf(index)).value_or(kNoWindow);
-      if (window != kNoWindow) act(x, window, random);
-      std::this_thread::sleep_for(kBetweenDeeds);
-    }
-  }
-  void act(XClient& x, Window window, std::mt19937& random) {
-    const auto number = [&](std::uint32_t limit) { return static_cast<int>(random() % limit); };
-    switch (random() % 8) {
-      case 0:
-        if (x.closeButton(window)) ++closed_;
-        break;
-      case 1:
-      case 2:
-      case 3:
-        x.resize(window, 20 + number(200), 20 + number(200));
-        break;
-      case 4:
-        x.raise(window);
-        break;
-      default:
-        x.move(window, number(800), number(600));
-    }
-    ++deeds_;
-  }
-
-  std::atomic<bool> stop_{false};
-  std::atomic<int> deeds_{0};
-  std::atomic<int> closed_{0};
-  std::thread thread_;
-};
+std::vector<std::string> titles() {
+  std::vector<std::string> titles;
+  for (std::uint32_t index = 0; index < kWindows; ++index) titles.push_back(titleOf(index));
+  return titles;
+}
 
 // Four threaded windows fed by one host thread and a synchronous one fed by another, so that both
 // servers are in SDL all the time. No recorder here: its bookkeeping would keep the threads apart.
@@ -121,7 +70,9 @@ class TortureTest : public ManagedXTest {
 TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
   for (std::uint32_t index = 0; index < kWindows; ++index) open(index);
   {
-    const RestlessUser user(server.display());
+    const RestlessUser user(server.display(), titles(),
+                            {.deeds = {Deed::kClose, Deed::kResize, Deed::kResize, Deed::kResize,
+                                       Deed::kRaise, Deed::kMove, Deed::kMove, Deed::kMove}});
     const auto end = std::chrono::steady_clock::now() + duration();
     std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, end); });
     play(0, kThreadedWindows - 1, end);
