@@ -1,0 +1,94 @@
+#include "curves.hpp"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <sstream>
+
+namespace framesink::test {
+namespace {
+
+constexpr std::size_t kFewestSamples = 8;
+
+struct Curve {
+  const char* name;
+  double Sample::*value;
+  double tolerance;
+  double toleranceShare = 0;   // of the second quarter's median
+  double toleranceOfLoad = 0;  // for each load from the second quarter to the last
+};
+
+// Mesa's drivers, with 300 MB, tremble by 2 %. The C library and SDL keep a record of each display
+// thread, which nobody joins.
+constexpr std::array kCurves{
+    Curve{"resident KiB", &Sample::kilobytes, 1536, 0.05, 12},
+    Curve{"descriptors", &Sample::descriptors, 1},
+    Curve{"threads", &Sample::threads, 1},
+    Curve{"X resources", &Sample::xResources, 8},
+};
+
+std::optional<double> median(std::vector<double> values) {
+  if (values.size() < kFewestSamples) return std::nullopt;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// `placeOf` tells where in its stretch of time a sample stands, from 0 to 1.
+template <class PlaceOf>
+Verdict verdictOn(const Curve& curve, const std::string& drawing, const char* quartersOf,
+                  double loadsBetween, const std::vector<Sample>& samples, PlaceOf placeOf) {
+  std::vector<double> second;
+  std::vector<double> last;
+  for (const Sample& sample : samples) {
+    if (sample.drawing != drawing) continue;
+    const double place = placeOf(sample);
+    if (place >= 0.25 && place < 0.5) second.push_back(sample.*curve.value);
+    if (place >= 0.75) last.push_back(sample.*curve.value);
+  }
+  const auto middle = median(second);
+  const double tolerance = curve.tolerance + curve.toleranceShare * middle.value_or(0) +
+                           curve.toleranceOfLoad * loadsBetween;
+  return {curve.name, drawing, quartersOf, middle, median(last), tolerance};
+}
+
+}  // namespace
+
+std::optional<Sample> readSample(const std::string& line) {
+  std::string words = line;
+  std::replace(words.begin(), words.end(), ',', ' ');
+  std::istringstream text(words);
+  Sample s;
+  text >> s.load >> s.age >> s.display >> s.drawing >> s.sent >> s.shown >> s.events >> s.opened >>
+      s.closedByUser >> s.kilobytes >> s.descriptors >> s.threads;
+  return text ? std::optional(s) : std::nullopt;
+}
+
+std::string csvHeader() {
+  return "load,age,display,drawing,sent,shown,events,opened,closed by the user,resident KiB,"
+         "descriptors,threads,X resources";
+}
+
+std::string csvLine(const Sample& s) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(3) << s.load << ',' << s.age << ',' << s.display << ','
+       << s.drawing << ',' << s.sent << ',' << s.shown << ',' << s.events << ',' << s.opened << ','
+       << s.closedByUser << std::setprecision(0) << ',' << s.kilobytes << ',' << s.descriptors
+       << ',' << s.threads << ',' << s.xResources;
+  return text.str();
+}
+
+std::vector<Verdict> judge(const std::vector<Sample>& samples, int loads) {
+  std::vector<Verdict> verdicts;
+  for (const char* drawing : {"software", "OpenGL"}) {
+    for (const Curve& curve : kCurves) {
+      verdicts.push_back(verdictOn(curve, drawing, "the run", loads / 2.0, samples,
+                                   [&](const Sample& s) { return (s.load + s.age) / loads; }));
+      verdicts.push_back(verdictOn(curve, drawing, "each load", 0, samples,
+                                   [](const Sample& s) { return s.age; }));
+    }
+  }
+  return verdicts;
+}
+
+}  // namespace framesink::test
