@@ -3,9 +3,9 @@
 
 #include <new>
 
-#include "../display/allocations.hpp"
 #include "host_block.hpp"
 #include "recorded_frame.hpp"
+#include "support/allocations.hpp"
 #include "support/x_fixtures.hpp"
 
 namespace framesink::test {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-#include "../display/allocations.hpp"
+#include "support/allocations.hpp"
 #include "test_frame.hpp"
 
 namespace framesink::test {

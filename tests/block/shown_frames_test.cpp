@@ -4,11 +4,11 @@
 #include <memory>
 #include <vector>
 
-#include "../display/allocations.hpp"
 #include "host_block.hpp"
 #include "pixkit/pixkit.h"
 #include "recorded_frame.hpp"
 #include "shown_picture.hpp"
+#include "support/allocations.hpp"
 #include "support/x_fixtures.hpp"
 
 namespace framesink::test {

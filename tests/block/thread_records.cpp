@@ -2,7 +2,7 @@
 // test process, so that leaks can be looked for.
 #include <cstdint>
 
-#include "../display/allocations.hpp"
+#include "support/allocations.hpp"
 #include "support/foreign_leaks.hpp"
 
 extern "C" SDL_Thread* __real_SDL_CreateThread(SDL_ThreadFunction body, const char* name,

@@ -12,12 +12,12 @@
 #include <thread>
 #include <vector>
 
-#include "allocation_counter.hpp"
 #include "convert/sample_rows.hpp"
 #include "convert/sample_types.hpp"
 #include "kernel_cases.hpp"
 #include "oracle.hpp"
 #include "sample_pool.hpp"
+#include "support/allocations.hpp"
 
 namespace framesink {
 namespace {
@@ -112,22 +112,22 @@ TEST(KernelSelection, IntensityForwardsItsFirstPlaneThreeTimesToTheRgbKernel) {
 }
 
 TEST(KernelSelection, AllocatesNothing) {
-  const std::size_t before = allocationCount();
+  const std::size_t before = test::allocationCount();
   forEachKernel([](ConversionKernel) {});
-  EXPECT_EQ(allocationCount(), before);
+  EXPECT_EQ(test::allocationCount(), before);
 }
 
 TEST(KernelSelection, KernelsAllocateNothing) {
   const std::vector<double> plane(70 * 9 + 1, 0.25);  // overlapping pairs reach one past an end
   std::vector<std::uint8_t> out(4 * plane.size());
-  const std::size_t before = allocationCount();
+  const std::size_t before = test::allocationCount();
   ASSERT_GT(before, 0U);  // The counter counts: the two vectors above are in it.
   forEachKernel([&](ConversionKernel kernel) {
     for (const std::int32_t layout : {1, 0}) {
       kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, layout);
     }
   });
-  EXPECT_EQ(allocationCount(), before);
+  EXPECT_EQ(test::allocationCount(), before);
 }
 
 // Each thread selects and runs every kernel on its own output, all at the same time.

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "allocations.hpp"
 #include "events.hpp"
+#include "support/allocations.hpp"
 
 namespace framesink::test {
 namespace {

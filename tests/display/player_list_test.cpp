@@ -6,7 +6,7 @@
 #include <new>
 #include <vector>
 
-#include "allocations.hpp"
+#include "support/allocations.hpp"
 
 namespace framesink::test {
 namespace {

@@ -8,11 +8,11 @@
 #include <thread>
 #include <vector>
 
-#include "allocations.hpp"
 #include "display/sdl_session.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
 #include "shown_frames.hpp"
+#include "support/allocations.hpp"
 #include "support/sdl_recorder.hpp"
 
 namespace framesink::test {

@@ -2,10 +2,10 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include "allocations.hpp"
 #include "events.hpp"
 #include "pass_stepper.hpp"
 #include "server_fixtures.hpp"
+#include "support/allocations.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/foreign_leaks.hpp"
 

@@ -9,12 +9,12 @@
 #include <thread>
 #include <vector>
 
-#include "allocations.hpp"
 #include "events.hpp"
 #include "frames.hpp"
 #include "pass_stepper.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
+#include "support/allocations.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/os_facts.hpp"
 #include "support/sdl_recorder.hpp"

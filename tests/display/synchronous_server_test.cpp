@@ -5,10 +5,10 @@
 #include <new>
 #include <thread>
 
-#include "allocations.hpp"
 #include "events.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
+#include "support/allocations.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/foreign_leaks.hpp"
 #include "support/os_facts.hpp"

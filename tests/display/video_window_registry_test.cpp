@@ -9,10 +9,10 @@
 #include <new>
 #include <string>
 
-#include "allocations.hpp"
 #include "display/server_instances.hpp"
 #include "pass_stepper.hpp"
 #include "server_fixtures.hpp"
+#include "support/allocations.hpp"
 #include "support/capture_stderr.hpp"
 
 namespace framesink::test {
