@@ -56,10 +56,10 @@ std::string SdlPlayer::title() {
   return title_;
 }
 
-void SdlPlayer::setTitle(const std::string& title) {
+void SdlPlayer::setTitle(std::string title) {
   const MutexLock lock(titleMutex_);
-  title_ = title;
   window()->setTitle(title);
+  title_ = std::move(title);
 }
 
 }  // namespace framesink

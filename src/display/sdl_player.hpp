@@ -45,8 +45,9 @@ class SdlPlayer {
   // Waiting for the window is pointless: memory ran out when it was to be made.
   bool isWindowImpossible() const { return windowImpossible_; }
 
-  // Player and window get the title. Needs the window.
-  void setTitle(const std::string& title);
+  // Player and window get the title. Needs the window. Without memory for that std::bad_alloc is
+  // thrown and both keep the old one.
+  void setTitle(std::string title);
 
   // --- The thread that runs SDL for the player
   // -----------------------------------------------------

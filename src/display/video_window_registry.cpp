@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "display/host_calls.hpp"
@@ -162,12 +163,13 @@ void VideoWindowRegistry::closeVideoWindow(std::string_view name) {
 void VideoWindowRegistry::renameVideoWindowCore(std::string_view name, std::string_view newName,
                                                 std::string_view newTitle) {
   const std::string title = normalised(newTitle);
+  std::string ownName = normalised(newName);
   VideoWindow* window = findVideoWindow(name);
   if (window == nullptr) return;
-  window->name = normalised(newName);
   if (SdlServer* server = serverWithOpenPlayer(/*synchronous=*/false, *window)) {
     server->renamePlayer(static_cast<std::uint32_t>(window->playerId), title);
   }
+  window->name = std::move(ownName);  // Last: where memory runs out nothing is renamed.
 }
 
 void VideoWindowRegistry::getVideoWindowPosSize(const VideoWindow& window, std::int32_t position[2],

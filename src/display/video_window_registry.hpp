@@ -79,7 +79,8 @@ class VideoWindowRegistry {
   void closeVideoWindow(std::string_view name);
 
   // The record takes newName, player and window take newTitle. The player is always looked for in
-  // threadedServer, whatever the record says. May wait for the window. Throws std::bad_alloc.
+  // threadedServer, whatever the record says. May wait for the window. Throws std::bad_alloc, and
+  // then renames nothing.
   void renameVideoWindowCore(std::string_view name, std::string_view newName,
                              std::string_view newTitle);
 

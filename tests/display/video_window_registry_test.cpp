@@ -345,6 +345,25 @@ TEST_F(VideoWindowRegistryTest, RenamesWithBlanksForLineFeeds) {
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"ti tle"});
 }
 
+TEST_F(VideoWindowRegistryTest, WithoutMemoryNeitherRecordNorWindowIsRenamed) {
+  const std::string oldName(100, 'o');
+  const std::string newName(100, 'n');
+  const std::string title(100, 't');
+  openRecord(oldName);
+  ASSERT_TRUE(hasWindow(threadedServer(), 0));
+  std::size_t left = 0;
+  for (; registry.findVideoWindow(newName) == nullptr; ++left) {
+    ASSERT_EQ(spy.count("SDL_SetWindowTitle"), 0U) << left << " allocations";
+    try {
+      const OutOfMemory afterThese(left);
+      registry.renameVideoWindowCore(oldName, newName, title);
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  EXPECT_GT(left, 2U);
+  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{title});
+}
+
 TEST_F(VideoWindowRegistryTest, RenamesARecordWithoutAPlayer) {
   const VideoWindow* window = registry.registerVideoWindow("old", kFrameSize, 0);
   registry.renameVideoWindowCore("old", "new", "title");
