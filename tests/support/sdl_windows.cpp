@@ -1,0 +1,90 @@
+#include "support/sdl_windows.hpp"
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+
+#include "display/sdl_session.hpp"
+
+namespace framesink::test {
+namespace {
+
+// In the gate. No container that allocates: the display thread's memory may be running out.
+constinit std::array<SDL_Window*, 256> windows{};
+
+void replace(SDL_Window* old, SDL_Window* with) {
+  if (old == with) return;
+  const std::lock_guard gate(sdlGate);
+  const auto place = std::find(windows.begin(), windows.end(), old);
+  if (place != windows.end()) *place = with;
+}
+
+std::optional<std::uint32_t> colourInTheMiddle(SDL_Window* window) {
+  SDL_Renderer* renderer = SDL_GetRenderer(window);
+  if (renderer == nullptr) return std::nullopt;
+  SDL_Rect pixel{0, 0, 1, 1};
+  SDL_GetRendererOutputSize(renderer, &pixel.x, &pixel.y);
+  pixel.x /= 2;
+  pixel.y /= 2;
+  std::uint32_t colour = 0;
+  const bool isRead =
+      SDL_RenderReadPixels(renderer, &pixel, SDL_PIXELFORMAT_ARGB8888, &colour, 4) == 0;
+  return isRead ? std::optional(colour & 0xFFFFFF) : std::nullopt;
+}
+
+SdlWindowFacts factsOf(SDL_Window* window) {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  SDL_GetWindowPosition(window, &x, &y);
+  SDL_GetWindowSize(window, &width, &height);
+  return {.title = SDL_GetWindowTitle(window),
+          .position = {static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y)},
+          .size = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)},
+          .fullscreen = (SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0,
+          .colour = colourInTheMiddle(window),
+          .id = SDL_GetWindowID(window)};
+}
+
+}  // namespace
+
+std::vector<SdlWindowFacts> sdlWindows() {
+  const std::lock_guard gate(sdlGate);
+  std::vector<SdlWindowFacts> facts;
+  for (SDL_Window* window : windows) {
+    if (window != nullptr) facts.push_back(factsOf(window));
+  }
+  return facts;
+}
+
+std::size_t sdlWindowCount() {
+  const std::lock_guard gate(sdlGate);
+  return windows.size() - static_cast<std::size_t>(std::count(windows.begin(), windows.end(),
+                                                              static_cast<SDL_Window*>(nullptr)));
+}
+
+}  // namespace framesink::test
+
+using framesink::test::replace;
+
+extern "C" {
+
+SDL_Window* __real_SDL_CreateWindow(const char*, int, int, int, int, Uint32);
+SDL_Window* __wrap_SDL_CreateWindow(const char*, int, int, int, int, Uint32);
+void __real_SDL_DestroyWindow(SDL_Window*);
+void __wrap_SDL_DestroyWindow(SDL_Window*);
+
+SDL_Window* __wrap_SDL_CreateWindow(const char* title, int x, int y, int width, int height,
+                                    Uint32 flags) {
+  SDL_Window* window = __real_SDL_CreateWindow(title, x, y, width, height, flags);
+  replace(nullptr, window);
+  return window;
+}
+
+void __wrap_SDL_DestroyWindow(SDL_Window* window) {
+  replace(window, nullptr);
+  __real_SDL_DestroyWindow(window);
+}
+
+}  // extern "C"
