@@ -4,19 +4,25 @@
 #include <array>
 #include <mutex>
 
+#include "display/platform.hpp"
 #include "display/sdl_session.hpp"
 
 namespace framesink::test {
 namespace {
 
 // In the gate. No container that allocates: the display thread's memory may be running out.
-constinit std::array<SDL_Window*, 256> windows{};
+struct MadeWindow {
+  SDL_Window* window = nullptr;
+  OsThreadId maker = 0;
+};
+constinit std::array<MadeWindow, 256> windows{};
 
 void replace(SDL_Window* old, SDL_Window* with) {
   if (old == with) return;
   const std::lock_guard gate(sdlGate);
-  const auto place = std::find(windows.begin(), windows.end(), old);
-  if (place != windows.end()) *place = with;
+  const auto place = std::find_if(windows.begin(), windows.end(),
+                                  [&](const MadeWindow& made) { return made.window == old; });
+  if (place != windows.end()) *place = {with, currentThread()};
 }
 
 std::optional<std::uint32_t> colourInTheMiddle(SDL_Window* window) {
@@ -32,7 +38,8 @@ std::optional<std::uint32_t> colourInTheMiddle(SDL_Window* window) {
   return isRead ? std::optional(colour & 0xFFFFFF) : std::nullopt;
 }
 
-SdlWindowFacts factsOf(SDL_Window* window) {
+SdlWindowFacts factsOf(const MadeWindow& made) {
+  SDL_Window* window = made.window;
   int x = 0;
   int y = 0;
   int width = 0;
@@ -44,6 +51,7 @@ SdlWindowFacts factsOf(SDL_Window* window) {
           .size = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)},
           .fullscreen = (SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0,
           .colour = colourInTheMiddle(window),
+          .isOfThisThread = made.maker == currentThread(),
           .id = SDL_GetWindowID(window)};
 }
 
@@ -52,16 +60,19 @@ SdlWindowFacts factsOf(SDL_Window* window) {
 std::vector<SdlWindowFacts> sdlWindows() {
   const std::lock_guard gate(sdlGate);
   std::vector<SdlWindowFacts> facts;
-  for (SDL_Window* window : windows) {
-    if (window != nullptr) facts.push_back(factsOf(window));
+  for (const MadeWindow& made : windows) {
+    if (made.window != nullptr) facts.push_back(factsOf(made));
   }
+  std::sort(facts.begin(), facts.end(),
+            [](const SdlWindowFacts& a, const SdlWindowFacts& b) { return a.id < b.id; });
   return facts;
 }
 
 std::size_t sdlWindowCount() {
   const std::lock_guard gate(sdlGate);
-  return windows.size() - static_cast<std::size_t>(std::count(windows.begin(), windows.end(),
-                                                              static_cast<SDL_Window*>(nullptr)));
+  return static_cast<std::size_t>(
+      std::count_if(windows.begin(), windows.end(),
+                    [](const MadeWindow& made) { return made.window != nullptr; }));
 }
 
 }  // namespace framesink::test

@@ -20,6 +20,7 @@ struct SdlWindowFacts {
   Size size;
   bool fullscreen = false;
   std::optional<std::uint32_t> colour;  // of the pixel in the middle, 0x00RRGGBB
+  bool isOfThisThread = false;          // made by the thread that asks
   std::uint32_t id = 0;
 };
 
