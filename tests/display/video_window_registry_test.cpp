@@ -353,7 +353,7 @@ TEST_F(VideoWindowRegistryTest, WithoutMemoryNeitherRecordNorWindowIsRenamed) {
   ASSERT_TRUE(hasWindow(threadedServer(), 0));
   std::size_t left = 0;
   for (; registry.findVideoWindow(newName) == nullptr; ++left) {
-    ASSERT_EQ(spy.count("SDL_SetWindowTitle"), 0U) << left << " allocations";
+    ASSERT_EQ(recorder.count("SDL_SetWindowTitle"), 0U) << left << " allocations";
     try {
       const OutOfMemory afterThese(left);
       registry.renameVideoWindowCore(oldName, newName, title);
@@ -361,7 +361,7 @@ TEST_F(VideoWindowRegistryTest, WithoutMemoryNeitherRecordNorWindowIsRenamed) {
     }
   }
   EXPECT_GT(left, 2U);
-  EXPECT_EQ(spy.last("SDL_SetWindowTitle").texts, Names{title});
+  EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{title});
 }
 
 TEST_F(VideoWindowRegistryTest, RenamesARecordWithoutAPlayer) {
