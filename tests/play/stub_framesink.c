@@ -5,14 +5,18 @@
  *                      when there is a file of the log's name with ".close" added
  *   STUB_SLOW_START    the first libUpdate takes that many seconds
  *   STUB_COMPLAINT     libCreate, libStart or libUpdate: which function reports an error
+ *   STUB_RENDEZVOUS    libUpdate waits, 20 s at most, until the first byte of plane1 is not zero, and
+ *                      notes the planes' addresses and whether another call came in meanwhile
  *
  * Compiled with STUB_WITHOUT_UPDATE it lacks libUpdate. */
-#define _POSIX_C_SOURCE 200809L /* sleep */
+#define _POSIX_C_SOURCE 200809L /* sleep, nanosleep */
 
 #include <stdarg.h>
+#include <stdatomic.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "framesink/framesink.h"
@@ -100,6 +104,18 @@ static void slowStart(void) {
   done = 1;
 }
 
+static void meet(const void* const planes[3]) {
+  static atomic_int inside = 0;
+  const volatile uint8_t* signal = planes[0];
+  const struct timespec millisecond = {0, 1000000};
+  if (getenv("STUB_RENDEZVOUS") == NULL) return;
+  note("planes %p %p %p", planes[0], planes[1], planes[2]);
+  if (atomic_fetch_add(&inside, 1) != 0) note("two at once");
+  for (int left = 20000; *signal == 0 && left > 0; --left) nanosleep(&millisecond, NULL);
+  note(*signal == 0 ? "nobody came" : "met");
+  atomic_fetch_sub(&inside, 1);
+}
+
 void libUpdate(void* block, char* errorMessage, const void* plane1, const void* plane2,
                const void* plane3, uint32_t width, uint32_t height) {
   static const size_t kSampleBytes[] = {8, 4, 1, 1, 2, 2, 4, 4, 1};
@@ -115,6 +131,7 @@ void libUpdate(void* block, char* errorMessage, const void* plane1, const void* 
   }
   if (frame != NULL) fclose(frame);
   slowStart();
+  meet(planes);
   note("libUpdate size=%08x,%08x planes=%d hash=%08x", width, height, count, hash);
   if (complains("libUpdate")) complain(errorMessage);
 }
