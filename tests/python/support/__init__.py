@@ -1,0 +1,1 @@
+"""What the tests in Python share."""

@@ -1,0 +1,97 @@
+"""A private X server in memory, and the user's eyes and hands on its windows."""
+
+import os
+import select
+import subprocess
+
+import numpy as np
+from Xlib import X, display, error
+from Xlib.protocol import event
+
+from .waiting import DEADLINE, wait_until
+
+
+class Screen:
+    """Runs Xvfb, which ends with its last client: this one."""
+
+    def __init__(self, width=1280, height=1024):
+        read_end, write_end = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-ac",
+             "-terminate"], pass_fds=[write_end], stderr=subprocess.PIPE)
+        os.close(write_end)
+        with os.fdopen(read_end) as number:
+            if not select.select([number], [], [], DEADLINE)[0]:
+                raise RuntimeError("Xvfb is not ready")
+            line = number.readline()
+        if not line:
+            raise RuntimeError(f"Xvfb ended at its start: {self._server.communicate()[1].decode()}")
+        self.name = f":{line.strip()}"
+        self._x = display.Display(self.name)
+
+    def close(self):
+        self._x.close()
+        self._server.terminate()
+        self._server.wait(DEADLINE)
+        self._server.stderr.close()
+
+    @property
+    def environment(self):
+        """What brings a program's windows here."""
+        ours = {"DISPLAY": self.name, "SDL_VIDEODRIVER": "x11"}
+        return {key: value for key, value in os.environ.items() if key != "WAYLAND_DISPLAY"} | ours
+
+    def windows(self):
+        """The windows on the screen by title, the lowest first."""
+        shown = {}
+        for window in self._x.screen().root.query_tree().children:
+            try:
+                if window.get_attributes().map_state == X.IsViewable:
+                    shown[self._title(window)] = window
+            except error.XError:
+                pass  # it went meanwhile
+        return shown
+
+    def shows(self, title):
+        return title in self.windows()
+
+    def wait_for(self, title):
+        assert wait_until(lambda: self.shows(title)), f"no window {title!r} but {list(self.windows())}"
+        return self.windows()[title]
+
+    def geometry(self, title):
+        """x, y, width, height."""
+        place = self.wait_for(title).get_geometry()
+        return place.x, place.y, place.width, place.height
+
+    def pixels(self, title):
+        """What the window shows: (height, width, 3) of uint8. None when it goes meanwhile."""
+        window = self.wait_for(title)
+        try:
+            place = window.get_geometry()
+            data = window.get_image(0, 0, place.width, place.height, X.ZPixmap, 0xFFFFFFFF).data
+        except error.XError:
+            return None
+        return np.frombuffer(data, np.uint8).reshape(place.height, place.width, 4)[:, :, 2::-1]
+
+    def wait_for_pixels(self, title, expected):
+        """Until the window shows these; intensity is grey."""
+        if expected.ndim == 2:
+            expected = np.repeat(expected[:, :, np.newaxis], 3, axis=2)
+        if not wait_until(lambda: np.array_equal(self.pixels(title), expected)):
+            shown = self.pixels(title)
+            assert shown is not None and shown.shape == expected.shape
+            wrong = np.argwhere(shown != expected)
+            raise AssertionError(f"{len(wrong)} values differ, the first at {wrong[0]}: it is "
+                                 f"{shown[tuple(wrong[0])]}, not {expected[tuple(wrong[0])]}")
+
+    def press_close_button(self, title):
+        window = self.wait_for(title)
+        protocols, delete = (self._x.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
+        window.send_event(event.ClientMessage(window=window, client_type=protocols,
+                                              data=(32, [delete, X.CurrentTime, 0, 0, 0])))
+        self._x.flush()
+
+    def _title(self, window):
+        name = window.get_full_text_property(self._x.intern_atom("_NET_WM_NAME"))
+        return name or window.get_wm_name() or ""
