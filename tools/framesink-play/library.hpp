@@ -10,7 +10,7 @@ namespace framesink::play {
 
 class Library {
  public:
-  // Loads `path`; empty: libframesink.so.1 beside the build of this program, else by the system's
+  // Loads `path`; empty: kLibraryName beside the build of this program, else by the system's
   // loader. Throws Failure when it cannot be loaded or lacks a symbol of the interface.
   explicit Library(const std::string& path);
 

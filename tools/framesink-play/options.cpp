@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "failure.hpp"
+#include "loader.hpp"
 #include "model_source.hpp"
 
 namespace framesink::play {
@@ -180,8 +181,8 @@ void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
 
 void addOtherOptions(CLI::App& app, Options& options) {
   app.add_option("--library", options.sharedLibrary,
-                 "The library to load (default: libframesink.so.1 of this build,\n"
-                 "else of the system)")
+                 "The library to load (default: " + std::string(kLibraryName) +
+                     " of this build,\nelse of the system)")
       ->type_name("PATH");
   app.add_option("--dump-frame", options.dumpFile,
                  "Write the last frame of the first window to FILE: its samples as\n"
