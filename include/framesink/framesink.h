@@ -1,7 +1,8 @@
 /* framesink: shows the frames of a running model in live windows.
  *
- * The one header for hosts; valid C11 and C++. Load libframesink.so with the system's loader or
- * link it; either way these eleven functions and three strings are all there is.
+ * The one header for hosts; valid C11 and C++. Load libframesink.so (framesink.dll on Windows) with
+ * the system's loader or link it; either way these eleven functions and three strings are all there
+ * is.
  *
  * Conventions, said once:
  *
@@ -44,8 +45,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(_WIN32)
+#if defined(_WIN32) && defined(FRAMESINK_BUILDING)
 #define FRAMESINK_API
+#elif defined(_WIN32)
+#define FRAMESINK_API __declspec(dllimport)
 #elif defined(__GNUC__)
 #define FRAMESINK_API __attribute__((visibility("default")))
 #else

@@ -15,17 +15,19 @@ void DisplayThread::start(const char* name, Body body, void* argument) {
 }
 
 int DisplayThread::main(void* self) {
+  LibraryHold caller = holdSdl();
   auto* thread = static_cast<DisplayThread*>(self);
   thread->stack_ = currentThreadStack();
   thread->id_ = currentThread();
   thread->body_(thread->argument_);
   thread->running_ = false;
+  caller.endThread();  // `thread` may be gone by now
   return 0;
 }
 
 bool DisplayThread::awaitEnd(std::chrono::steady_clock::time_point deadline) {
   if (thread_ == nullptr) return true;
-  while (running_ || !isThreadGone(id_)) {
+  while (running_ || !hasLeftLibrary(id_)) {
     if (isLost() || std::chrono::steady_clock::now() >= deadline) return false;
     sleepFor(std::chrono::milliseconds(1));
   }

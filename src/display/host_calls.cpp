@@ -61,7 +61,7 @@ HostCall::~HostCall() {
 
 bool endHostCalls(std::chrono::milliseconds patience) {
   ended = true;
-  if (givenUp || isFork()) return false;
+  if (givenUp || isFork() || areOtherThreadsGone()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (callsUnderWay != 0) {

@@ -31,8 +31,8 @@ inline constexpr std::chrono::milliseconds kLongestUnload{20000};
 
 // Turns new host calls away, for good, and waits for those under way. False when nothing that they
 // use may be torn down: this thread is itself inside the library (in a host call, or in SDL through
-// a display pass), calls still run after `patience`, or this process is a fork of the one whose
-// windows these are.
+// a display pass), calls still run after `patience`, this process is a fork of the one whose
+// windows these are, or the system has ended all other threads.
 bool endHostCalls(std::chrono::milliseconds patience = kLongestUnload);
 
 // How much of its patience that has taken.

@@ -16,6 +16,17 @@ bool isThreadGone(OsThreadId thread) {
   return ::syscall(SYS_tgkill, ::getpid(), thread, 0) != 0 && errno == ESRCH;
 }
 
+bool hasLeftLibrary(OsThreadId thread) { return isThreadGone(thread); }
+
+bool areOtherThreadsGone() { return false; }
+
+// dlclose waits for nobody and excludes nobody: nothing to hold.
+LibraryHold::LibraryHold(const void*) {}
+void LibraryHold::letGo() {}
+void LibraryHold::endThread() {}
+LibraryHold holdThisLibrary() { return {}; }
+LibraryHold holdSdl() { return {}; }
+
 // The C library's own record of a thread, its address the thread's handle, lies at the top of the
 // stack and stays in use; what is below it, down from its page, is dead with the thread.
 DeadStack currentThreadStack() {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "display/geometry.hpp"
+#include "display/platform.hpp"
 #include "display/sdl_session.hpp"
 #include "display/sdl_window.hpp"
 #include "display/thread_safety.hpp"
@@ -38,6 +39,11 @@ class SdlPlayer {
   void requestClose() { closeRequested_ = 1; }
   bool isCloseRequested() const { return closeRequested_ != 0; }
 
+  // Keeps the library loaded until the display has had the window for a pass, or given it up:
+  // windows load libraries when they are made, which a thread cannot do on Windows while another
+  // unloads one.
+  void holdLibrary() { untilSettled_ = holdThisLibrary(); }
+
   // Null until the window is made, full screen if so wanted, and shown. A window that SDL could not
   // create counts as made.
   SdlWindow* window() const { return window_; }
@@ -55,6 +61,9 @@ class SdlPlayer {
   // Makes the window and publishes it.
   void createWindow() FRAMESINK_REQUIRES(sdlGate);
   void giveUpWindow() FRAMESINK_REQUIRES(sdlGate) { windowImpossible_ = true; }
+
+  // The window has been there for a pass, or never will be.
+  void settle() { untilSettled_.letGo(); }
 
   bool hasNewFrame() const { return newFrame_ != 0; }
 
@@ -90,6 +99,7 @@ class SdlPlayer {
   std::string title_ FRAMESINK_GUARDED_BY(titleMutex_);
   std::atomic<SdlWindow*> window_{nullptr};  // owned
   std::atomic<bool> windowImpossible_{false};
+  LibraryHold untilSettled_;
 };
 
 }  // namespace framesink

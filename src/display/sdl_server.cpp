@@ -67,6 +67,7 @@ SdlServer::SdlServer(bool threaded) : threaded_(threaded) {}
 SdlServer::~SdlServer() {
   stop();
   quitSdl();
+  sdlCode_.letGo();
 }
 
 // ---- Players
@@ -85,12 +86,15 @@ std::uint32_t SdlServer::addPlayer(const std::uint8_t* initialFrame, Size frameS
     const Lock lock(*this);
     if (!lock || leaving_) return kNoPlayer;
     const std::uint32_t playerId = nextPlayerId_++;
-    players_.add(make(playerId));
+    auto player = make(playerId);
+    if (thread_.isRunning()) player->holdLibrary();
+    players_.add(std::move(player));
     return playerId;
   }
   const Alone alone(*this);
   const std::uint32_t playerId = nextPlayerId_++;
   auto player = make(playerId);
+  windowsThread_ = currentThread();
   openWindow(*player);
   players_.add(std::move(player));
   return playerId;
@@ -210,6 +214,7 @@ void SdlServer::start() {
   const InGate gate;
   if (started_ != 0) return;
   initSdlVideo();
+  sdlCode_ = holdSdl();
   if (threaded_) {
     quit_ = 0;
     mutex_ = SDL_CreateMutex();
@@ -228,12 +233,18 @@ bool SdlServer::stop() {
   if (threaded_) {
     if (!awaitDisplayThread()) return false;
   } else {
+    if (!mayDeletePlayers()) return false;
     deleteAllPlayers();
   }
   SDL_DestroyMutex(mutex_.exchange(nullptr));
   started_ = 0;
   quit_ = 0;  // Right after the wait, deliberately; leaving_ stays.
   return true;
+}
+
+// Windows of another thread would be left behind without their players: they keep SDL then.
+bool SdlServer::mayDeletePlayers() const {
+  return !kWindowsAreTheirThreads || players_.empty() || windowsThread_ == currentThread();
 }
 
 bool SdlServer::awaitDisplayThread() {
@@ -288,7 +299,9 @@ void SdlServer::servePlayers() {
 }
 
 void SdlServer::servePlayer(SdlPlayer& player) {
-  if (player.window() == nullptr && !player.isWindowImpossible()) {
+  if (player.window() != nullptr || player.isWindowImpossible()) {
+    player.settle();
+  } else {
     try {
       openWindow(player);
     } catch (const std::bad_alloc&) {

@@ -20,6 +20,7 @@
 #include "display/display_thread.hpp"
 #include "display/event_inbox.hpp"
 #include "display/geometry.hpp"
+#include "display/platform.hpp"
 #include "display/player_list.hpp"
 #include "display/sdl_player.hpp"
 #include "display/sdl_session.hpp"
@@ -89,6 +90,7 @@ class SdlServer {
   void servePlayers() FRAMESINK_REQUIRES(sdlGate, players_);
   void servePlayer(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate);
   void deleteAllPlayers();
+  bool mayDeletePlayers() const;
   bool awaitDisplayThread();
 
   void openWindow(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate);
@@ -122,6 +124,8 @@ class SdlServer {
   std::atomic<SDL_mutex*> mutex_{
       nullptr};  // threaded: held by a whole pass and while a player is added
   DisplayThread thread_;
+  LibraryHold sdlCode_;                       // from start until SDL is shut down
+  std::atomic<OsThreadId> windowsThread_{0};  // synchronous: made the latest window
   std::uint32_t waited_ = 0;  // milliseconds that stop has waited, of its one budget
 
   // Changed under the mutex (threaded) or in the gate (synchronous). Only who is in the gate

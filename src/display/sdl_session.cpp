@@ -61,6 +61,12 @@ void initSdlVideo() {
     std::fprintf(stderr, "Could not initialize SDL: %s\n", SDL_GetError());
   }
   SDL_EnableScreenSaver();
+#if defined(_WIN32)
+  // Nobody types text into these windows. Otherwise SDL sets up input methods with the first focus,
+  // which load libraries; they wait for the other server's thread each time the focus changes, and
+  // take COM down on the thread that unloads the library, which is the host's.
+  SDL_StopTextInput();
+#endif
 }
 
 std::uint32_t sdlGeneration() { return generation; }
