@@ -1,12 +1,8 @@
 #include "host.h"
 
-#include <dirent.h>
-#include <dlfcn.h>
-#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <time.h>
 
 /* ---- Checks
  * -------------------------------------------------------------------------------------- */
@@ -23,48 +19,18 @@ void say(const char* text) {
   fflush(stdout);
 }
 
-static sigset_t theSignal(void) {
-  sigset_t set;
-  sigemptyset(&set);
-  sigaddset(&set, SIGUSR1);
-  return set;
-}
-
-void holdSignal(void) {
-  const sigset_t set = theSignal();
-  CHECK(sigprocmask(SIG_BLOCK, &set, NULL) == 0);
-}
-
-void awaitSignal(void) {
-  const sigset_t set = theSignal();
-  int number = 0;
-  CHECK(sigwait(&set, &number) == 0);
-}
-
-void sleepMilliseconds(long milliseconds) {
-  const struct timespec duration = {milliseconds / 1000, milliseconds % 1000 * 1000000};
-  nanosleep(&duration, NULL);
-}
-
-double secondsNow(void) {
-  struct timespec now;
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return (double)now.tv_sec + (double)now.tv_nsec * 1e-9;
-}
-
 /* ---- The library
  * --------------------------------------------------------------------------------- */
 
-/* C has no conversion from dlsym's result to a function's address; the bytes are the same. */
+/* C has no conversion from a symbol's address to a function's; the bytes are the same. */
 static void find(const Library* library, const char* name, void* function) {
-  void* const address = dlsym(library->handle, name);
+  void* const address = findSymbol(library->handle, name);
   CHECK(address != NULL);
   memcpy(function, &address, sizeof address);
 }
 
 Library loadLibrary(const char* path) {
-  Library library = {.handle = dlopen(path, RTLD_NOW | RTLD_LOCAL)};
-  if (library.handle == NULL) fprintf(stderr, "%s\n", dlerror());
+  Library library = {.handle = openLibrary(path)};
   CHECK(library.handle != NULL);
   find(&library, "libCreate", &library.create);
   find(&library, "libStart", &library.start);
@@ -80,19 +46,13 @@ Library loadLibrary(const char* path) {
   return library;
 }
 
-extern void __lsan_do_leak_check(void) __attribute__((weak));
-
-void checkForLeaks(void) {
-  if (__lsan_do_leak_check != NULL) __lsan_do_leak_check();
-}
-
 void unloadLibrary(Library* library) {
-  CHECK(dlclose(library->handle) == 0);
+  closeLibrary(library->handle);
   memset(library, 0, sizeof *library);
 }
 
 const char* libraryText(const Library* library, const char* name) {
-  const char* const* const text = dlsym(library->handle, name);
+  const char* const* const text = findSymbol(library->handle, name);
   CHECK(text != NULL);
   return *text;
 }
@@ -142,47 +102,4 @@ void showUntilClosed(const Library* library, void* block, const char* name, uint
     updateBlock(library, block, &frame);
     sleepMilliseconds(1);
   }
-}
-
-/* ---- This process as the system sees it
- * ---------------------------------------------------------- */
-
-static int countEntries(const char* path) {
-  DIR* const folder = opendir(path);
-  CHECK(folder != NULL);
-  int count = 0;
-  for (const struct dirent* entry; (entry = readdir(folder)) != NULL;) {
-    if (entry->d_name[0] != '.') ++count;
-  }
-  closedir(folder);
-  return count;
-}
-
-int countThreads(void) { return countEntries("/proc/self/task"); }
-
-int areThreadsGone(int before) {
-#if defined(__SANITIZE_THREAD__)
-  const int own = 1;
-#elif defined(__has_feature)
-  const int own = __has_feature(thread_sanitizer);
-#else
-  const int own = 0;
-#endif
-  const int now = countThreads();
-  return now == before || now == before + own;
-}
-
-int countDescriptors(void) { return countEntries("/proc/self/fd") - 1; /* the walk's own */ }
-
-int isMapped(const char* part) {
-  FILE* const maps = fopen("/proc/self/maps", "r");
-  CHECK(maps != NULL);
-  char line[4096];
-  int found = 0;
-  while (!found && fgets(line, sizeof line, maps) != NULL) {
-    const char* const path = strchr(line, '/');
-    found = path != NULL && strstr(path, part) != NULL && strstr(line, " r-xp ") != NULL;
-  }
-  fclose(maps);
-  return found;
 }

@@ -24,8 +24,21 @@ void say(const char* text);
 void holdSignal(void);
 void awaitSignal(void);
 
+/* A locale that is not the one of the process's beginning, or the nearest to it. */
+#if defined(_WIN32)
+#define HOST_LOCALE "English"
+#else
+#define HOST_LOCALE "C.UTF-8"
+#endif
+
+/* From here to the library, and at the end: host_posix.c and host_windows.c. */
 void sleepMilliseconds(long milliseconds);
 double secondsNow(void);
+
+/* Tells the loader's complaint on standard error; null then. */
+void* openLibrary(const char* path);
+void* findSymbol(void* handle, const char* name); /* null when there is none */
+void closeLibrary(void* handle);
 
 /* ---- The library
  * --------------------------------------------------------------------------------- */
@@ -93,8 +106,16 @@ int countThreads(void);
 /* None but those counted before, and one that the thread sanitizer keeps for itself. */
 int areThreadsGone(int before);
 
+#if defined(_WIN32)
+/* Waits until nobody but the host itself holds that library. Under Wine only: Windows does not tell. */
+int isHeldOnce(const char* name);
+#else
 int countDescriptors(void);
 /* Code of a file whose path holds `part`: a sanitizer may map such a file to read its symbols. */
 int isMapped(const char* part);
+#endif
+
+/* "SDL2" and its like: no code of that library is left. Windows may still be about it: waits. */
+int isUnloaded(const char* name);
 
 #endif

@@ -5,7 +5,12 @@ namespace {
 
 std::vector<std::string> commandOf(const std::string& program,
                                    const std::vector<std::string>& arguments) {
+#if defined(HOST_RUNNER)  // what runs Windows programs
+  std::vector<std::string> command{HOST_RUNNER, HOST_FOLDER "/" + program + ".exe",
+                                   FRAMESINK_LIBRARY};
+#else
   std::vector<std::string> command{HOST_FOLDER "/" + program, FRAMESINK_LIBRARY};
+#endif
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
 }

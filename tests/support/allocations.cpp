@@ -1,6 +1,7 @@
 #include "support/allocations.hpp"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -42,15 +43,27 @@ void failWhenExhausted() {
   if (isExhausted() || isOtherExhausted()) throw std::bad_alloc();
 }
 
+// Windows gives aligned memory back in a way of its own: there all is of that kind.
+#if defined(_WIN32)
+void* block(std::size_t bytes, std::size_t unit) { return _aligned_malloc(bytes, unit); }
+void* block(std::size_t bytes) { return block(bytes, alignof(std::max_align_t)); }
+void freeBlock(void* block) { _aligned_free(block); }
+#else
+void* block(std::size_t bytes, std::size_t unit) {
+  return std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit);
+}
+void* block(std::size_t bytes) { return std::malloc(bytes); }
+void freeBlock(void* block) { std::free(block); }
+#endif
+
 void* allocate(std::size_t bytes) {
   failWhenExhausted();
-  return take(std::malloc(bytes == 0 ? 1 : bytes));
+  return take(block(bytes == 0 ? 1 : bytes));
 }
 
 void* allocate(std::size_t bytes, std::align_val_t alignment) {
   failWhenExhausted();
-  const auto unit = static_cast<std::size_t>(alignment);
-  return take(std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit));
+  return take(block(bytes, static_cast<std::size_t>(alignment)));
 }
 
 template <class... Arguments>
@@ -65,7 +78,7 @@ void* allocateOrNull(Arguments... arguments) noexcept {
 void giveBack(void* block) noexcept {
   if (block == nullptr) return;
   inUse.fetch_sub(1, kUnordered);
-  std::free(block);
+  freeBlock(block);
 }
 
 }  // namespace
