@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# wine.sh PROGRAM [ARGUMENT...]: runs a Windows program under Wine, which has a home of its own in build/windows/wine.
+# wine.sh --start: makes that home ready; programs that start at once otherwise all wait for it.
+# wine.sh --stop: ends whatever still runs there.
+set -euo pipefail
+WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine
+# Off: messages, and what Wine would install or start by itself (other runtimes, a browser, a debugger).
+export WINEPREFIX WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml,winedbg.exe='
+unset SDL_VIDEODRIVER  # this machine's, where a test sets it
+wine=/usr/lib/wine/wine64
+server=/usr/lib/wine/wineserver64
+case ${1:-} in
+  --start)
+    mkdir -p "$WINEPREFIX"
+    env -u DISPLAY "$wine" wineboot --init && "$server" --wait
+    ;;
+  --stop) [ ! -d "$WINEPREFIX" ] || "$server" --kill --wait || true ;;
+  *) exec "$wine" "$@" ;;
+esac

@@ -1,0 +1,63 @@
+/* cycles_host LIBRARY CYCLES WHEN: loads the library and frees it again with windows open, again and again. WHEN is
+ * "shown", when nobody else holds the library any more, or "at-once", while windows are in the making. */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "host.h"
+
+typedef struct Cycle {
+  int number;
+  int waits; /* for the windows, and to be the only one who holds the library */
+} Cycle;
+
+/* Blocks of one display, the other, and both, and windows that are asked to close just before. At once, synchronous
+ * windows are made alone: a thread of the system's that unloads the library cannot close them. */
+static void play(const Library* library, Cycle cycle) {
+  const uint8_t first = cycle.number % 3 == 1;
+  const uint8_t second = cycle.waits ? cycle.number % 3 != 0 : first;
+  void* const blocks[2] = {createBlock(library, (WindowRequest){"cycle A", 100, 100, 1, first}),
+                           createBlock(library, (WindowRequest){"cycle B", 400, 100, 1, second})};
+  Frame frame;
+  for (uint32_t number = 0; number < 5; ++number) {
+    fillFrame(&frame, 0x20A040 + number);
+    updateBlock(library, blocks[0], &frame);
+    updateBlock(library, blocks[1], &frame);
+  }
+  int32_t position[2], size[2];
+  if (cycle.waits) library->getPosSize("cycle A", position, size);
+  if (cycle.waits) library->getPosSize("cycle B", position, size);
+  if (cycle.number % 4 == 0) library->destroyWindow("cycle A");
+  library->destroy(blocks[0]);
+  library->destroy(blocks[1]);
+  if (cycle.waits) CHECK(isHeldOnce("framesink"));
+}
+
+static double runCycle(const char* path, Cycle cycle) {
+  Library library = loadLibrary(path);
+  play(&library, cycle);
+  const double start = secondsNow();
+  unloadLibrary(&library);
+  CHECK(isUnloaded("framesink"));
+  CHECK(isUnloaded("SDL2"));
+  CHECK(isUnloaded("pixkit"));
+  CHECK(areThreadsGone(0));
+  const double seconds = secondsNow() - start;
+  if (seconds >= 1) fprintf(stderr, "cycle %d took %.3f s\n", cycle.number, seconds);
+  CHECK(seconds < 1);
+  return seconds;
+}
+
+int main(int count, char** arguments) {
+  CHECK(count == 4);
+  const int cycles = atoi(arguments[2]);
+  const int waits = strcmp(arguments[3], "shown") == 0;
+  CHECK(cycles >= 4);
+  double longest = 0;
+  for (int number = 0; number < cycles; ++number) {
+    const double seconds = runCycle(arguments[1], (Cycle){number, waits});
+    if (seconds > longest) longest = seconds;
+  }
+  printf("%d cycles, the longest unloading took %.3f s\n", cycles, longest);
+  return 0;
+}
