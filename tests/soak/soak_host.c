@@ -16,7 +16,7 @@ enum { WINDOWS = 8, WORDS_PER_LOAD = 32, STEPS_BETWEEN_DEEDS = 64 };
 static const double kStepSeconds = 0.03;
 
 typedef struct Show {
-  char name[16];
+  char name[24];
   int index;
   Form form;
   void* block;
