@@ -78,15 +78,14 @@ std::string csvLine(const Sample& s) {
   return text.str();
 }
 
-std::vector<Verdict> judge(const std::vector<Sample>& samples, int loads) {
+std::vector<Verdict> judge(const std::vector<Sample>& samples, const std::string& drawing,
+                           int loads) {
   std::vector<Verdict> verdicts;
-  for (const char* drawing : {"software", "OpenGL"}) {
-    for (const Curve& curve : kCurves) {
-      verdicts.push_back(verdictOn(curve, drawing, "the run", loads / 2.0, samples,
-                                   [&](const Sample& s) { return (s.load + s.age) / loads; }));
-      verdicts.push_back(verdictOn(curve, drawing, "each load", 0, samples,
-                                   [](const Sample& s) { return s.age; }));
-    }
+  for (const Curve& curve : kCurves) {
+    verdicts.push_back(verdictOn(curve, drawing, "the run", loads / 2.0, samples,
+                                 [&](const Sample& s) { return (s.load + s.age) / loads; }));
+    verdicts.push_back(
+        verdictOn(curve, drawing, "each load", 0, samples, [](const Sample& s) { return s.age; }));
   }
   return verdicts;
 }

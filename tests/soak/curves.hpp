@@ -47,6 +47,8 @@ struct Verdict {
   bool isFlat() const { return second && last && *last - *second <= tolerance; }
 };
 
-std::vector<Verdict> judge(const std::vector<Sample>& samples, int loads);
+// Of the samples that were drawn that way.
+std::vector<Verdict> judge(const std::vector<Sample>& samples, const std::string& drawing,
+                           int loads);
 
 }  // namespace framesink::test

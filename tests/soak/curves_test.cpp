@@ -32,8 +32,10 @@ std::vector<Sample> runWith(const std::function<void(Sample&)>& change) {
 // "curve, drawing, quarters" of those that are not flat.
 std::vector<std::string> notFlat(const std::vector<Sample>& samples) {
   std::vector<std::string> names;
-  for (const Verdict& v : judge(samples, kLoads)) {
-    if (!v.isFlat()) names.push_back(v.curve + ", " + v.drawing + ", " + v.quartersOf);
+  for (const char* drawing : {"software", "OpenGL"}) {
+    for (const Verdict& v : judge(samples, drawing, kLoads)) {
+      if (!v.isFlat()) names.push_back(v.curve + ", " + v.drawing + ", " + v.quartersOf);
+    }
   }
   return names;
 }

@@ -1,6 +1,6 @@
-/* soak_host LIBRARY LOADS SECONDS BARE_DISPLAY MANAGED_DISPLAY DRAWING LEAK: loads the library that
- * many times and plays for so many seconds each time, with all that a host may do to eight windows,
- * by turns without a window manager and with one. DRAWING is software or OpenGL. Tells on standard
+/* soak_host LIBRARY LOADS SECONDS DISPLAY DISPLAY DRAWING LEAK: loads the library that many times and
+ * plays for so many seconds each time, with all that a host may do to eight windows, by turns on one
+ * display and the other. DRAWING is software, OpenGL-threaded or OpenGL-synchronous. Tells on standard
  * output, again and again, how it goes. */
 #include <malloc.h>
 #include <stdio.h>
@@ -25,8 +25,14 @@ typedef struct Show {
 static Show shows[WINDOWS];
 static Library library;
 static unsigned framesSent, closedByUser, formsUsed;
-static int drawsWithOpenGl;
+static const char* drawing;
+
+/* With OpenGL all windows are of one server: SDL 2.26 uses their OpenGL contexts on whichever thread
+ * takes an event, and with two such threads Mesa crashes. */
 static int firstSynchronous;
+
+/* Once a threaded window was open, dlclose leaves a library that draws with OpenGL where it is. */
+static int staysLoaded;
 
 static int isSynchronous(const Show* show) { return show->index >= firstSynchronous; }
 
@@ -116,9 +122,9 @@ static long residentKilobytes(void) {
 
 /* `age` is 0 at the load's begin and 1 at its end. */
 static void tell(int load, double age) {
-  printf("%d,%.3f,%s,%s,%u,%u,%u,%u,%u,%ld,%d,%d\n", load, age, load % 2 ? "openbox" : "bare",
-         drawsWithOpenGl ? "OpenGL" : "software", framesSent, sdlCounts.shown, sdlCounts.events,
-         sdlCounts.opened, closedByUser, residentKilobytes(), countDescriptors(), countThreads());
+  printf("%d,%.3f,%s,%s,%u,%u,%u,%u,%u,%ld,%d,%d\n", load, age, getenv("DISPLAY"), drawing,
+         framesSent, sdlCounts.shown, sdlCounts.events, sdlCounts.opened, closedByUser,
+         residentKilobytes(), countDescriptors(), countThreads());
   fflush(stdout);
 }
 
@@ -143,17 +149,9 @@ static void play(int load, double seconds) {
   }
 }
 
-/* With OpenGL all windows are of one display: SDL 2.26 lets a thread that takes events touch the
- * OpenGL contexts of other threads' windows, and Mesa crashes. */
-static void chooseSynchronous(int load) {
-  firstSynchronous = 6;
-  if (drawsWithOpenGl) firstSynchronous = load / 2 % 2 ? 0 : WINDOWS;
-}
-
-/* A driver may be loaded while a window is made, on the display thread. While this library is being
- * unloaded, that thread would wait for the loader. */
+/* Or exit() would end objects of LLVM's, which Mesa draws with, under the display thread. */
 static void closeWindows(void) {
-  const double deadline = secondsNow() + 10;
+  const double deadline = secondsNow() + 20;
   for (int i = 0; i < WINDOWS; ++i) library.destroyWindow(shows[i].name);
   while (sdlCounts.closed != sdlCounts.opened) {
     CHECK(secondsNow() < deadline);
@@ -163,7 +161,6 @@ static void closeWindows(void) {
 
 static void runLoad(int load, double seconds, char** arguments) {
   setenv("DISPLAY", arguments[4 + load % 2], 1);
-  chooseSynchronous(load);
   library = loadLibrary(arguments[1]);
   passCallsOnToSdl();
   for (int i = 0; i < WINDOWS; ++i) {
@@ -173,10 +170,19 @@ static void runLoad(int load, double seconds, char** arguments) {
   }
   play(load, seconds);
   for (int i = 0; i < WINDOWS; ++i) dropBlock(&shows[i]);
-  if (drawsWithOpenGl && firstSynchronous == WINDOWS) closeWindows();
+  if (staysLoaded) closeWindows();
   unloadLibrary(&library);
-  CHECK(!isMapped("libframesink"));
-  CHECK(!isMapped("libSDL2"));
+  CHECK(isMapped("libframesink") == staysLoaded);
+  CHECK(isMapped("libSDL2") == staysLoaded);
+}
+
+static void chooseDrawing(const char* name) {
+  drawing = name;
+  firstSynchronous = 6;
+  if (strcmp(name, "software") == 0) return;
+  setenv("SDL_FRAMEBUFFER_ACCELERATION", "1", 1);
+  staysLoaded = strcmp(name, "OpenGL-threaded") == 0;
+  firstSynchronous = staysLoaded ? WINDOWS : 0;
 }
 
 static Leak leakOf(const char* name) {
@@ -192,8 +198,7 @@ int main(int count, char** arguments) {
   /* One heap for all threads: with several, Mesa's threads leave gaps here and there that look like
    * growth. */
   CHECK(mallopt(M_ARENA_MAX, 1));
-  drawsWithOpenGl = strcmp(arguments[6], "OpenGL") == 0;
-  if (drawsWithOpenGl) setenv("SDL_FRAMEBUFFER_ACCELERATION", "1", 1);
+  chooseDrawing(arguments[6]);
   plantedLeak = leakOf(arguments[7]);
   makePlanes();
   const int loads = atoi(arguments[2]);
