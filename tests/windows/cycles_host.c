@@ -43,8 +43,10 @@ static double runCycle(const char* path, Cycle cycle) {
   CHECK(isUnloaded("pixkit"));
   CHECK(areThreadsGone(0));
   const double seconds = secondsNow() - start;
-  if (seconds >= 1) fprintf(stderr, "cycle %d took %.3f s\n", cycle.number, seconds);
-  CHECK(seconds < 1);
+  const double limit =
+      cycle.waits ? 1 : 10; /* at once, windows are made meanwhile; a hang is 20 s */
+  if (seconds >= limit) fprintf(stderr, "cycle %d took %.3f s\n", cycle.number, seconds);
+  CHECK(seconds < limit);
   return seconds;
 }
 

@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(When, WindowsUnloading, testing::Values("shown", "at-on
                                                                                  : "AtOnce");
                          });
 
-TEST_P(WindowsUnloading, EndsWindowsThreadAndSdlAndTakesLessThanASecond) {
+TEST_P(WindowsUnloading, EndsWindowsThreadAndSdlInTime) {
   HostProcess host("cycles_host", {cycles, GetParam()});
   EXPECT_TRUE(host.endsWith(0, kWineDeadline + 1s * std::stoi(cycles)));
   EXPECT_TRUE(x.waitForNoWindow("cycle A"));
