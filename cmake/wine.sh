@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # wine.sh PROGRAM [ARGUMENT...]: runs a Windows program under Wine, which has a home of its own in build/windows/wine.
-# wine.sh --start: makes that home ready; programs that start at once otherwise all wait for it.
+# wine.sh --start: makes that home ready, and keeps its server until --stop; the first program otherwise waits for both.
 # wine.sh --stop: ends whatever still runs there.
 set -euo pipefail
 WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine
@@ -12,7 +12,8 @@ server=/usr/lib/wine/wineserver64
 case ${1:-} in
   --start)
     mkdir -p "$WINEPREFIX"
-    env -u DISPLAY "$wine" wineboot --init && "$server" --wait
+    "$server" --persistent
+    env -u DISPLAY "$wine" wineboot --init
     ;;
   --stop) [ ! -d "$WINEPREFIX" ] || "$server" --kill --wait || true ;;
   *) exec "$wine" "$@" ;;

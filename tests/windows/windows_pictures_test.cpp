@@ -1,6 +1,7 @@
 // What windows of a Windows program show, read back pixel by pixel.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
 #include <string>
 
@@ -14,6 +15,9 @@ namespace framesink::test {
 namespace {
 
 constexpr Size kFrame{160, 120};
+
+// On a busy machine Wine takes a second for a window.
+constexpr std::chrono::seconds kWineDeadline{60};
 
 struct Shown {
   std::string name;
@@ -55,12 +59,14 @@ TEST_P(WindowsPictures, AreThoseOfTheConversionRulesForEveryKindAndType) {
   HostProcess host("pictures_host", {folder.path(), std::to_string(kFrame.width),
                                      std::to_string(kFrame.height), GetParam() ? "1" : "0"});
   for (const Shown& window : windows) {
-    EXPECT_TRUE(shows(x, window.name, window.picture)) << window.name;
+    const Window shown = x.waitForWindow(window.name, kWineDeadline);
+    EXPECT_TRUE(x.raise(shown)) << x.lastError();
+    EXPECT_TRUE(shows(x, shown, window.picture)) << window.name;
   }
   for (const Shown& window : windows) {
     EXPECT_TRUE(x.closeButton(x.waitForWindow(window.name))) << x.lastError();
   }
-  EXPECT_TRUE(host.endsWith(0));
+  EXPECT_TRUE(host.endsWith(0, kWineDeadline));
 }
 
 }  // namespace
