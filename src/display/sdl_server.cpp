@@ -56,7 +56,9 @@ class FRAMESINK_SCOPED_LOCK SdlServer::Lock {
 // In the gate of a server whose players no other thread changes: it is synchronous, or at its end.
 class FRAMESINK_SCOPED_LOCK SdlServer::Alone {
  public:
-  explicit Alone(SdlServer& server) FRAMESINK_ACQUIRES(sdlGate, server.players_) { sdlGate.lock(); }
+  explicit Alone([[maybe_unused]] SdlServer& server) FRAMESINK_ACQUIRES(sdlGate, server.players_) {
+    sdlGate.lock();
+  }
   ~Alone() FRAMESINK_RELEASES() { sdlGate.unlock(); }
   Alone(const Alone&) = delete;
   Alone& operator=(const Alone&) = delete;
