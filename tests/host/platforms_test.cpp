@@ -148,13 +148,9 @@ TEST_F(OnWayland, TheLibraryStaysLoadedAndItsWindowsOpen) {
   EXPECT_TRUE(waitUntil([&] { return pixelsOf(kLastColour) == 0; }));
 }
 
-// Not with windows of both servers: see docs/platforms.md.
-class ExitOnWayland : public OnWayland, public testing::WithParamInterface<const char*> {};
-INSTANTIATE_TEST_SUITE_P(Display, ExitOnWayland, testing::Values("threaded", "synchronous"),
-                         paramName);
-
-TEST_P(ExitOnWayland, ReturnsTheHostsStatus) {
-  HostProcess host("exit_host", {GetParam(), "exit"}, environment());
+// Not with threaded windows: see docs/platforms.md.
+TEST_F(OnWayland, ExitReturnsTheStatusOfAHostWithASynchronousWindow) {
+  HostProcess host("exit_host", {"synchronous", "exit"}, environment());
   ASSERT_TRUE(host.says("leaving"));
   EXPECT_TRUE(host.endsNoisilyWith(7, kDeadline));
 }
