@@ -56,8 +56,15 @@ class Screen:
         return title in self.windows()
 
     def wait_for(self, title):
-        assert wait_until(lambda: self.shows(title)), f"no window {title!r} but {list(self.windows())}"
-        return self.windows()[title]
+        """The window; it may go at any time, as others of its title may come."""
+        seen = {}
+
+        def is_there():
+            seen.update(self.windows())
+            return title in seen
+
+        assert wait_until(is_there), f"no window {title!r} but {list(seen)}"
+        return seen[title]
 
     def geometry(self, title):
         """x, y, width, height."""
