@@ -35,7 +35,7 @@ def addresses(monkeypatch):
 
 
 def test_a_display_asks_for_its_window_and_describes_its_frames(stub):
-    Display("a name", (480, 640, 3), "float64", library=stub.library)
+    Display("a name", (480, 640, 3), "float64", library=stub.loaded)
     assert stub.lines()[:3] == [
         'libCreate name="a name" title="a name" fullscreen=0 open=1 x=536805376 y=536805376 useSize=0 '
         "size=2147483647x2147483647 conversion=0 buffers=0 sync=0",
@@ -45,7 +45,7 @@ def test_a_display_asks_for_its_window_and_describes_its_frames(stub):
 
 def test_every_option_reaches_the_library(stub):
     Display("näme", (2, 5), np.int16, title="a title", position=(-3, 4), size=(50, 60), fullscreen=True, open=False,
-            synchronous=True, smaller_frames=True, library=stub.library)
+            synchronous=True, smaller_frames=True, library=stub.loaded)
     assert stub.lines()[:2] == [
         'libCreate name="näme" title="a title" fullscreen=1 open=0 x=-3 y=4 useSize=1 size=50x60 conversion=0 buffers=1 '
         "sync=1",
@@ -56,7 +56,7 @@ def test_every_option_reaches_the_library(stub):
 
 
 def test_planes_of_fortran_ordered_frames_are_not_copied(stub, addresses):
-    display = Display("name", (3, 4, 3), "float64", library=stub.library)
+    display = Display("name", (3, 4, 3), "float64", library=stub.loaded)
     frame = np.full((3, 4, 3), 0.3, order="F")
     display.show(frame)
     assert planes(stub) == [[address(frame[:, :, index]) for index in range(3)]]
@@ -64,7 +64,7 @@ def test_planes_of_fortran_ordered_frames_are_not_copied(stub, addresses):
 
 
 def test_a_fortran_ordered_plane_is_not_copied(stub, addresses):
-    display = Display("name", (3, 4), "uint8", library=stub.library)
+    display = Display("name", (3, 4), "uint8", library=stub.loaded)
     frame = np.full((3, 4), 7, np.uint8, order="F")
     display.show(frame)
     assert planes(stub) == [[address(frame), 0, 0]]
@@ -72,7 +72,7 @@ def test_a_fortran_ordered_plane_is_not_copied(stub, addresses):
 
 
 def test_planes_that_lie_column_by_column_apart_from_each_other_are_not_copied(stub, addresses):
-    display = Display("name", (3, 4, 3), "uint8", library=stub.library)
+    display = Display("name", (3, 4, 3), "uint8", library=stub.loaded)
     frame = np.full((5, 4, 3), 7, np.uint8).transpose(2, 1, 0)[:, :, :3]
     display.show(frame)
     assert planes(stub) == [[address(frame[:, :, index]) for index in range(3)]]
@@ -84,7 +84,7 @@ def test_planes_that_lie_column_by_column_apart_from_each_other_are_not_copied(s
     lambda frame: np.frombuffer(b"\1" + frame.tobytes("F"), "u1")[1:].view("u2").reshape(frame.shape, order="F")],
     ids=["row by row", "flipped", "other byte order", "at odd addresses"])
 def test_other_planes_are_copied_and_counted(stub, addresses, change):
-    display = Display("name", (3, 4, 3), "uint16", library=stub.library)
+    display = Display("name", (3, 4, 3), "uint16", library=stub.loaded)
     frame = change(np.full((3, 4, 3), 0x0707, "u2", order="F"))
     for _ in range(2):
         display.show(frame)
@@ -95,7 +95,7 @@ def test_other_planes_are_copied_and_counted(stub, addresses, change):
 
 
 def test_showing_takes_no_memory_once_the_first_frame_is_shown(stub):
-    display = Display("name", (300, 400), "float64", library=stub.library)
+    display = Display("name", (300, 400), "float64", library=stub.loaded)
     frame = np.zeros((300, 400))
     display.show(frame)
     gc.collect()
@@ -115,13 +115,13 @@ def test_showing_takes_no_memory_once_the_first_frame_is_shown(stub):
 def test_a_display_that_the_library_refuses_raises_the_librarys_words(stub, monkeypatch, function):
     monkeypatch.setenv("STUB_COMPLAINT", function)
     with pytest.raises(DisplayError, match="^stub trouble!"):
-        Display("name", (3, 4), library=stub.library)
+        Display("name", (3, 4), library=stub.loaded)
     gc.collect()
     assert stub.lines().count("libDestroy") == (function == "libStart")
 
 
 def test_a_frame_that_the_library_refuses_raises_the_librarys_words_once(stub, monkeypatch):
-    display = Display("name", (3, 4), library=stub.library)
+    display = Display("name", (3, 4), library=stub.loaded)
     monkeypatch.setenv("STUB_COMPLAINT", "libUpdate")
     with pytest.raises(DisplayError, match="^stub trouble!") as error:
         display.show(np.zeros((3, 4), np.uint8))
@@ -134,7 +134,7 @@ def test_a_frame_that_the_library_refuses_raises_the_librarys_words_once(stub, m
 
 
 def test_a_block_ends_the_display_once(stub):
-    with Display("name", (3, 4), library=stub.library) as display:
+    with Display("name", (3, 4), library=stub.loaded) as display:
         assert not display.closed
     display.close()
     assert display.closed
@@ -144,7 +144,7 @@ def test_a_block_ends_the_display_once(stub):
 
 
 def test_a_forgotten_display_is_ended(stub):
-    display = Display("name", (3, 4), library=stub.library)
+    display = Display("name", (3, 4), library=stub.loaded)
     del display
     gc.collect()
     assert stub.says("libDestroy")
@@ -167,7 +167,7 @@ def join(threads):
 
 
 def test_other_threads_run_while_the_library_works(stub, addresses):
-    display = Display("name", (3, 4), "uint8", library=stub.library)
+    display = Display("name", (3, 4), "uint8", library=stub.loaded)
     frame = np.zeros((3, 4), np.uint8, order="F")
     threads = in_threads(lambda: display.show(frame))
     assert wait_until(lambda: stub.says("planes"))
@@ -178,7 +178,7 @@ def test_other_threads_run_while_the_library_works(stub, addresses):
 
 
 def test_the_library_is_called_by_one_thread_at_a_time(stub, addresses):
-    first, second = (Display(name, (3, 4), "uint8", library=stub.library) for name in ("first", "second"))
+    first, second = (Display(name, (3, 4), "uint8", library=stub.loaded) for name in ("first", "second"))
     held = np.zeros((3, 4), np.uint8, order="F")
     threads = in_threads(lambda: first.show(held))
     assert wait_until(lambda: stub.says("planes"))
@@ -199,7 +199,7 @@ def test_the_library_is_called_by_one_thread_at_a_time(stub, addresses):
 
 
 def test_a_synchronous_display_is_for_the_thread_that_made_it(stub):
-    display = Display("name", (3, 4), synchronous=True, library=stub.library)
+    display = Display("name", (3, 4), synchronous=True, library=stub.loaded)
     errors = []
 
     def show():
@@ -215,7 +215,7 @@ def test_a_synchronous_display_is_for_the_thread_that_made_it(stub):
 
 
 def test_a_fork_is_refused_and_ends_nothing_of_its_parents(stub):
-    display = Display("name", (3, 4), library=stub.library)
+    display = Display("name", (3, 4), library=stub.loaded)
     child = os.fork()
     if child == 0:
         status = 1

@@ -22,7 +22,7 @@ class Stub:
     """The interface without windows, and what it was called with."""
 
     def __init__(self, log):
-        self.library = framesink.load(os.environ["FRAMESINK_STUB"])
+        self.loaded = framesink.load(os.environ["FRAMESINK_STUB"])
         self._log = log
 
     def lines(self):

@@ -16,7 +16,7 @@ from framesink import Display
 ])
 def test_a_display_of_impossible_frames_raises(stub, shape, dtype, error, words):
     with pytest.raises(error, match=words):
-        Display("name", shape, dtype, library=stub.library)
+        Display("name", shape, dtype, library=stub.loaded)
     assert not stub.says("libCreate")
 
 
@@ -24,13 +24,13 @@ def test_a_display_of_impossible_frames_raises(stub, shape, dtype, error, words)
     ("", ValueError, "must not be empty"), ("a\0b", ValueError, "zero character"), (7, TypeError, "is a str, not int")])
 def test_a_display_of_an_impossible_name_raises(stub, name, error, words):
     with pytest.raises(error, match=words):
-        Display(name, (4, 5), library=stub.library)
+        Display(name, (4, 5), library=stub.loaded)
 
 
 @pytest.mark.parametrize("size", [(0, 5), (5, -1)])
 def test_a_window_without_pixels_raises(stub, size):
     with pytest.raises(ValueError, match="at least 1"):
-        Display("name", (4, 5), size=size, library=stub.library)
+        Display("name", (4, 5), size=size, library=stub.loaded)
 
 
 @pytest.mark.parametrize(("frame", "error", "words"), [
@@ -40,7 +40,7 @@ def test_a_window_without_pixels_raises(stub, size):
     (np.zeros((3, 5), np.uint8), ValueError, r"\(3, 5\)"),
 ])
 def test_a_frame_of_another_format_raises_and_is_not_shown(stub, frame, error, words):
-    display = Display("name", (4, 5), library=stub.library)
+    display = Display("name", (4, 5), library=stub.loaded)
     with pytest.raises(error, match=words):
         display.show(frame)
     assert not stub.says("libUpdate")
@@ -48,7 +48,7 @@ def test_a_frame_of_another_format_raises_and_is_not_shown(stub, frame, error, w
 
 @pytest.mark.parametrize("shape", [(5, 5), (4, 6), (0, 5), (4,)])
 def test_frames_that_do_not_fit_raise_where_smaller_ones_may_come(stub, shape):
-    display = Display("name", (4, 5), smaller_frames=True, library=stub.library)
+    display = Display("name", (4, 5), smaller_frames=True, library=stub.loaded)
     with pytest.raises(ValueError, match="shape is"):
         display.show(np.zeros(shape, np.uint8))
     assert not stub.says("libUpdate")

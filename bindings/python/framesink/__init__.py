@@ -6,7 +6,7 @@ drawn by a thread of the library, so the model never waits for it.
 
 from .display import Display
 from .errors import DisplayError, LibraryNotFoundError, UnknownWindowError
-from .library import Library, load
+from .loader import Library, load
 from .window import Geometry, Window
 
 __all__ = ["Display", "DisplayError", "Geometry", "Library", "LibraryNotFoundError", "UnknownWindowError",

@@ -12,7 +12,7 @@ from numpy.typing import ArrayLike, DTypeLike
 from . import interface
 from .errors import DisplayError
 from .frames import FrameFormat, PlaneSource, address
-from .library import Library, load
+from .loader import Library, load
 from .window import Window, as_position, as_size, checked_name, checked_text
 
 _SECONDS_BETWEEN_LOOKS = 0.01

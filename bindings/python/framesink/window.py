@@ -4,7 +4,7 @@ from typing import NamedTuple
 
 from . import interface
 from .errors import UnknownWindowError
-from .library import Library
+from .loader import Library
 
 # No window reports such a size.
 _UNTOUCHED = -1
