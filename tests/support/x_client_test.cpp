@@ -142,6 +142,9 @@ TEST_P(XClientTest, ActivatesAWindow) {
   const PlainWindow second("second");
   x.waitForWindow("first");
   x.waitForWindow("second");
+  if (x.hasWindowManager()) {  // which gives a new window the focus some time after it is on screen
+    ASSERT_TRUE(waitUntil([&] { return x.activeWindow() == second.id(); }));
+  }
   for (const Window id : {first.id(), second.id(), first.id()}) {
     EXPECT_TRUE(x.activate(id));
     EXPECT_TRUE(x.hasFocus(id));
