@@ -27,10 +27,10 @@ class DisplayThread {
   // system ended it.
   bool isLost() const { return running_ && id_ != 0 && isThreadGone(id_); }
 
-  // Waits until the thread has said farewell and has left this library for good, because its code is
-  // about to be unmapped. True at once when there never was one; false at the deadline or when it is lost. The
-  // thread's stack is given back, so that loading and unloading many times costs little although
-  // the threads are never joined.
+  // Waits until the thread has said farewell and has left this library for good, because its code
+  // is about to be unmapped. True at once when there never was one; false at the deadline or when it
+  // is lost. The thread's stack is given back, so that loading and unloading many times costs little
+  // although the threads are never joined.
   bool awaitEnd(std::chrono::steady_clock::time_point deadline);
 
  private:

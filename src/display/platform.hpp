@@ -39,8 +39,8 @@ DeadStack currentThreadStack();
 // Gives its memory back to the system; the addresses stay taken. Only when that thread is gone.
 void giveBack(DeadStack stack);
 
-// What keeps a library loaded whatever hosts unload. Only Windows needs it, where loading, unloading
-// and the beginning and end of threads exclude each other; elsewhere it is always empty.
+// What keeps a library loaded whatever hosts unload. Only Windows needs it, where loading and
+// unloading and the beginning and end of threads exclude each other; elsewhere it is always empty.
 class LibraryHold {
  public:
   LibraryHold() = default;

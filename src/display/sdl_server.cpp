@@ -218,9 +218,9 @@ void SdlServer::start() {
   initSdlVideo();
   sdlCode_ = holdSdl();
   if (threaded_) {
+    stayLoadedWithOpenGl();  // first, as memory may run out in it
     quit_ = 0;
     mutex_ = SDL_CreateMutex();
-    stayLoadedWithOpenGl();
     thread_.start(
         "sdlVideoPlayers",
         [](void* server) { static_cast<SdlServer*>(server)->runDisplayThread(); }, this);
