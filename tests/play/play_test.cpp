@@ -42,10 +42,10 @@ TEST(PlayHelp, NamesEveryOptionAndExitStatus) {
   const Outcome outcome = runPlayer({"--help"});
   EXPECT_EQ(outcome.status, 0);
   for (const char* option :
-       {"source",     "--kind",     "--type",       "--layout",     "--windows", "--sync",
-        "--size",     "--position", "--fullscreen", "--title",      "--fps",     "--frames",
-        "--duration", "--hold",     "--library",    "--dump-frame", "--version", "--help",
-        "\n  0  ",    "\n  1  ",    "\n  2  ",      "\n  3  ",      "\n  4  "}) {
+       {"source",   "--raw",      "--kind",     "--type",       "--layout",     "--windows",
+        "--sync",   "--size",     "--position", "--fullscreen", "--title",      "--fps",
+        "--frames", "--duration", "--hold",     "--library",    "--dump-frame", "--version",
+        "--help",   "\n  0  ",    "\n  1  ",    "\n  2  ",      "\n  3  ",      "\n  4  "}) {
     EXPECT_THAT(outcome.out, HasSubstr(option));
   }
   EXPECT_THAT(outcome.calls, IsEmpty());
@@ -82,6 +82,21 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"Kind", {"--kind", "cmyk"}, "--kind"},
                     WrongLine{"Type", {"--type", "int64"}, "--type"},
                     WrongLine{"Layout", {"--layout", "diagonal"}, "--layout"},
+                    WrongLine{"RawWithoutKind", {"a.raw", "--raw", "4x2:uint8"}, "--raw"},
+                    WrongLine{"RawType", {"a.raw", "--raw", "4x2:int64:rgb"}, "--raw"},
+                    WrongLine{"RawKind", {"a.raw", "--raw", "4x2:int8:cmyk"}, "--raw"},
+                    WrongLine{"RawOrder", {"a.raw", "--raw", "4x2:int8:rgb:loose"}, "--raw"},
+                    WrongLine{"RawOfNothing", {"a.raw", "--raw", "0x2:int8:rgb"}, "--raw"},
+                    WrongLine{"HugeRaw", {"a.raw", "--raw", "65536x65536:int8:rgb"}, "--raw"},
+                    WrongLine{
+                        "RawPairsOfOddWidth", {"a.raw", "--raw", "3x2:int8:ycbcr422"}, "--raw"},
+                    WrongLine{"RawWithoutFile", {"--raw", "4x2:uint8:rgb"}, "which FILE"},
+                    WrongLine{"RawWithKind",
+                              {"a.raw", "--raw", "4x2:uint8:rgb", "--kind", "rgb"},
+                              "names kind and type itself"},
+                    WrongLine{"RawWithType",
+                              {"a.raw", "--raw", "4x2:uint8:rgb", "--type", "int8"},
+                              "names kind and type itself"},
                     WrongLine{"NoWindow", {"--windows", "0"}, "--windows"},
                     WrongLine{"TooManyWindows", {"--windows", "65"}, "--windows"},
                     WrongLine{"SizeOfOneNumber", {"--size", "640"}, "--size"},

@@ -34,6 +34,10 @@ void FramePlanes::fill(const Picture& picture) {
   }
 }
 
+void FramePlanes::copy(std::size_t index, const SampleGrid& samples) {
+  type_.copy(samples, layout_, planes_[index].data());
+}
+
 const void* FramePlanes::plane(std::size_t index) const {
   return index < planes_.size() ? planes_[index].data() : nullptr;
 }

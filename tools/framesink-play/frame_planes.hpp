@@ -23,6 +23,9 @@ class FramePlanes {
   // Takes the samples over from a picture of the same kind and size.
   void fill(const Picture& picture);
 
+  // Takes plane `index` over as it is.
+  void copy(std::size_t index, const SampleGrid& samples);
+
   // The samples of plane 0 to 2; null for a plane that the kind does not have.
   const void* plane(std::size_t index) const;
 

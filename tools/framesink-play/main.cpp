@@ -1,4 +1,5 @@
 // framesink-play: a host in miniature. It loads the library as a host does and shows it frames.
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -12,11 +13,14 @@
 #include "model_source.hpp"
 #include "options.hpp"
 #include "player.hpp"
+#include "raw_source.hpp"
 #include "signals.hpp"
 #include "video_source.hpp"
 
 namespace framesink::play {
 namespace {
+
+constexpr double kRawRate = 25;  // frames per second
 
 void printVersion(const Options& options) {
   std::cout << "framesink-play " << FRAMESINK_PLAY_VERSION << std::endl;
@@ -25,7 +29,14 @@ void printVersion(const Options& options) {
             << library.path() << std::endl;
 }
 
+// Raw samples have no pace of their own.
+std::unique_ptr<Source> openRaw(const Options& options) {
+  const double rate = options.rate.value_or(kRawRate);
+  return makeRawSource(options.source, *options.raw, 1 / (std::isinf(rate) ? kRawRate : rate), 0);
+}
+
 std::unique_ptr<Source> openSource(const Options& options) {
+  if (options.raw) return openRaw(options);
   if (!options.source.empty()) return makeVideoSource(options.source);
   const Extent size = options.size.value_or(Extent{kModelWidth, kModelHeight});
   return makeModelSource(size.width, size.height);

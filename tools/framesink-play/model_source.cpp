@@ -41,7 +41,7 @@ constexpr double kCode = 1.0 / 255;
 double luma(double brightness) { return (16 + 219 * brightness) * kCode; }
 double chroma(double colour) { return (128 + 112 * colour) * kCode; }
 
-class ModelSource final : public Source {
+class ModelSource final : public PictureSource {
  public:
   ModelSource(int width, int height) : width_(width), height_(height), field_(width, height) {}
 

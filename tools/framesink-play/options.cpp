@@ -2,14 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <iostream>
 #include <limits>
 
 #include "failure.hpp"
 #include "loader.hpp"
 #include "model_source.hpp"
+#include "numbers.hpp"
 
 namespace framesink::play {
 namespace {
@@ -27,30 +26,6 @@ constexpr const char* kFooter =
     "  3  the library cannot be loaded or refuses the frames\n"
     "  4  there is no display\n"
     "Stopped by Ctrl-C or another signal it cleans up and dies by that signal.";
-
-template <class Number>
-std::optional<Number> wholeNumber(const std::string& text) {
-  Number number{};
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number);
-  if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-  return number;
-}
-
-std::optional<double> finiteNumber(const std::string& text) {
-  const auto number = wholeNumber<double>(text);
-  return number && std::isfinite(*number) ? number : std::nullopt;
-}
-
-// Two whole numbers with `separator` between them.
-std::optional<std::pair<int, int>> pairOf(const std::string& text, char separator) {
-  const auto middle = text.find(separator);
-  if (middle == std::string::npos) return std::nullopt;
-  const auto first = wholeNumber<int>(text.substr(0, middle));
-  const auto second = wholeNumber<int>(text.substr(middle + 1));
-  if (!first || !second) return std::nullopt;
-  return std::pair{*first, *second};
-}
 
 [[noreturn]] void refuse(const std::string& option, const std::string& value,
                          const std::string& wanted) {
@@ -70,6 +45,15 @@ void parsePosition(const std::string& text, Options& options) {
   const auto place = pairOf(text, ',');
   if (!place) refuse("--position", text, "X,Y in whole pixels");
   options.position = Place{place->first, place->second};
+}
+
+void parseRaw(const std::string& text, Options& options) {
+  options.raw = parseRawForm(text);
+  if (!options.raw) {
+    refuse("--raw", text,
+           "WIDTHxHEIGHT:TYPE:KIND or the same with \":packed\", at most 2^27 pixels, "
+           "an even width for ycbcr422");
+  }
 }
 
 void parseRate(const std::string& text, Options& options) {
@@ -129,6 +113,15 @@ void addPictureOptions(CLI::App& app, Options& options) {
          "window as it was")
       ->check(CLI::IsMember({"column", "row"}).description(""))
       ->type_name("column|row");
+}
+
+void addRawOption(CLI::App& app, Options& options) {
+  app.add_option_function<std::string>(
+         "--raw", [&](const std::string& text) { parseRaw(text, options); },
+         "FILE holds raw samples, for example 640x480:double:rgb: plane\n"
+         "after plane, each column by column; with :packed at the end row\n"
+         "by row with the components of a pixel together (--fps: 25)")
+      ->type_name("WxH:TYPE:KIND[:packed]");
 }
 
 void addWindowOptions(CLI::App& app, Options& options) {
@@ -191,6 +184,15 @@ void addOtherOptions(CLI::App& app, Options& options) {
   app.add_flag("--version", options.version, "Print the versions of player and library");
 }
 
+void checkRaw(Options& options, bool hasKindOrType) {
+  if (!options.raw) return;
+  if (options.source.empty())
+    throw Failure(kUsageTrouble, "--raw: which FILE? (- is standard input)");
+  if (hasKindOrType) throw Failure(kUsageTrouble, "--raw names kind and type itself");
+  options.kind = options.raw->kind;
+  options.type = options.raw->type;
+}
+
 void checkModelSize(const Options& options) {
   if (!options.source.empty() || !options.size) return;
   const auto [smaller, larger] = std::minmax(options.size->width, options.size->height);
@@ -219,6 +221,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
                  "that is computed live, in three windows)")
       ->type_name("FILE");
   addPictureOptions(app, options);
+  addRawOption(app, options);
   addWindowOptions(app, options);
   addTimeOptions(app, options, hold);
   addOtherOptions(app, options);
@@ -231,6 +234,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     refuseLine(error.what());
   }
+  checkRaw(options, app.count("--kind") + app.count("--type") > 0);
   checkModelSize(options);
   return options;
 }

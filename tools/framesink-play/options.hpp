@@ -6,6 +6,7 @@
 #include <string>
 
 #include "picture.hpp"
+#include "raw_form.hpp"
 #include "sample_type.hpp"
 
 namespace framesink::play {
@@ -19,7 +20,8 @@ struct Place {
 };
 
 struct Options {
-  std::string source;  // empty: the built-in model; "-": standard input
+  std::string source;          // empty: the built-in model; "-": standard input
+  std::optional<RawForm> raw;  // of the source's samples; kind and type are then the same
   std::optional<Kind> kind;
   const SampleType* type = nullptr;  // null: not asked for
   Layout layout = Layout::kColumn;

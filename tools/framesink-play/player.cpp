@@ -25,7 +25,10 @@ Clock::time_point after(Clock::time_point from, double seconds) {
 }
 
 Source& atFirstFrame(Source& source) {
-  if (!source.advance()) throw Failure(kSourceTrouble, "there is nothing to show");
+  if (!source.advance()) {
+    const std::string trouble = source.trouble();
+    throw Failure(kSourceTrouble, trouble.empty() ? "there is nothing to show" : trouble);
+  }
   return source;
 }
 
@@ -92,7 +95,7 @@ Clock::time_point Player::holdEnd() const {
 
 void Player::send() {
   for (View& view : views_) {
-    view.planes.fill(source_.picture(view.planes.kind(), view.planes.type().bytes > 1));
+    source_.fill(view.planes);
   }
   updateWindows();
   status_.addFrame();

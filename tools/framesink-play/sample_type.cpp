@@ -64,9 +64,27 @@ void store(const Component& component, Layout layout, void* plane) {
   }
 }
 
+// `Bits` stands for any sample of its size.
+template <class Bits>
+void copy(const SampleGrid& samples, Layout layout, void* plane) {
+  const Grid<Bits> grid{reinterpret_cast<const Bits*>(samples.first),
+                        samples.rowStep,
+                        samples.columnStep,
+                        samples.width,
+                        samples.height,
+                        1};
+  storeGrid(grid, layout, static_cast<Bits*>(plane), [](Bits bits) { return bits; });
+}
+
+template <std::size_t kBytes>
+using BitsOf = std::conditional_t<
+    kBytes == 1, std::uint8_t,
+    std::conditional_t<kBytes == 2, std::uint16_t,
+                       std::conditional_t<kBytes == 4, std::uint32_t, std::uint64_t>>>;
+
 template <class Sample>
 constexpr SampleType sampleType(const char* name, std::uint32_t id) {
-  return {name, id, sizeof(Sample), store<Sample>};
+  return {name, id, sizeof(Sample), store<Sample>, copy<BitsOf<sizeof(Sample)>>};
 }
 
 constexpr std::array kSampleTypes{

@@ -13,6 +13,15 @@ namespace framesink::play {
 // How the samples of a plane follow one another.
 enum class Layout { kRow, kColumn };
 
+// One plane of samples of some type, in any order.
+struct SampleGrid {
+  const std::byte* first;
+  std::ptrdiff_t rowStep;     // samples from one row to the next
+  std::ptrdiff_t columnStep;  // samples from one column to the next
+  int width;
+  int height;
+};
+
 struct SampleType {
   const char* name;
   std::uint32_t id;   // a FramesinkDataType
@@ -20,6 +29,8 @@ struct SampleType {
   // Writes a component as a plane of width x height samples of the type: 0 becomes the minimum of
   // its range, `one` the maximum; integers are rounded to nearest, boolean is true from half on.
   void (*store)(const Component& component, Layout layout, void* plane);
+  // Writes samples of the type as a plane, bit for bit.
+  void (*copy)(const SampleGrid& samples, Layout layout, void* plane);
 };
 
 std::span<const SampleType> sampleTypes();

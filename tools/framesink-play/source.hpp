@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "frame_planes.hpp"
 #include "picture.hpp"
 
 namespace framesink::play {
@@ -22,12 +23,24 @@ class Source {
   virtual double time() const = 0;
   virtual double interval() const = 0;
 
-  // The current frame, sentWidth(kind, width()) x height(). Its codes stay until the next call of
-  // picture or advance. `deep` asks for more than 8 bits where the source has them.
-  virtual Picture picture(Kind kind, bool deep) = 0;
+  // Puts the current frame into planes of the size sentWidth(kind, width()) x height().
+  virtual void fill(FramePlanes& planes) = 0;
 
   // What was found damaged on the way; empty when all is well.
   virtual std::string trouble() const { return {}; }
+};
+
+// A source whose frames are pictures, which become samples of any kind and type.
+class PictureSource : public Source {
+ public:
+  void fill(FramePlanes& planes) final {
+    planes.fill(picture(planes.kind(), planes.type().bytes > 1));
+  }
+
+ private:
+  // The current frame, sentWidth(kind, width()) x height(). Its codes stay until the next call of
+  // picture or advance. `deep` asks for more than 8 bits where the source has them.
+  virtual Picture picture(Kind kind, bool deep) = 0;
 };
 
 }  // namespace framesink::play

@@ -56,7 +56,7 @@ bool isOfTheSystem(int error) {
   return std::ranges::find(kOfTheSystem, AVUNERROR(error)) != kOfTheSystem.end();
 }
 
-class VideoSource final : public Source {
+class VideoSource final : public PictureSource {
  public:
   explicit VideoSource(const std::string& path) : name_(path == "-" ? "standard input" : path) {
     errorLogged = false;
