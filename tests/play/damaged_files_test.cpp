@@ -11,6 +11,8 @@
 #include <random>
 
 #include "failure.hpp"
+#include "frame_planes.hpp"
+#include "clips.hpp"
 #include "player_process.hpp"
 #include "video_source.hpp"
 
@@ -84,9 +86,11 @@ Reading read(const std::string& path) {
   constexpr int kEnough = 1000;  // frames of a stream that does not end
   Reading reading;
   try {
-    const auto source = makeVideoSource(path);
+    const auto source = makeVideoSource(path, 0);
     while (reading.frames < kEnough && source->advance()) {
-      source->picture(Kind::kRgb, false);
+      FramePlanes planes(Kind::kRgb, *findSampleType("uint8"), Layout::kColumn, source->width(),
+                         source->height());
+      source->fill(planes);
       ++reading.frames;
     }
     EXPECT_LT(reading.frames, kEnough);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "clips.hpp"
 #include "player_process.hpp"
 
 namespace framesink::play {
@@ -263,14 +264,6 @@ TEST(PlayPlanes, OfDeepYcbcrAgreeWithThoseInBytes) {
 }
 
 // ---- The course of a video ----
-
-// Frames of one grey each, numbered from 1.
-std::string video(int frames, const std::string& rate) {
-  std::string text = "YUV4MPEG2 W16 H8 F" + rate + " Ip C420\n";
-  for (int i = 1; i <= frames; ++i)
-    text += "FRAME\n" + std::string(16 * 8 * 3 / 2, static_cast<char>(i));
-  return text;
-}
 
 TEST(PlayVideo, KeepsItsOwnPaceAndShowsItsLastFrameAsLong) {
   const Scratch scratch;

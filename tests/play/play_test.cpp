@@ -42,10 +42,11 @@ TEST(PlayHelp, NamesEveryOptionAndExitStatus) {
   const Outcome outcome = runPlayer({"--help"});
   EXPECT_EQ(outcome.status, 0);
   for (const char* option :
-       {"source",   "--raw",      "--kind",     "--type",       "--layout",     "--windows",
-        "--sync",   "--size",     "--position", "--fullscreen", "--title",      "--fps",
-        "--frames", "--duration", "--hold",     "--library",    "--dump-frame", "--version",
-        "--help",   "\n  0  ",    "\n  1  ",    "\n  2  ",      "\n  3  ",      "\n  4  "}) {
+       {"source",       "--raw",      "--kind",     "--type",       "--layout", "--windows",
+        "--sync",       "--size",     "--position", "--fullscreen", "--title",  "--fps",
+        "--frames",     "--duration", "--seek",     "--loop",       "--hold",   "--library",
+        "--dump-frame", "--version",  "--help",     "\n  0  ",      "\n  1  ",  "\n  2  ",
+        "\n  3  ",      "\n  4  "}) {
     EXPECT_THAT(outcome.out, HasSubstr(option));
   }
   EXPECT_THAT(outcome.calls, IsEmpty());
@@ -113,6 +114,10 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"NegativeFrames", {"--frames", "-3"}, "--frames"},
                     WrongLine{"NegativeDuration", {"--duration", "-1"}, "--duration"},
                     WrongLine{"EndlessDuration", {"--duration", "nan"}, "--duration"},
+                    WrongLine{"NegativeSeek", {"a.mp4", "--seek", "-1"}, "--seek"},
+                    WrongLine{"SeekInTheModel", {"--seek", "1"}, "need a FILE"},
+                    WrongLine{"LoopOfTheModel", {"--loop"}, "need a FILE"},
+                    WrongLine{"LoopOfAPipe", {"-", "--loop"}, "standard input"},
                     WrongLine{"NegativeHold", {"--hold", "-1"}, "--hold"},
                     WrongLine{"HoldOfWords", {"a.png", "--hold", "long"}, "--hold"}),
     [](const auto& instance) { return instance.param.name; });

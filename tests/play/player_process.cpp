@@ -177,10 +177,4 @@ bool runProgram(const Arguments& line) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-void makeWithFfmpeg(const Arguments& arguments) {
-  Arguments line{"ffmpeg", "-nostdin", "-loglevel", "error", "-y"};
-  line.insert(line.end(), arguments.begin(), arguments.end());
-  ASSERT_TRUE(runProgram(line)) << "the program ffmpeg is needed";
-}
-
 }  // namespace framesink::play

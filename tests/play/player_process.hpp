@@ -66,7 +66,4 @@ Outcome runPlayer(const Arguments& arguments, const Setting& setting = {});
 // Runs another program, found on the path; true when it succeeds.
 bool runProgram(const Arguments& line);
 
-// Tests' clips and expected pictures are made by the program `ffmpeg`.
-void makeWithFfmpeg(const Arguments& arguments);
-
 }  // namespace framesink::play

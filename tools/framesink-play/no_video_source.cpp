@@ -4,7 +4,7 @@
 
 namespace framesink::play {
 
-std::unique_ptr<Source> makeVideoSource(const std::string& path) {
+std::unique_ptr<Source> makeVideoSource(const std::string& path, double) {
   throw Failure(kSourceTrouble, path + ": cannot be read, this player was built without FFmpeg");
 }
 

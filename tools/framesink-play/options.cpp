@@ -152,6 +152,11 @@ void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
          "Frames per second (default: the video's own pace, for the model 60)")
       ->type_name("R|max");
   app.add_option_function<std::string>(
+         "--seek", [&](const std::string& text) { options.seek = parseSeconds("--seek", text); },
+         "Begin with the frame that is due S seconds after FILE's first one")
+      ->type_name("S");
+  app.add_flag("--loop", options.loop, "Play FILE again and again, from --seek's frame on");
+  app.add_option_function<std::string>(
          "--frames",
          [&](const std::string& text) {
            options.frames = wholeNumber<std::uint64_t>(text);
@@ -193,6 +198,15 @@ void checkRaw(Options& options, bool hasKindOrType) {
   options.type = options.raw->type;
 }
 
+void checkTime(const Options& options) {
+  if (options.source.empty() && (options.loop || options.seek > 0)) {
+    throw Failure(kUsageTrouble, "--seek and --loop need a FILE; the model is live and has no end");
+  }
+  if (options.source == "-" && options.loop) {
+    throw Failure(kUsageTrouble, "--loop: standard input cannot be played again");
+  }
+}
+
 void checkModelSize(const Options& options) {
   if (!options.source.empty() || !options.size) return;
   const auto [smaller, larger] = std::minmax(options.size->width, options.size->height);
@@ -217,8 +231,9 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   app.footer(kFooter);
   app.get_formatter()->column_width(21);
   app.add_option("source", options.source,
-                 "A video or an image, or - for standard input (default: a model\n"
-                 "that is computed live, in three windows)")
+                 "A video, an image, a sequence of images (frame-%04d.png), or -\n"
+                 "for standard input (default: a model that is computed live, in\n"
+                 "three windows)")
       ->type_name("FILE");
   addPictureOptions(app, options);
   addRawOption(app, options);
@@ -235,6 +250,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
     refuseLine(error.what());
   }
   checkRaw(options, app.count("--kind") + app.count("--type") > 0);
+  checkTime(options);
   checkModelSize(options);
   return options;
 }

@@ -31,6 +31,8 @@ struct Options {
   std::optional<Place> position;
   bool fullscreen = false;
   std::optional<double> rate;  // frames per second; infinite: as fast as possible
+  double seek = 0;             // seconds of the source that are left out
+  bool loop = false;
   std::optional<std::uint64_t> frames;
   std::optional<double> duration;  // seconds
   std::optional<double> hold;      // seconds; infinite: until the windows are closed

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "failure.hpp"
+#include "open_source.hpp"
 #include "signals.hpp"
 
 namespace framesink::play {
@@ -24,9 +25,9 @@ Clock::time_point after(Clock::time_point from, double seconds) {
   return from + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
 }
 
-Source& atFirstFrame(Source& source) {
-  if (!source.advance()) {
-    const std::string trouble = source.trouble();
+std::unique_ptr<Source> atFirstFrame(std::unique_ptr<Source> source) {
+  if (!source->advance()) {
+    const std::string trouble = source->trouble();
     throw Failure(kSourceTrouble, trouble.empty() ? "there is nothing to show" : trouble);
   }
   return source;
@@ -34,10 +35,10 @@ Source& atFirstFrame(Source& source) {
 
 }  // namespace
 
-Player::Player(const Options& options, const Library& library, Source& source)
+Player::Player(const Options& options, const Library& library, std::unique_ptr<Source> source)
     : options_(options),
-      source_(atFirstFrame(source)),
-      views_(openViews(options, library, source)),
+      source_(atFirstFrame(std::move(source))),
+      views_(openViews(options, library, *source_)),
       begin_(Clock::now()),
       end_(options.duration ? after(begin_, *options.duration) : kNever),
       start_(begin_) {
@@ -56,7 +57,7 @@ bool Player::playFrames() {
     if (due >= end_) return true;
     send();
     if (status_.frames() == options_.frames) break;
-    exhausted_ = !source_.advance();
+    exhausted_ = !advance();
     if (exhausted_) break;
   }
   return waitUntil(lastFrameEnd());
@@ -70,11 +71,31 @@ void Player::hold() {
   }
 }
 
+bool Player::advance() {
+  if (source_->advance()) return true;
+  return options_.loop && startAgain();
+}
+
+// Opens the source anew for another pass. An image stands still, and what is damaged is not shown
+// twice.
+bool Player::startAgain() {
+  if (passFrames_ <= 1 || !source_->trouble().empty() || stopSignal() != 0) return false;
+  passBegin_ += source_->time() + source_->interval();
+  passFrames_ = 0;
+  auto again = atFirstFrame(openSource(options_));
+  if (again->width() != source_->width() || again->height() != source_->height()) {
+    throw Failure(kSourceTrouble, options_.source + ": its size has changed");
+  }
+  source_ = std::move(again);
+  return true;
+}
+
 Clock::time_point Player::dueTime() {
   const auto now = Clock::now();
   const double rate = options_.rate.value_or(0);
   if (std::isinf(rate)) return now;
-  const double offset = rate > 0 ? static_cast<double>(status_.frames()) / rate : source_.time();
+  const double offset =
+      rate > 0 ? static_cast<double>(status_.frames()) / rate : passBegin_ + source_->time();
   const auto due = after(start_, offset);
   if (now - due <= kForgivable) return due;
   start_ += now - due;
@@ -83,22 +104,23 @@ Clock::time_point Player::dueTime() {
 
 // The last frame is shown for as long as any other.
 Clock::time_point Player::lastFrameEnd() const {
-  const double rate = options_.rate.value_or(1 / source_.interval());
+  const double rate = options_.rate.value_or(1 / source_->interval());
   return std::min(end_, after(Clock::now(), 1 / rate));
 }
 
 Clock::time_point Player::holdEnd() const {
   if (options_.hold) return after(Clock::now(), *options_.hold);
-  const bool image = exhausted_ && status_.frames() == 1 && !options_.frames;
-  return image && source_.trouble().empty() ? end_ : Clock::now();
+  const bool image = exhausted_ && passFrames_ == 1 && !options_.frames;
+  return image && source_->trouble().empty() ? end_ : Clock::now();
 }
 
 void Player::send() {
   for (View& view : views_) {
-    source_.fill(view.planes);
+    source_->fill(view.planes);
   }
   updateWindows();
   status_.addFrame();
+  ++passFrames_;
 }
 
 void Player::updateWindows() {

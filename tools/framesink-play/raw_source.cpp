@@ -31,7 +31,7 @@ class RawSource final : public Source {
       if (read_++ >= skipped_) return true;
     }
     if (read_ <= skipped_ && trouble_.empty())
-      trouble_ = read_ == 0 ? "is empty" : "ends before that";
+      trouble_ = read_ == 0 ? "is empty" : "ends before the place that --seek asks for";
     return false;
   }
 

@@ -3,6 +3,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/common.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -23,6 +24,8 @@ namespace {
 
 constexpr double kUnknownInterval = 1.0 / 25;  // seconds
 constexpr double kLongestInterval = 60;        // a longer step in time is a break in the stream
+constexpr double kTimeGrain = 1e-6;            // seconds
+constexpr int kMostFirstNumber = 100'000;      // of a sequence of images
 constexpr std::int64_t kMostPixels = 1 << 27;  // of one frame
 
 // Set by FFmpeg's log, on any thread: some damage is told there only.
@@ -56,18 +59,23 @@ bool isOfTheSystem(int error) {
   return std::ranges::find(kOfTheSystem, AVUNERROR(error)) != kOfTheSystem.end();
 }
 
+// Names of files that exist are no patterns.
+bool isSequence(const std::string& path) {
+  std::error_code ignored;
+  return av_filename_number_test(path.c_str()) != 0 && !std::filesystem::exists(path, ignored);
+}
+
 class VideoSource final : public PictureSource {
  public:
-  explicit VideoSource(const std::string& path) : name_(path == "-" ? "standard input" : path) {
+  VideoSource(const std::string& path, double begin)
+      : name_(path == "-" ? "standard input" : path) {
     errorLogged = false;
     av_log_set_callback(listenToLog);
     if (!frame_ || !packet_) throw std::bad_alloc();
-    openFile(path);
-    openDecoder();
-    if (!decode()) fail("no picture could be read from it");
+    open(path);
     width_ = frame_->width;
     height_ = frame_->height;
-    start_ = frame_->best_effort_timestamp;
+    if (begin > 0) seek(path, begin);
   }
 
   // The first frame was decoded on opening.
@@ -108,16 +116,64 @@ class VideoSource final : public PictureSource {
     throw Failure(kSourceTrouble, name_ + ": " + what);
   }
 
+  // Comes to the first picture.
+  void open(const std::string& path) {
+    drained_ = false;
+    decoder_.reset();
+    format_.reset();
+    openFile(path);
+    openDecoder();
+    if (!decode()) fail("no picture could be read from it");
+    start_ = frame_->best_effort_timestamp;
+  }
+
+  // Moves on to the picture that is due `seconds` after the first one, which is due at 0 from then
+  // on. What is left out is not looked at for damage.
+  void seek(const std::string& path, double seconds) {
+    if (!jump(seconds)) open(path);
+    double place = placeOf(0);
+    while (place < seconds - kTimeGrain) {
+      if (!decode()) fail("ends before the place that --seek asks for");
+      place = placeOf(place + interval());
+    }
+    start_ = frame_->best_effort_timestamp;
+    damaged_ = false;
+    errorLogged = false;
+  }
+
+  // To a picture at or before `seconds`, from which others can be decoded. False, with the stream
+  // anywhere, when the file has no way to find it. Pipes stay where they are.
+  bool jump(double seconds) {
+    const bool pipe = format_->pb != nullptr && (format_->pb->seekable & AVIO_SEEKABLE_NORMAL) == 0;
+    if (pipe || start_ == AV_NOPTS_VALUE) return true;
+    const auto ticks = static_cast<std::int64_t>(seconds / av_q2d(stream_->time_base));
+    const std::int64_t stamp = av_sat_add64(start_, ticks);
+    if (av_seek_frame(format_.get(), stream_->index, stamp, AVSEEK_FLAG_BACKWARD) < 0) return false;
+    avcodec_flush_buffers(decoder_.get());
+    drained_ = false;
+    return decode() && placeOf(0) <= seconds + kTimeGrain;
+  }
+
+  // Where the current picture is in the stream, seconds after the first one; `otherwise` when it
+  // does not tell.
+  double placeOf(double otherwise) const {
+    const std::int64_t stamp = frame_->best_effort_timestamp;
+    if (stamp == AV_NOPTS_VALUE || start_ == AV_NOPTS_VALUE) return otherwise;
+    return (static_cast<double>(stamp) - static_cast<double>(start_)) * av_q2d(stream_->time_base);
+  }
+
   void openFile(const std::string& path) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) fail("is a directory");
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr) throw std::bad_alloc();
     format->interrupt_callback.callback = [](void*) { return stopSignal() != 0 ? 1 : 0; };
-    // Play lists are not to reach beyond this machine's files; names are no patterns.
+    // Play lists are not to reach beyond this machine's files.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file,pipe", 0);
-    av_dict_set(&options, "pattern_type", "none", 0);
+    const bool sequence = isSequence(path);
+    av_dict_set(&options, "pattern_type", sequence ? "sequence" : "none", 0);
+    if (sequence) av_dict_set_int(&options, "start_number_range", kMostFirstNumber, 0);
     const std::string url = path == "-" ? "pipe:0" : "file:" + path;
     const int error = avformat_open_input(&format, url.c_str(), nullptr, &options);
     av_dict_free(&options);
@@ -233,8 +289,8 @@ class VideoSource final : public PictureSource {
 
 }  // namespace
 
-std::unique_ptr<Source> makeVideoSource(const std::string& path) {
-  return std::make_unique<VideoSource>(path);
+std::unique_ptr<Source> makeVideoSource(const std::string& path, double begin) {
+  return std::make_unique<VideoSource>(path, begin);
 }
 
 }  // namespace framesink::play
