@@ -79,7 +79,6 @@ TEST_P(PlayUsage, IsRefusedInOneLineWithStatus2) {
 INSTANTIATE_TEST_SUITE_P(
     Lines, PlayUsage,
     testing::Values(WrongLine{"UnknownOption", {"--nonsense"}, "--nonsense"},
-                    WrongLine{"TwoSources", {"a.png", "b.png"}, "b.png"},
                     WrongLine{"Kind", {"--kind", "cmyk"}, "--kind"},
                     WrongLine{"Type", {"--type", "int64"}, "--type"},
                     WrongLine{"Layout", {"--layout", "diagonal"}, "--layout"},
@@ -118,8 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"SeekInTheModel", {"--seek", "1"}, "need a FILE"},
                     WrongLine{"LoopOfTheModel", {"--loop"}, "need a FILE"},
                     WrongLine{"LoopOfAPipe", {"-", "--loop"}, "standard input"},
-                    WrongLine{"NegativeHold", {"--hold", "-1"}, "--hold"},
-                    WrongLine{"HoldOfWords", {"a.png", "--hold", "long"}, "--hold"}),
+                    WrongLine{"NegativeHold", {"--hold", "-1"}, "--hold"}),
     [](const auto& instance) { return instance.param.name; });
 
 // ---- What the library is asked for ----

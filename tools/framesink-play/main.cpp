@@ -6,64 +6,93 @@
 #include <iostream>
 #include <new>
 
+#include "command_line.hpp"
 #include "display_check.hpp"
 #include "failure.hpp"
 #include "library.hpp"
 #include "open_source.hpp"
-#include "options.hpp"
 #include "player.hpp"
 #include "signals.hpp"
 
 namespace framesink::play {
 namespace {
 
-void printVersion(const Options& options) {
+// What is told after a signal is of no interest any more: the signal is why it ended.
+void tell(const std::string& what) {
+  if (stopSignal() == 0) std::fprintf(stderr, "framesink-play: %s\n", what.c_str());
+}
+
+void printVersion(const ProgramOptions& options) {
   std::cout << "framesink-play " << FRAMESINK_PLAY_VERSION << std::endl;
   const Library library(options.sharedLibrary);
   std::cout << "framesink " << library.version << " of " << library.buildDate << ", "
             << library.path() << std::endl;
 }
 
-std::ofstream openDump(const std::string& path) {
-  std::ofstream out;
-  if (!path.empty()) out.open(path, std::ios::binary);
-  if (!path.empty() && !out) throw Failure(kSourceTrouble, path + ": cannot be written");
-  return out;
+std::vector<std::unique_ptr<Source>> openSources(const CommandLine& line) {
+  std::vector<std::unique_ptr<Source>> sources;
+  for (const Options& options : line.sources) sources.push_back(openSource(options));
+  return sources;
 }
 
-void play(const Options& options) {
-  const Library library(options.sharedLibrary);
-  auto source = openSource(options);
-  requireDisplay();
-  std::ofstream dump = openDump(options.dumpFile);
-  Player player(options, library, std::move(source));
-  player.run();
-  if (dump.is_open()) {
-    player.dump(dump);
-    if (!dump.flush()) throw Failure(kSourceTrouble, options.dumpFile + ": cannot be written");
+// Opened before anything is shown, so that a wrong path is told at once.
+std::vector<std::ofstream> openDumps(const CommandLine& line) {
+  std::vector<std::ofstream> dumps;
+  for (const Options& options : line.sources) {
+    std::ofstream& out = dumps.emplace_back();
+    if (options.dumpFile.empty()) continue;
+    out.open(options.dumpFile, std::ios::binary);
+    if (!out) throw Failure(kSourceTrouble, options.dumpFile + ": cannot be written");
   }
-  if (!player.trouble().empty()) throw Failure(kSourceTrouble, player.trouble());
+  return dumps;
 }
 
-// What is told after a signal is of no interest any more: the signal is why it ended.
-int tell(ExitStatus status, const char* what) {
-  if (stopSignal() == 0) std::fprintf(stderr, "framesink-play: %s\n", what);
-  return status;
+void dump(const Show& show, std::ofstream& out, const std::string& path) {
+  if (!out.is_open()) return;
+  show.dump(out);
+  if (!out.flush()) throw Failure(kSourceTrouble, path + ": cannot be written");
+}
+
+// A line for each source that was damaged.
+void tellTrouble(const Player& player) {
+  std::string lines;
+  for (const auto& show : player.shows()) {
+    const std::string trouble = show->trouble();
+    if (trouble.empty()) continue;
+    if (!lines.empty()) lines += "\nframesink-play: ";
+    lines += trouble;
+  }
+  if (!lines.empty()) throw Failure(kSourceTrouble, lines);
+}
+
+void play(const CommandLine& line) {
+  const Library library(line.program.sharedLibrary);
+  auto sources = openSources(line);
+  requireDisplay();
+  auto dumps = openDumps(line);
+  Player player(line.sources, library, std::move(sources));
+  player.run();
+  for (std::size_t i = 0; i < dumps.size(); ++i) {
+    dump(*player.shows()[i], dumps[i], line.sources[i].dumpFile);
+  }
+  tellTrouble(player);
 }
 
 int run(int argc, char** argv) try {
-  const auto options = parseOptions(argc, argv);
-  if (!options) return kPlayed;
-  if (options->version) {
-    printVersion(*options);
+  const auto line = parseCommandLine(argc, argv);
+  if (!line) return kPlayed;
+  if (line->program.version) {
+    printVersion(line->program);
   } else {
-    play(*options);
+    play(*line);
   }
   return kPlayed;
 } catch (const Failure& failure) {
-  return tell(failure.status, failure.what());
+  tell(failure.what());
+  return failure.status;
 } catch (const std::bad_alloc&) {
-  return tell(kSourceTrouble, "out of memory");
+  tell("out of memory");
+  return kSourceTrouble;
 }
 
 }  // namespace

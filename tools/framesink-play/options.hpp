@@ -1,4 +1,4 @@
-// What the user asks for on the command line.
+// What the user asks for: of one source, and of the program.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ struct Place {
 
 struct Options {
   std::string source;          // empty: the built-in model; "-": standard input
-  std::optional<RawForm> raw;  // of the source's samples; kind and type are then the same
+  std::optional<RawForm> raw;  // of the source's samples, which names kind and type
   std::optional<Kind> kind;
   const SampleType* type = nullptr;  // null: not asked for
   Layout layout = Layout::kColumn;
@@ -37,16 +37,21 @@ struct Options {
   std::optional<double> duration;  // seconds
   std::optional<double> hold;      // seconds; infinite: until the windows are closed
   std::string title;
-  std::string sharedLibrary;
   std::string dumpFile;
-  bool version = false;
+
+  // Where this source stands among the others.
+  int windowsBefore = 0;
+  int windowsInAll = 1;
+  bool ownPosition = false;  // of the options of this source alone, not of all
+  bool ownFullscreen = false;
 
   // Without a word about them the model shows one window of each kind.
   bool isDemo() const { return source.empty() && !kind && type == nullptr; }
 };
 
-// Reads the command line. Nothing when the user only asked for help, which is then printed. Throws
-// Failure for what cannot be understood.
-std::optional<Options> parseOptions(int argc, char** argv);
+struct ProgramOptions {
+  std::string sharedLibrary;  // empty: the usual one
+  bool version = false;
+};
 
 }  // namespace framesink::play

@@ -25,6 +25,7 @@ std::vector<Look> looksOf(const Options& options) {
             {Kind::kIntensity, findSampleType("single")},
             {Kind::kYcbcr422, findSampleType("uint8")}};
   }
+  if (options.raw) return {{options.raw->kind, options.raw->type}};
   const char* usualType = options.source.empty() ? "double" : "uint8";
   return {{options.kind.value_or(Kind::kRgb),
            options.type != nullptr ? options.type : findSampleType(usualType)}};
@@ -41,9 +42,10 @@ std::string titleOf(const Options& options, const Look& look, int copy) {
   return copy == 0 ? title : title + " (" + std::to_string(copy + 1) + ")";
 }
 
-// The place of the window `number`, counted from 0 over all views; a single one is the system's.
+// The place of a source's window `number`, counted from 0; a single one is the system's.
 std::optional<Place> placeOf(const Options& options, int number, Extent frame) {
-  if (!options.position && !options.isDemo() && options.windows == 1) return std::nullopt;
+  if (!options.position && !options.isDemo() && options.windowsInAll == 1) return std::nullopt;
+  if (!options.ownPosition) number += options.windowsBefore;
   const Place first = options.position.value_or(kFirstPlace);
   const Extent size = options.size.value_or(frame);
   return Place{
@@ -61,11 +63,13 @@ std::vector<View> openViews(const Options& options, const Library& library, cons
     if (width == 0) throw Failure(kSourceTrouble, "one column is too narrow for YCbCr 4:2:2");
     View view{{look.kind, *look.type, options.layout, width, source.height()}, {}};
     for (int copy = 0; copy < options.windows; ++copy, ++number) {
-      const WindowSettings settings{.name = "framesink-play " + std::to_string(number + 1),
+      const bool first = number == 0 && (options.ownFullscreen || options.windowsBefore == 0);
+      const int nameNumber = options.windowsBefore + number + 1;
+      const WindowSettings settings{.name = "framesink-play " + std::to_string(nameNumber),
                                     .title = titleOf(options, look, copy),
                                     .position = placeOf(options, number, {width, source.height()}),
                                     .size = options.size,
-                                    .fullscreen = options.fullscreen && number == 0,
+                                    .fullscreen = options.fullscreen && first,
                                     .synchronous = options.synchronous};
       view.windows.push_back(
           std::make_unique<BlockWindow>(library, settings, view.planes.description()));

@@ -1,8 +1,7 @@
-#include "options.hpp"
+#include "add_options.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
 #include <limits>
 
 #include "failure.hpp"
@@ -17,15 +16,6 @@ constexpr double kForever = std::numeric_limits<double>::infinity();
 constexpr double kMostSeconds = 1e8;
 constexpr int kMostWindows = 64;
 constexpr int kMostPixels = 20000;  // of a window, either way
-
-constexpr const char* kFooter =
-    "Exit status:\n"
-    "  0  played to the end, or every window was closed\n"
-    "  1  the source cannot be read or is damaged, or --dump-frame cannot be written\n"
-    "  2  the command line is wrong\n"
-    "  3  the library cannot be loaded or refuses the frames\n"
-    "  4  there is no display\n"
-    "Stopped by Ctrl-C or another signal it cleans up and dies by that signal.";
 
 [[noreturn]] void refuse(const std::string& option, const std::string& value,
                          const std::string& wanted) {
@@ -68,17 +58,6 @@ double parseSeconds(const std::string& option, const std::string& text) {
     refuse(option, text, "a number of seconds");
   }
   return *seconds;
-}
-
-// "--hold FILE" means a hold without end and the source FILE.
-void parseHold(const std::string& text, Options& options) {
-  options.hold = kForever;
-  if (text.empty()) return;
-  if (!finiteNumber(text) && options.source.empty()) {
-    options.source = text;
-  } else {
-    options.hold = parseSeconds("--hold", text);
-  }
 }
 
 template <class Table>
@@ -146,7 +125,7 @@ void addWindowOptions(CLI::App& app, Options& options) {
       ->type_name("TEXT");
 }
 
-void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
+void addTimeOptions(CLI::App& app, Options& options) {
   app.add_option_function<std::string>(
          "--fps", [&](const std::string& text) { parseRate(text, options); },
          "Frames per second (default: the video's own pace, for the model 60)")
@@ -169,16 +148,20 @@ void addTimeOptions(CLI::App& app, Options& options, std::string& hold) {
          [&](const std::string& text) { options.duration = parseSeconds("--duration", text); },
          "Stop after S seconds")
       ->type_name("S");
-  app.add_option("--hold", hold,
-                 "Keep the last frame for S seconds, or until its windows are\n"
-                 "closed. An image stays anyway, for --duration if that is given;\n"
-                 "not with --frames")
+  app.add_option_function<std::string>(
+         "--hold",
+         [&](const std::string& text) {
+           options.hold = text.empty() ? kForever : parseSeconds("--hold", text);
+         },
+         "Keep the last frame for S seconds, or until its windows are\n"
+         "closed. An image stays anyway, for --duration if that is given;\n"
+         "not with --frames")
       ->expected(0, 1)
       ->type_name("[S]");
 }
 
-void addOtherOptions(CLI::App& app, Options& options) {
-  app.add_option("--library", options.sharedLibrary,
+void addProgramOptions(CLI::App& app, Options& options, ProgramOptions& program) {
+  app.add_option("--library", program.sharedLibrary,
                  "The library to load (default: " + std::string(kLibraryName) +
                      " of this build,\nelse of the system)")
       ->type_name("PATH");
@@ -186,16 +169,14 @@ void addOtherOptions(CLI::App& app, Options& options) {
                  "Write the last frame of the first window to FILE: its samples as\n"
                  "they were sent, plane after plane")
       ->type_name("FILE");
-  app.add_flag("--version", options.version, "Print the versions of player and library");
+  app.add_flag("--version", program.version, "Print the versions of player and library");
 }
 
-void checkRaw(Options& options, bool hasKindOrType) {
+void checkRaw(const Options& options, bool hasKindOrType) {
   if (!options.raw) return;
   if (options.source.empty())
     throw Failure(kUsageTrouble, "--raw: which FILE? (- is standard input)");
   if (hasKindOrType) throw Failure(kUsageTrouble, "--raw names kind and type itself");
-  options.kind = options.raw->kind;
-  options.type = options.raw->type;
 }
 
 void checkTime(const Options& options) {
@@ -216,43 +197,27 @@ void checkModelSize(const Options& options) {
                                    std::to_string(kLargestModel) + " pixels");
 }
 
-[[noreturn]] void refuseLine(std::string what) {
-  std::ranges::replace(what, '\n', ' ');
-  throw Failure(kUsageTrouble, what + " (--help tells more)");
-}
-
 }  // namespace
 
-std::optional<Options> parseOptions(int argc, char** argv) {
-  Options options;
-  std::string hold;
-  CLI::App app("Shows a live model, a video or an image in framesink's windows, as a host would.",
-               "framesink-play");
-  app.footer(kFooter);
-  app.get_formatter()->column_width(21);
-  app.add_option("source", options.source,
+void addOptions(CLI::App& app, Options& options, ProgramOptions& program) {
+  // What is said of one source comes after what is said of all.
+  app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option("FILE", options.source,
                  "A video, an image, a sequence of images (frame-%04d.png), or -\n"
                  "for standard input (default: a model that is computed live, in\n"
                  "three windows)")
-      ->type_name("FILE");
+      ->type_name("");
   addPictureOptions(app, options);
   addRawOption(app, options);
   addWindowOptions(app, options);
-  addTimeOptions(app, options, hold);
-  addOtherOptions(app, options);
-  try {
-    app.parse(argc, argv);
-    if (app.count("--hold") > 0) parseHold(hold, options);
-  } catch (const CLI::CallForHelp&) {
-    std::cout << app.help();
-    return std::nullopt;
-  } catch (const CLI::ParseError& error) {
-    refuseLine(error.what());
-  }
-  checkRaw(options, app.count("--kind") + app.count("--type") > 0);
+  addTimeOptions(app, options);
+  addProgramOptions(app, options, program);
+}
+
+void checkOptions(const Options& options, bool hasKindOrType) {
+  checkRaw(options, hasKindOrType);
   checkTime(options);
   checkModelSize(options);
-  return options;
 }
 
 }  // namespace framesink::play
