@@ -42,11 +42,11 @@ TEST(PlayHelp, NamesEveryOptionAndExitStatus) {
   const Outcome outcome = runPlayer({"--help"});
   EXPECT_EQ(outcome.status, 0);
   for (const char* option :
-       {"source",       "--raw",      "--kind",     "--type",       "--layout", "--windows",
-        "--sync",       "--size",     "--position", "--fullscreen", "--title",  "--fps",
-        "--frames",     "--duration", "--seek",     "--loop",       "--hold",   "--library",
-        "--dump-frame", "--version",  "--help",     "\n  0  ",      "\n  1  ",  "\n  2  ",
-        "\n  3  ",      "\n  4  "}) {
+       {"FILE",     "--raw",      "--kind",       "--type",       "--layout", "--windows",
+        "--sync",   "--size",     "--position",   "--fullscreen", "--title",  "--fps",
+        "--frames", "--duration", "--seek",       "--loop",       "--hold",   "--stats",
+        "--doctor", "--library",  "--dump-frame", "--version",    "--help",   "\n  0  ",
+        "\n  1  ",  "\n  2  ",    "\n  3  ",      "\n  4  "}) {
     EXPECT_THAT(outcome.out, HasSubstr(option));
   }
   EXPECT_THAT(outcome.calls, IsEmpty());
@@ -117,6 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"SeekInTheModel", {"--seek", "1"}, "need a FILE"},
                     WrongLine{"LoopOfTheModel", {"--loop"}, "need a FILE"},
                     WrongLine{"LoopOfAPipe", {"-", "--loop"}, "standard input"},
+                    WrongLine{"Statistics", {"--stats=xml"}, "--stats"},
                     WrongLine{"NegativeHold", {"--hold", "-1"}, "--hold"}),
     [](const auto& instance) { return instance.param.name; });
 

@@ -4,6 +4,7 @@
  *   STUB_CLOSE_AFTER   isPlayerOpen answers 0 after that many calls; unset: never. It does so, too,
  *                      when there is a file of the log's name with ".close" added
  *   STUB_SLOW_START    the first libUpdate takes that many seconds
+ *   STUB_SHOW          every libUpdate of a block with a window takes that many milliseconds more
  *   STUB_COMPLAINT     libCreate, libStart or libUpdate: which function reports an error
  *   STUB_RENDEZVOUS    libUpdate waits, 20 s at most, until the first byte of plane1 is not zero, and
  *                      notes the planes' addresses and whether another call came in meanwhile
@@ -23,6 +24,7 @@
 
 struct Block {
   InputDescription description;
+  int hasWindow;
 };
 
 const char* const framesink_version = "7.8.9";
@@ -82,6 +84,7 @@ void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName
   }
   struct Block* block = malloc(sizeof *block);
   block->description = *description;
+  block->hasWindow = openAtStart;
   return block;
 }
 
@@ -116,6 +119,13 @@ static void meet(const void* const planes[3]) {
   atomic_fetch_sub(&inside, 1);
 }
 
+static void show(const struct Block* block) {
+  const char* milliseconds = getenv("STUB_SHOW");
+  if (milliseconds == NULL || !block->hasWindow) return;
+  const struct timespec pause = {0, atoi(milliseconds) * 1000000L};
+  nanosleep(&pause, NULL);
+}
+
 void libUpdate(void* block, char* errorMessage, const void* plane1, const void* plane2,
                const void* plane3, uint32_t width, uint32_t height) {
   static const size_t kSampleBytes[] = {8, 4, 1, 1, 2, 2, 4, 4, 1};
@@ -132,6 +142,7 @@ void libUpdate(void* block, char* errorMessage, const void* plane1, const void* 
   if (frame != NULL) fclose(frame);
   slowStart();
   meet(planes);
+  show(block);
   note("libUpdate size=%08x,%08x planes=%d hash=%08x", width, height, count, hash);
   if (complains("libUpdate")) complain(errorMessage);
 }

@@ -169,6 +169,14 @@ void addProgramOptions(CLI::App& app, Options& options, ProgramOptions& program)
                  "Write the last frame of the first window to FILE: its samples as\n"
                  "they were sent, plane after plane")
       ->type_name("FILE");
+  app.add_flag("--stats{text}", program.statistics,
+               "Tell at the end, on standard output, what was sent, how late,\n"
+               "the host's time for a frame, and the share of conversion in it;\n"
+               "--stats=json tells it to programs")
+      ->check(CLI::IsMember({"text", "json"}).description(""))
+      ->type_name("");
+  app.add_flag("--doctor", program.doctor,
+               "Tell what is here and try a window for a second, for bug reports");
   app.add_flag("--version", program.version, "Print the versions of player and library");
 }
 

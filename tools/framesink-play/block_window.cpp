@@ -39,10 +39,10 @@ BlockWindow::BlockWindow(const Library& library, const WindowSettings& settings,
   const Extent size = settings.size.value_or(Extent{kFrameSize, kFrameSize});
   Message message;
   try {
-    block_ =
-        library_.libCreate(message.buffer(), 0, name_.c_str(), settings.title.c_str(),
-                           settings.fullscreen, &description, 1, x, y, settings.size.has_value(),
-                           size.width, size.height, 0, 0, settings.synchronous);
+    block_ = library_.libCreate(message.buffer(), 0, name_.c_str(), settings.title.c_str(),
+                                settings.fullscreen, &description, settings.open, x, y,
+                                settings.size.has_value(), size.width, size.height, 0, 0,
+                                settings.synchronous);
   } catch (const std::bad_alloc&) {
     throw Failure(kLibraryTrouble, "the library has no memory for frames of this size");
   }

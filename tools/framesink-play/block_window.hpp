@@ -16,11 +16,12 @@ struct WindowSettings {
   std::optional<Extent> size;
   bool fullscreen = false;
   bool synchronous = false;
+  bool open = true;
 };
 
 class BlockWindow {
  public:
-  // Creates and starts a block whose window opens at once. `library` must outlive it. Throws
+  // Creates and starts a block whose window opens at once, if at all. `library` must outlive it. Throws
   // Failure when the library refuses.
   BlockWindow(const Library& library, const WindowSettings& settings,
               const InputDescription& description);

@@ -137,6 +137,12 @@ void countWindows(std::vector<Options>& sources) {
   for (Options& options : sources) options.windowsInAll = windows;
 }
 
+void finish(CommandLine& line) {
+  checkDumps(line.sources);
+  countWindows(line.sources);
+  for (Options& options : line.sources) options.measured = !line.program.statistics.empty();
+}
+
 }  // namespace
 
 std::optional<CommandLine> parseCommandLine(int argc, char** argv) {
@@ -155,8 +161,7 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv) {
     options.ownFullscreen = names(own.options, "--fullscreen");
     if (!parse(std::move(words), options, result.program)) return std::nullopt;
   }
-  checkDumps(result.sources);
-  countWindows(result.sources);
+  finish(result);
   return result;
 }
 

@@ -5,8 +5,10 @@
 
 namespace framesink::play {
 
-// What the library's file is called on this system.
+// What the files of the library, and of those it brings along, are called on this system.
 extern const char* const kLibraryName;
+extern const char* const kSdlName;
+extern const char* const kPixkitName;
 
 // What to ask the loader for: `asked` as the user gave it; empty: the library beside the build of
 // this program, else the loader's choice.
@@ -18,5 +20,9 @@ void* findSymbol(void* library, const char* name);
 std::string loaderMessage();
 
 void closeLibrary(void* library);
+
+// The address of a symbol in a library that the process has loaded by now; null when one of them is
+// missing. The library is not kept loaded.
+void* findLoaded(const char* library, const char* symbol);
 
 }  // namespace framesink::play

@@ -9,6 +9,8 @@ namespace framesink::play {
 namespace fs = std::filesystem;
 
 const char* const kLibraryName = "libframesink.so.1";
+const char* const kSdlName = "libSDL2-2.0.so.0";
+const char* const kPixkitName = "libpixkit.so";
 
 // A name without a slash is looked for in the loader's path only.
 std::string loadPath(const std::string& asked) {
@@ -32,5 +34,13 @@ std::string loaderMessage() {
 }
 
 void closeLibrary(void* library) { dlclose(library); }
+
+void* findLoaded(const char* library, const char* symbol) {
+  void* handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+  if (handle == nullptr) return nullptr;
+  void* address = dlsym(handle, symbol);
+  dlclose(handle);
+  return address;
+}
 
 }  // namespace framesink::play

@@ -7,6 +7,8 @@
 namespace framesink::play {
 
 const char* const kLibraryName = "framesink.dll";
+const char* const kSdlName = "SDL2.dll";
+const char* const kPixkitName = "pixkit.dll";
 
 // The loader looks beside the program first. A file is given in full, so that the DLLs beside it
 // are found with it.
@@ -30,5 +32,10 @@ std::string loaderMessage() {
 }
 
 void closeLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
+
+void* findLoaded(const char* library, const char* symbol) {
+  HMODULE handle = GetModuleHandleA(library);
+  return handle != nullptr ? findSymbol(handle, symbol) : nullptr;
+}
 
 }  // namespace framesink::play

@@ -8,6 +8,7 @@
 
 #include "command_line.hpp"
 #include "display_check.hpp"
+#include "doctor.hpp"
 #include "failure.hpp"
 #include "library.hpp"
 #include "open_source.hpp"
@@ -65,6 +66,16 @@ void tellTrouble(const Player& player) {
   if (!lines.empty()) throw Failure(kSourceTrouble, lines);
 }
 
+void printStatistics(const Player& player, const std::string& form) {
+  std::vector<Statistics> all;
+  for (const auto& show : player.shows()) {
+    for (Statistics& statistics : show->statistics()) all.push_back(std::move(statistics));
+  }
+  if (form == "text") printText(std::cout, all);
+  if (form == "json") printJson(std::cout, all);
+  std::cout.flush();  // before a signal ends the process
+}
+
 void play(const CommandLine& line) {
   const Library library(line.program.sharedLibrary);
   auto sources = openSources(line);
@@ -75,6 +86,7 @@ void play(const CommandLine& line) {
   for (std::size_t i = 0; i < dumps.size(); ++i) {
     dump(*player.shows()[i], dumps[i], line.sources[i].dumpFile);
   }
+  printStatistics(player, line.program.statistics);
   tellTrouble(player);
 }
 
@@ -83,6 +95,8 @@ int run(int argc, char** argv) try {
   if (!line) return kPlayed;
   if (line->program.version) {
     printVersion(line->program);
+  } else if (line->program.doctor) {
+    return runDoctor(line->program);
   } else {
     play(*line);
   }

@@ -39,6 +39,8 @@ struct Options {
   std::string title;
   std::string dumpFile;
 
+  bool measured = false;  // for statistics
+
   // Where this source stands among the others.
   int windowsBefore = 0;
   int windowsInAll = 1;
@@ -51,7 +53,9 @@ struct Options {
 
 struct ProgramOptions {
   std::string sharedLibrary;  // empty: the usual one
+  std::string statistics;     // "text" or "json"; empty: none
   bool version = false;
+  bool doctor = false;
 };
 
 }  // namespace framesink::play

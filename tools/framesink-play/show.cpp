@@ -131,8 +131,30 @@ Clock::time_point Show::holdEnd() const {
   return image && source_->trouble().empty() ? end_ : Clock::now();
 }
 
+std::vector<Statistics> Show::statistics() const {
+  std::vector<Statistics> all;
+  for (const View& view : views_) {
+    const InputDescription description = view.planes.description();
+    all.push_back({.source = options_.source.empty() ? "model" : options_.source,
+                   .kind = infoOf(view.planes.kind()).name,
+                   .type = view.planes.type().name,
+                   .width = static_cast<int>(description.widths[0]),
+                   .height = static_cast<int>(description.heights[0]),
+                   .windows = view.windows.size(),
+                   .frames = frames_,
+                   .seconds = std::chrono::duration<double>(lastSent_ - firstSent_).count(),
+                   .host = view.hostTimes,
+                   .late = late_,
+                   .conversions = view.twin ? view.twin->share() : std::nullopt});
+  }
+  return all;
+}
+
 void Show::send() {
   for (View& view : views_) source_->fill(view.planes);
+  lastSent_ = Clock::now();
+  if (frames_ == 0) firstSent_ = lastSent_;
+  late_.add(lastSent_ - due_);
   updateWindows();
   status_.addFrame();
   ++frames_;
@@ -143,11 +165,20 @@ void Show::updateWindows() {
   for (View& view : views_) {
     for (const auto& window : view.windows) {
       if (!window->isOpen()) continue;
-      const auto before = Clock::now();
-      window->update(view.planes);
-      status_.addUpdate(Clock::now() - before);
+      const auto spent = update(view, *window);
+      status_.addUpdate(spent);
+      view.hostTimes.add(spent);
     }
   }
+}
+
+Show::Clock::duration Show::update(View& view, BlockWindow& window) {
+  if (view.twin && &window == view.windows.front().get()) {
+    return view.twin->update(window, view.planes);
+  }
+  const auto before = Clock::now();
+  window.update(view.planes);
+  return Clock::now() - before;
 }
 
 bool Show::anyOpen() const {

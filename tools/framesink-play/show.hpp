@@ -10,6 +10,7 @@
 
 #include "options.hpp"
 #include "source.hpp"
+#include "statistics.hpp"
 #include "status_line.hpp"
 #include "views.hpp"
 
@@ -39,6 +40,9 @@ class Show {
   // What the source found damaged; empty when all is well.
   std::string trouble() const { return source_->trouble(); }
 
+  // Of each kind and type that is shown.
+  std::vector<Statistics> statistics() const;
+
   // Writes the last frame that was sent to the first window.
   void dump(std::ostream& out) const { views_.front().planes.dump(out); }
 
@@ -54,6 +58,7 @@ class Show {
   Clock::time_point lastFrameEnd() const;
   Clock::time_point holdEnd() const;
   void send();
+  Clock::duration update(View& view, BlockWindow& window);
   void updateWindows();
   bool anyOpen() const;
 
@@ -62,11 +67,14 @@ class Show {
   std::unique_ptr<Source> source_;
   std::vector<View> views_;
   Phase phase_ = Phase::kFrames;
-  Clock::time_point end_;         // as far as the options limit the show's time
-  Clock::time_point start_;       // when the first frame would have been due, had no one been late
-  Clock::time_point due_;         // of the next step
-  Clock::time_point holdEnd_;     // once the phase is kHold
-  std::uint64_t frames_ = 0;      // sent
+  Clock::time_point end_;      // as far as the options limit the show's time
+  Clock::time_point start_;    // when the first frame would have been due, had no one been late
+  Clock::time_point due_;      // of the next step
+  Clock::time_point holdEnd_;  // once the phase is kHold
+  std::uint64_t frames_ = 0;   // sent
+  Clock::time_point firstSent_;
+  Clock::time_point lastSent_;
+  TimeHistogram late_;
   double passBegin_ = 0;          // seconds that the source's earlier passes took
   std::uint64_t passFrames_ = 0;  // sent in this pass
   bool exhausted_ = false;        // the source has no further frame

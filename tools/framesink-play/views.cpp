@@ -74,6 +74,11 @@ std::vector<View> openViews(const Options& options, const Library& library, cons
       view.windows.push_back(
           std::make_unique<BlockWindow>(library, settings, view.planes.description()));
     }
+    if (options.measured) {
+      view.twin = std::make_unique<ConversionTwin>(
+          library, "framesink-play twin " + std::to_string(options.windowsBefore + number),
+          view.planes.description());
+    }
     views.push_back(std::move(view));
   }
   return views;

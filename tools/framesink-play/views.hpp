@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "block_window.hpp"
+#include "conversion_twin.hpp"
 #include "frame_planes.hpp"
 #include "library.hpp"
 #include "options.hpp"
 #include "source.hpp"
+#include "time_histogram.hpp"
 
 namespace framesink::play {
 
@@ -16,6 +18,9 @@ namespace framesink::play {
 struct View {
   FramePlanes planes;
   std::vector<std::unique_ptr<BlockWindow>> windows;
+  std::unique_ptr<ConversionTwin> twin =
+      nullptr;                   // of the first window, when all is to be measured
+  TimeHistogram hostTimes = {};  // of frames sent
 };
 
 // Opens all windows that the options ask for. The source must be at a frame. Throws Failure.
