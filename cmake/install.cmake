@@ -34,4 +34,9 @@ install(FILES ${CMAKE_BINARY_DIR}/framesink.pc
 
 if(FRAMESINK_PLAY)
   install(TARGETS framesink-play RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  set(completion_folder tools/framesink-play/completion)
+  install(FILES ${completion_folder}/framesink-play.bash RENAME framesink-play
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
+  install(FILES ${completion_folder}/_framesink-play
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions COMPONENT tools)
 endif()
