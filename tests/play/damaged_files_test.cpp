@@ -10,9 +10,9 @@
 #include <new>
 #include <random>
 
+#include "clips.hpp"
 #include "failure.hpp"
 #include "frame_planes.hpp"
-#include "clips.hpp"
 #include "player_process.hpp"
 #include "video_source.hpp"
 

@@ -3,7 +3,7 @@
  *
  *   STUB_CLOSE_AFTER   isPlayerOpen answers 0 after that many calls; unset: never. It does so, too,
  *                      when there is a file of the log's name with ".close" added
- *   STUB_SLOW_START    the first libUpdate takes that many seconds
+ *   STUB_SLOW_START    the first libUpdate of a block with a window takes that many seconds
  *   STUB_SHOW          every libUpdate of a block with a window takes that many milliseconds more
  *   STUB_COMPLAINT     libCreate, libStart or libUpdate: which function reports an error
  *   STUB_RENDEZVOUS    libUpdate waits, 20 s at most, until the first byte of plane1 is not zero, and
@@ -100,9 +100,10 @@ static uint32_t mix(uint32_t hash, const void* bytes, size_t count) {
   return hash;
 }
 
-static void slowStart(void) {
+static void slowStart(const struct Block* block) {
   static int done = 0;
   const char* seconds = getenv("STUB_SLOW_START");
+  if (!block->hasWindow) return;
   if (seconds != NULL && !done) sleep((unsigned)atoi(seconds));
   done = 1;
 }
@@ -140,7 +141,7 @@ void libUpdate(void* block, char* errorMessage, const void* plane1, const void* 
     if (frame != NULL) fwrite(planes[i], 1, bytes, frame);
   }
   if (frame != NULL) fclose(frame);
-  slowStart();
+  slowStart(block);
   meet(planes);
   show(block);
   note("libUpdate size=%08x,%08x planes=%d hash=%08x", width, height, count, hash);
