@@ -107,11 +107,12 @@ void Stage::create(Size frame, std::uint8_t openAtStart) {
 }
 
 void Stage::update() {
-  for (const auto& [handle, planes] : blocks_) {
+  for (const Block& block : blocks_) {
     for (const std::uint32_t columns : {FRAMESINK_CONFIGURED_SIZE, 8U}) {
       promptly([&] {
-        libStart(handle, error_.data());
-        libUpdate(handle, error_.data(), planes[0], planes[1], planes[2], columns,
+        const auto& planes = block.planes;
+        libStart(block.handle, error_.data());
+        libUpdate(block.handle, error_.data(), planes[0], planes[1], planes[2], columns,
                   FRAMESINK_CONFIGURED_SIZE);
       });
     }
