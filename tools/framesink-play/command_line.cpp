@@ -63,22 +63,22 @@ bool takesNext(const CLI::App& app, const std::string& word, const std::string& 
 SplitLine split(const CLI::App& app, const Words& words) {
   SplitLine line;
   bool onlyFiles = false;
-  for (auto word = words.begin(); word != words.end(); ++word) {
-    if (*word == "--" && !onlyFiles) {
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    if (word == "--" && !onlyFiles) {
       onlyFiles = true;
-    } else if (onlyFiles || !word->starts_with('-') || *word == "-") {
-      line.sources.push_back({*word, {}});
+    } else if (onlyFiles || !word.starts_with('-') || word == "-") {
+      line.sources.push_back({word, {}});
     } else {
       Words& options = line.sources.empty() ? line.common : line.sources.back().options;
-      options.push_back(*word);
-      const auto next = word + 1;
-      if (next == words.end() || !takesNext(app, *word, *next)) continue;
-      if (!next->empty()) {
-        options.back() += "=" + *next;
+      options.push_back(word);
+      if (i + 1 == words.size() || !takesNext(app, word, words[i + 1])) continue;
+      const std::string& value = words[++i];
+      if (!value.empty()) {
+        options.back() += "=" + value;
       } else {
-        options.push_back(*next);
+        options.push_back(value);
       }
-      ++word;
     }
   }
   return line;
