@@ -1,8 +1,9 @@
-#include "display/stay_loaded.hpp"
+#include "display/opengl.hpp"
 
 #if defined(__ELF__)
 
 #include <dlfcn.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -40,11 +41,22 @@ bool isOpenGlChosen() {
 
 }  // namespace
 
-void stayLoadedWithOpenGl() {
-  if (!isOnWayland() && !isOpenGlChosen()) return;
+bool isOpenGlInUse() { return isOnWayland() || isOpenGlChosen(); }
+
+void stayLoaded() {
   Dl_info self;
-  if (::dladdr(reinterpret_cast<void*>(&stayLoadedWithOpenGl), &self) == 0) return;
+  if (::dladdr(reinterpret_cast<void*>(&stayLoaded), &self) == 0) return;
   ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+// exit() ends the thread_local objects of its thread first of all. Those of other threads than the
+// main one would end with their thread, too.
+void callFirstAtExit(void (*end)()) {
+  if (::syscall(SYS_gettid) != ::getpid()) return;
+  thread_local const struct AtExit {
+    void (*call)();
+    ~AtExit() { call(); }
+  } atExit{end};
 }
 
 }  // namespace framesink
@@ -52,7 +64,9 @@ void stayLoadedWithOpenGl() {
 #else
 
 namespace framesink {
-void stayLoadedWithOpenGl() {}
+bool isOpenGlInUse() { return false; }
+void stayLoaded() {}
+void callFirstAtExit(void (*)()) {}
 }  // namespace framesink
 
 #endif

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "display/host_calls.hpp"
+#include "display/opengl.hpp"
 #include "display/sdl_session.hpp"
 #include "display/server_instances.hpp"
-#include "display/stay_loaded.hpp"
 
 namespace framesink {
 namespace {
@@ -80,6 +80,7 @@ std::uint32_t SdlServer::addPlayer(const std::uint8_t* initialFrame, Size frameS
                                    bool fullscreen) {
   if (leaving_) return kNoPlayer;
   if (started_ == 0) start();
+  if (threaded_ && openGl_) callFirstAtExit([] { stopServers(); });
   const auto make = [&](std::uint32_t playerId) {
     return std::make_unique<SdlPlayer>(initialFrame, frameSize, title, window, fullscreen,
                                        playerId);
@@ -215,10 +216,11 @@ std::uint32_t SdlServer::getWindowY(std::uint32_t playerId) const {
 void SdlServer::start() {
   const InGate gate;
   if (started_ != 0) return;
+  openGl_ = isOpenGlInUse();
   initSdlVideo();
   sdlCode_ = holdSdl();
   if (threaded_) {
-    stayLoadedWithOpenGl();  // first, as memory may run out in it
+    if (openGl_) stayLoaded();
     quit_ = 0;
     mutex_ = SDL_CreateMutex();
     thread_.start(

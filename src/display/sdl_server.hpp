@@ -125,6 +125,7 @@ class SdlServer {
       nullptr};  // threaded: held by a whole pass and while a player is added
   DisplayThread thread_;
   LibraryHold sdlCode_;                       // from start until SDL is shut down
+  bool openGl_ = false;                       // set by start
   std::atomic<OsThreadId> windowsThread_{0};  // synchronous: made the latest window
   std::uint32_t waited_ = 0;  // milliseconds that stop has waited, of its one budget
 

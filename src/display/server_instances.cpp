@@ -10,9 +10,8 @@ namespace {
 
 constinit std::array<std::atomic<SdlServer*>, 2> servers{};  // by `synchronous`
 
-// Makes a server and ends it. When its end cannot be had safely, because Xlib called exit() from
-// inside one of our SDL calls, the display thread is stuck, host calls still run, or this is a
-// fork, the server is left as it is to the end of the process, without SDL_Quit.
+// Makes a server and ends it. One that cannot be stopped safely is left as it is to the end of the
+// process, without SDL_Quit.
 class ServerLife {
  public:
   explicit ServerLife(bool synchronous)
@@ -21,17 +20,11 @@ class ServerLife {
     servers[synchronous] = server_;
   }
 
+  // SDL is shut down for both servers, so both stop first, whichever was made first. No window may
+  // be left to SDL_Quit: with the pointer in one, Xlib would load its cursor library from inside
+  // dlclose, lose it to that dlclose, and crash in the process's next use of X.
   ~ServerLife() {
-    for (SdlServer* server : servers) {
-      if (server != nullptr) server->beginLeaving();
-    }
-    if (!endHostCalls()) return;
-    // SDL is shut down for both servers, so both stop first, whichever was made first. No window
-    // may be left to SDL_Quit: with the pointer in one, Xlib would load its cursor library from
-    // inside dlclose, lose it to that dlclose, and crash in the process's next use of X.
-    for (SdlServer* server : servers) {
-      if (server != nullptr && !server->stop()) return;
-    }
+    if (!stopServers()) return;
     servers[synchronous_] = nullptr;
     delete server_;
   }
@@ -63,5 +56,16 @@ SdlServer& serverFor(bool synchronous) {
 }
 
 SdlServer* existingServer(bool synchronous) { return servers[synchronous]; }
+
+bool stopServers() {
+  for (SdlServer* server : servers) {
+    if (server != nullptr) server->beginLeaving();
+  }
+  if (!endHostCalls()) return false;
+  for (SdlServer* server : servers) {
+    if (server != nullptr && !server->stop()) return false;
+  }
+  return true;
+}
 
 }  // namespace framesink

@@ -16,4 +16,8 @@ SdlServer& serverFor(bool synchronous);
 // server.
 SdlServer* existingServer(bool synchronous);
 
+// Stops both, for good. False when that cannot be had safely, because Xlib called exit() from inside
+// one of our SDL calls, the display thread is stuck, host calls still run, or this is a fork.
+bool stopServers();
+
 }  // namespace framesink
