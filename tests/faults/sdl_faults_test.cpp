@@ -13,6 +13,7 @@
 
 #include "support/child_process.hpp"
 #include "support/temporary_folder.hpp"
+#include "support/x_server.hpp"
 
 namespace framesink::test {
 namespace {
@@ -54,11 +55,16 @@ struct Outcome {
 
 class SdlFaultsTest : public testing::TestWithParam<const char*> {
  protected:
+  explicit SdlFaultsTest(Lines display = {"SDL_VIDEODRIVER=dummy"})
+      : environment_(std::move(display)) {
+    environment_.push_back("XDG_RUNTIME_DIR=" + folder_.path());
+  }
+
   // Fails the test when the host does not come through.
   Outcome run(const Lines& fault = {}) {
     Lines command{SDL_FAULT_HOST, GetParam()};
     command.insert(command.end(), fault.begin(), fault.end());
-    ChildProcess host(command, {.environment = {"SDL_VIDEODRIVER=dummy", runtimeFolder_}});
+    ChildProcess host(command, {.environment = environment_});
     const auto status = host.wait(kLongestRun);
     const Lines output = linesOf(host.standardOutput());
     std::string name;
@@ -89,7 +95,7 @@ class SdlFaultsTest : public testing::TestWithParam<const char*> {
 
  private:
   const TemporaryFolder folder_;
-  const std::string runtimeFolder_ = "XDG_RUNTIME_DIR=" + folder_.path();
+  Lines environment_;
   std::map<std::string, std::size_t> survived_;
 };
 INSTANTIATE_TEST_SUITE_P(Faults, SdlFaultsTest, testing::Values("threaded", "synchronous"),
@@ -128,6 +134,25 @@ TEST_P(SdlFaultsTest, EachFunctionMayFailFromAnyOfItsCallsOn) {
       countSurvived(function);
     }
   }
+}
+
+// Windows that somebody could see. What the X server tells, and when, is another thing each time.
+class SdlFaultsOnX11Test : public SdlFaultsTest {
+ protected:
+  SdlFaultsOnX11Test()
+      : SdlFaultsTest({"SDL_VIDEODRIVER=x11", "DISPLAY=" + sharedXServer().display()}) {}
+};
+INSTANTIATE_TEST_SUITE_P(Faults, SdlFaultsOnX11Test, testing::Values("threaded", "synchronous"),
+                         [](const auto& parameter) { return std::string(parameter.param); });
+
+TEST_P(SdlFaultsOnX11Test, EachCallMayFailOnce) {
+  std::size_t number = 1;
+  for (Lines faults; !HasFailure(); ++number) {
+    faults = run({"any", std::to_string(number), "0"}).faults;
+    if (faults.empty()) break;
+    countSurvived(faults[0]);
+  }
+  EXPECT_GT(number, 100U);
 }
 
 }  // namespace
