@@ -39,6 +39,20 @@ std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
+enum class Part { kProse, kFenced };
+
+// The lines of the page's prose, or those of its drawings and formulas, which stand in fences.
+std::vector<std::string> linesOf(Part part) {
+  std::vector<std::string> lines;
+  bool fenced = false;
+  for (const std::string& line : linesOf(pageText())) {
+    const bool fence = line.starts_with("```");
+    if (fence) fenced = !fenced;
+    if (!fence && fenced == (part == Part::kFenced)) lines.push_back(line);
+  }
+  return lines;
+}
+
 using Matches = std::vector<std::smatch>;
 
 // Every place of `text` that the expression matches. `text` must outlive the result.
@@ -215,7 +229,7 @@ std::string factor(std::int32_t value) {
 }
 
 void expectOnPage(const std::string& line) {
-  EXPECT_NE(pageText().find("    " + line + "\n"), std::string::npos) << line;
+  EXPECT_EQ(std::ranges::count(linesOf(Part::kFenced), line), 1) << line;
 }
 
 TEST(PixelFormatsPage, TheFormulaToRgbHasTheKernelsFactors) {
@@ -267,8 +281,8 @@ TEST(PixelFormatsPage, TheDrawingOfAPlaneIsTrue) {
   plane.resize(8);
   selectConversionKernel(kInputYcbcr422, kOutputYuy2, kUint8)(
       plane.data(), chroma.data(), chroma.data(), packed.data(), 3, 2, 1);
-  const std::vector<std::string> picture = wordsAfter(R"(\n    (\d\d \d\d \d\d) .*\n    )");
-  const std::vector<std::string> lowerRow = wordsAfter(R"(\n    (1\d 1\d 1\d) .*\n)");
+  const std::vector<std::string> picture = wordsAfter(R"(\n(0\d 0\d 0\d) .*\n)");
+  const std::vector<std::string> lowerRow = wordsAfter(R"(\n(1\d 1\d 1\d) .*\n)");
   ASSERT_EQ(picture.size(), 3U);
   ASSERT_EQ(lowerRow.size(), 3U);
   for (std::size_t column = 0; column < 3; ++column) {
@@ -307,8 +321,8 @@ TEST(PixelFormatsPage, TheDrawingOfPackedYuy2IsTrue) {
 // figures only: names, and what the sentence around them says of checked ones.
 TEST(PixelFormatsPage, NoOtherFigureIsOnThePage) {
   std::string rest;
-  for (const std::string& line : linesOf(pageText())) {
-    if (!line.starts_with("    ") && !line.starts_with("|")) rest += line + "\n";
+  for (const std::string& line : linesOf(Part::kProse)) {
+    if (!line.starts_with("|")) rest += line + "\n";
   }
   for (const char* known : {"`[a-z0-9]+ \\S+ -> \\d+`",
 
@@ -338,13 +352,14 @@ TEST(PixelFormatsPage, NoOtherFigureIsOnThePage) {
   EXPECT_TRUE(matchesIn(rest, "\\d").empty()) << rest;
 }
 
-// Every indented line is one that a test above reads.
+// Every line in a fence is one that a test above reads.
 TEST(PixelFormatsPage, NoOtherDrawingOrFormulaIsOnThePage) {
-  for (const std::string& line : linesOf(pageText())) {
-    if (!line.starts_with("    ")) continue;
+  const std::vector<std::string> lines = linesOf(Part::kFenced);
+  EXPECT_FALSE(lines.empty());
+  for (const std::string& line : lines) {
     EXPECT_TRUE(std::regex_match(
         line,
-        std::regex(R"( +(value = |base = |[RGB] = |(Y |Cb|Cr) = |byte |Y00 |(\d\d ){3} ).*)")))
+        std::regex(R"( *(value = |base = |[RGB] = |(Y |Cb|Cr) = |byte |Y00 |(\d\d ){3} ).*)")))
         << line;
   }
 }

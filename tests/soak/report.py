@@ -59,7 +59,7 @@ runs this and writes this page; recorded on {day}.
 
 ![What the host holds, over time](images/soak.png)
 
-```
+```text
 {text}```
 
 Judged are medians: the last quarter of the run against the second, and the last quarter of each load against its

@@ -73,7 +73,10 @@ class Screen:
 
     def pixels(self, title):
         """What the window shows: (height, width, 3) of uint8. None when it goes meanwhile."""
-        window = self.wait_for(title)
+        return self.picture_of(self.wait_for(title))
+
+    def picture_of(self, window):
+        """The same of one of windows()."""
         try:
             place = window.get_geometry()
             data = window.get_image(0, 0, place.width, place.height, X.ZPixmap, 0xFFFFFFFF).data
@@ -93,10 +96,14 @@ class Screen:
                                  f"{shown[tuple(wrong[0])]}, not {expected[tuple(wrong[0])]}")
 
     def press_close_button(self, title):
-        window = self.wait_for(title)
+        self.ask_to_close(self.wait_for(title))
+
+    def ask_to_close(self, window):
+        """What a close button sends; the window may have gone meanwhile."""
         protocols, delete = (self._x.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
         window.send_event(event.ClientMessage(window=window, client_type=protocols,
-                                              data=(32, [delete, X.CurrentTime, 0, 0, 0])))
+                                              data=(32, [delete, X.CurrentTime, 0, 0, 0])),
+                          onerror=error.CatchError(error.BadWindow))
         self._x.flush()
 
     def _title(self, window):

@@ -1,0 +1,55 @@
+"""The documents, and the code blocks in them."""
+
+from pathlib import Path
+from typing import NamedTuple
+
+import pytest
+
+ROOT = Path(__file__).parents[2]
+DOCUMENTS = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md")),
+             ROOT / "bindings/python/README.md"]
+FENCE = "```"
+
+
+class Block(NamedTuple):
+    document: str
+    line: int  # of its first line of code, counted from 1
+    language: str
+    text: str
+
+    @property
+    def place(self):
+        return f"{self.document}:{self.line}"
+
+
+def name_of(document):
+    return str(document.relative_to(ROOT))
+
+
+def blocks_in(document):
+    """Its fenced blocks from top to bottom."""
+    lines = enumerate(document.read_text().splitlines(keepends=True), start=1)
+    for number, line in lines:
+        if line.startswith(FENCE):
+            code = []
+            for _, inner in lines:
+                if inner.rstrip() == FENCE:
+                    break
+                code.append(inner)
+            else:
+                raise ValueError(f"{name_of(document)}:{number}: a block without an end")
+            yield Block(name_of(document), number + 1, line.rstrip()[len(FENCE):], "".join(code))
+
+
+def all_blocks():
+    return [block for document in DOCUMENTS for block in blocks_in(document)]
+
+
+def each_block_in(language):
+    """Lets a test run once for each block in that language, and name it."""
+    blocks = [pytest.param(block, id=block.place) for block in all_blocks() if block.language == language]
+    return pytest.mark.parametrize("block", blocks)
+
+
+def documents_with(language):
+    return {block.document for block in all_blocks() if block.language == language}

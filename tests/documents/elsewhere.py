@@ -1,0 +1,24 @@
+"""The commands in the documents' blocks of shell that the tests do not run: why, and what runs them instead."""
+
+CHORE = "a chore: installs packages, builds for minutes"
+BY_HAND = "by hand, before a change that it judges; its name and options are compared with ./dev help"
+
+#   command                          why it is not run here                       where it is run
+NOT_RUN_HERE = {
+    "./dev demo":                   (CHORE, "by hand in a bare Debian 12, see CONTRIBUTING.md; the player: tests/play"),
+    "./dev test":                   (CHORE, ".ci/run"),
+    "./dev test --quick":           (CHORE, "the dev preset's share of ./dev test"),
+    "./dev test --exhaustive":      (CHORE, BY_HAND),
+    "./dev build":                  (CHORE, BY_HAND),
+    "./dev fuzz 600":               (CHORE, BY_HAND),
+    "./dev soak --minutes 60":      (CHORE, BY_HAND),
+    "./dev aarch64":                (CHORE, BY_HAND),
+    "./dev windows":                (CHORE, BY_HAND),
+    "./dev bench --peers":          (CHORE, BY_HAND),
+    "./dev bench --instructions":   (CHORE, ".ci/run"),
+    "./dev package":                (CHORE, BY_HAND),
+    "./dev check":                  (CHORE, BY_HAND),
+    "./dev coverage":               (CHORE, BY_HAND),
+    "./dev format":                 ("changes the sources", BY_HAND),
+    "pip install bindings/python":  ("installs", "tests/python/install_test.py"),
+}

@@ -1,0 +1,26 @@
+"""What a reader may type is in a fenced block that tells its language, so that it is run."""
+
+import re
+
+import pytest
+
+from blocks import DOCUMENTS, FENCE, all_blocks, each_block_in, name_of
+
+LANGUAGES = {"c", "python", "sh", "text"}  # each has a file of tests here; text is looked at only
+COMMAND = re.compile(r"\s*(\$ |\./dev |build/|export |pip |python3 |cmake |ctest |cc |sudo |apt )")
+
+
+@pytest.mark.parametrize("block", [pytest.param(block, id=block.place) for block in all_blocks()])
+def test_a_block_tells_a_language_that_is_run(block):
+    assert block.language in LANGUAGES
+
+
+@pytest.mark.parametrize("document", DOCUMENTS, ids=name_of)
+def test_code_is_fenced_not_indented(document):
+    text = re.sub(f"^{FENCE}.*?^{FENCE}$", "", document.read_text(), flags=re.MULTILINE | re.DOTALL)
+    assert re.findall(r"(?:\A|\n)[ \t]*\n((?: {4}|\t).*)", text) == []
+
+
+@each_block_in("text")
+def test_text_holds_no_command(block):
+    assert [line for line in block.text.splitlines() if COMMAND.match(line)] == []

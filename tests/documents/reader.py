@@ -1,0 +1,62 @@
+"""A reader who types a block of shell in a clean clone that has been built, and closes the windows that come up."""
+
+import os
+import re
+import sys
+from pathlib import Path
+from typing import NamedTuple
+
+from blocks import ROOT
+from support import programs
+from support.waiting import wait_until
+
+BUILD = Path(os.environ["FRAMESINK_BUILD"])
+
+
+class Outcome(NamedTuple):
+    status: int
+    output: str
+    complaints: str
+    titles: set  # of the windows that showed something
+
+
+def commands_of(block):
+    """Its commands without the comments; a command may go on in the next line."""
+    lines = (re.sub(r"(^|\s+)#.*", "", line) for line in block.text.replace("\\\n", "").splitlines())
+    return [re.sub(r"\s+", " ", line) for line in lines if line.strip()]
+
+
+def make_clone(folder):
+    """The project in `folder`, with the build of these tests as the release build."""
+    for entry in ROOT.iterdir():
+        if entry.name not in ("build", ".git"):
+            (folder / entry.name).symlink_to(entry)
+    (folder / "build").mkdir()
+    (folder / "build/release").symlink_to(BUILD)
+    (folder / ".tools").mkdir()
+    python = folder / ".tools/python3"  # Debian's, whatever else there is
+    python.write_text(f'#!/bin/sh\nexec {sys.executable} "$@"\n')
+    python.chmod(0o755)
+
+
+def type_in(commands, clone, screen):
+    """Runs the commands one after another in one shell, which ends with the first that fails."""
+    tell = """trap 'printf "%s failed\\n" "$BASH_COMMAND" >&2' ERR"""
+    script = "\n".join(["set -eE", tell, f"cd '{clone}'", f"PATH='{clone}/.tools':$PATH", *commands])
+    program = programs.start(["bash", "-c", script], screen.environment)
+    titles = set()
+    try:
+        wait_until(lambda: close_windows(screen, titles) or program.poll() is not None)
+        return Outcome(*programs.end(program), titles)
+    finally:
+        program.kill()
+
+
+def close_windows(screen, titles):
+    """Closes those that show something; never satisfied, for more may come."""
+    for title, window in screen.windows().items():
+        picture = screen.picture_of(window)
+        if picture is not None and picture.any():
+            titles.add(title)
+            screen.ask_to_close(window)
+    return False
