@@ -45,9 +45,10 @@ def all_blocks():
     return [block for document in DOCUMENTS for block in blocks_in(document)]
 
 
-def each_block_in(language):
+def each_block_in(language, not_of=()):
     """Lets a test run once for each block in that language, and name it."""
-    blocks = [pytest.param(block, id=block.place) for block in all_blocks() if block.language == language]
+    blocks = [pytest.param(block, id=block.place) for block in all_blocks()
+              if block.language == language and block.document not in not_of]
     return pytest.mark.parametrize("block", blocks)
 
 

@@ -6,6 +6,7 @@ BY_HAND = "by hand, before a change that it judges; its name and options are com
 #   command                          why it is not run here                       where it is run
 NOT_RUN_HERE = {
     "./dev demo":                   (CHORE, "by hand in a bare Debian 12, see CONTRIBUTING.md; the player: tests/play"),
+    "./dev gallery":                (CHORE, "by hand; the commands that it types: tests/documents/gallery_test.py"),
     "./dev test":                   (CHORE, ".ci/run"),
     "./dev test --quick":           (CHORE, "the dev preset's share of ./dev test"),
     "./dev test --exhaustive":      (CHORE, BY_HAND),

@@ -11,6 +11,7 @@ from support import programs
 from support.waiting import wait_until
 
 BUILD = Path(os.environ["FRAMESINK_BUILD"])
+PATIENCE = 60  # seconds for a block whose programs compute on a busy machine
 
 
 class Outcome(NamedTuple):
@@ -39,24 +40,40 @@ def make_clone(folder):
     python.chmod(0o755)
 
 
-def type_in(commands, clone, screen):
-    """Runs the commands one after another in one shell, which ends with the first that fails."""
+def start(commands, clone, screen):
+    """Runs the commands one after another in one shell, which ends with the first that fails. For kill_group()."""
     tell = """trap 'printf "%s failed\\n" "$BASH_COMMAND" >&2' ERR"""
     script = "\n".join(["set -eE", tell, f"cd '{clone}'", f"PATH='{clone}/.tools':$PATH", *commands])
-    program = programs.start(["bash", "-c", script], screen.environment)
-    titles = set()
+    return programs.start(["bash", "-c", script], screen.environment, process_group=0)
+
+
+def type_in(commands, clone, screen, titles=frozenset()):
+    """Runs them and, when the windows of these titles have shown something, closes all that do."""
+    program = start(commands, clone, screen)
+    seen = set()
+
+    def has_ended():
+        if look(screen, seen) >= titles:
+            close(screen, seen)
+        return program.poll() is not None
+
     try:
-        wait_until(lambda: close_windows(screen, titles) or program.poll() is not None)
-        return Outcome(*programs.end(program), titles)
+        wait_until(has_ended, PATIENCE)
+        return Outcome(*programs.end(program), seen)
     finally:
-        program.kill()
+        programs.kill_group(program)
 
 
-def close_windows(screen, titles):
-    """Closes those that show something; never satisfied, for more may come."""
+def look(screen, seen):
+    """Adds to `seen` the titles of the windows that show something, and returns it."""
     for title, window in screen.windows().items():
         picture = screen.picture_of(window)
         if picture is not None and picture.any():
-            titles.add(title)
+            seen.add(title)
+    return seen
+
+
+def close(screen, titles):
+    for title, window in screen.windows().items():
+        if title in titles:
             screen.ask_to_close(window)
-    return False

@@ -23,7 +23,8 @@ def clone(tmp_path):
     return tmp_path
 
 
-@each_block_in("sh")
+# The gallery's are typed by gallery_test.py, which knows their windows.
+@each_block_in("sh", not_of=["docs/gallery.md"])
 def test_a_block_runs(screen, clone, block):
     commands = [command for command in reader.commands_of(block) if command not in NOT_RUN_HERE]
     heavy = [command for command in commands if HEAVY.match(command)]

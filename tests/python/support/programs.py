@@ -1,5 +1,7 @@
 """Programs that the tests start."""
 
+import os
+import signal
 import subprocess
 import sys
 
@@ -9,10 +11,10 @@ from .waiting import DEADLINE
 PYTHON = sys.executable
 
 
-def start(command, environment, stdin=subprocess.DEVNULL):
-    """Starts a program; end() has what it wrote."""
+def start(command, environment, stdin=subprocess.DEVNULL, process_group=None):
+    """Starts a program; end() has what it wrote. Process group 0 is one of its own, for kill_group()."""
     return subprocess.Popen(command, env=environment, text=True, stdin=stdin, stdout=subprocess.PIPE,
-                            stderr=subprocess.PIPE)
+                            stderr=subprocess.PIPE, process_group=process_group)
 
 
 def end(program):
@@ -23,6 +25,15 @@ def end(program):
         program.kill()
         raise
     return program.returncode, output, complaints
+
+
+def kill_group(program):
+    """Kills what is left of a program that has a process group of its own, and of those that it started."""
+    try:
+        os.killpg(program.pid, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
+    program.communicate()
 
 
 def run(command, environment):
