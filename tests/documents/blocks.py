@@ -9,6 +9,7 @@ ROOT = Path(__file__).parents[2]
 DOCUMENTS = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md")),
              ROOT / "bindings/python/README.md"]
 FENCE = "```"
+DEADLINE = 120.0  # seconds for what a block computes, on a busy machine
 
 
 class Block(NamedTuple):

@@ -10,7 +10,7 @@ from typing import NamedTuple
 
 import pytest
 
-from blocks import ROOT, documents_with, each_block_in
+from blocks import DEADLINE, ROOT, documents_with, each_block_in
 from support import programs
 
 LIBRARIES = Path(os.environ["FRAMESINK_LIBRARY"]).parent
@@ -59,4 +59,4 @@ def test_a_block_compiles_and_runs(screen, block, tmp_path):
     program = tmp_path / "program"
     compile_c(program_of(block), program)
     environment = screen.environment | {"LD_LIBRARY_PATH": str(LIBRARIES)}
-    assert programs.run([str(program)], environment) == (0, "", "")
+    assert programs.run([str(program)], environment, DEADLINE) == (0, "", "")

@@ -2,7 +2,7 @@
 
 import re
 
-from blocks import documents_with, each_block_in
+from blocks import DEADLINE, documents_with, each_block_in
 from support import programs
 
 
@@ -14,7 +14,7 @@ def test_the_pages_that_should_have_python_have_some():
 def test_a_block_runs(screen, block):
     # The blank lines let a traceback tell the document's own lines.
     program = "\n" * (block.line - 1) + block.text
-    status, output, complaints = programs.end(programs.start_python(screen, "-c", program))
+    status, output, complaints = programs.end(programs.start_python(screen, "-c", program), DEADLINE)
     assert (status, complaints) == (0, "")
     promised = re.findall(r"^print\(.*\) +# (.*)$", block.text, re.MULTILINE)
     assert [line for line in promised if line not in output.splitlines()] == []

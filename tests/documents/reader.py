@@ -6,12 +6,11 @@ import sys
 from pathlib import Path
 from typing import NamedTuple
 
-from blocks import ROOT
+from blocks import DEADLINE, ROOT
 from support import programs
 from support.waiting import wait_until
 
 BUILD = Path(os.environ["FRAMESINK_BUILD"])
-PATIENCE = 60  # seconds for a block whose programs compute on a busy machine
 
 
 class Outcome(NamedTuple):
@@ -58,7 +57,7 @@ def type_in(commands, clone, screen, titles=frozenset()):
         return program.poll() is not None
 
     try:
-        wait_until(has_ended, PATIENCE)
+        assert wait_until(has_ended, DEADLINE), f"it does not end; these windows came: {sorted(seen)}"
         return Outcome(*programs.end(program), seen)
     finally:
         programs.kill_group(program)

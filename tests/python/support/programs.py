@@ -17,10 +17,10 @@ def start(command, environment, stdin=subprocess.DEVNULL, process_group=None):
                             stderr=subprocess.PIPE, process_group=process_group)
 
 
-def end(program):
+def end(program, deadline=DEADLINE):
     """Status, output and complaints of a program that is about to end by itself."""
     try:
-        output, complaints = program.communicate(timeout=DEADLINE)
+        output, complaints = program.communicate(timeout=deadline)
     except subprocess.TimeoutExpired:
         program.kill()
         raise
@@ -36,9 +36,9 @@ def kill_group(program):
     program.communicate()
 
 
-def run(command, environment):
+def run(command, environment, deadline=DEADLINE):
     """The same of a program from its start."""
-    return end(start(command, environment))
+    return end(start(command, environment), deadline)
 
 
 def start_python(screen, *arguments, stdin=subprocess.DEVNULL):
