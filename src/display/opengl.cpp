@@ -2,10 +2,12 @@
 
 #if defined(__ELF__)
 
+#include <cxxabi.h>
 #include <dlfcn.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -49,14 +51,14 @@ void stayLoaded() {
   ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-// exit() ends the thread_local objects of its thread first of all. Those of other threads than the
-// main one would end with their thread, too.
+// exit() ends the thread_local objects of its thread first of all. Those of another thread than the
+// main one would end with their thread, too. Registered like one, because a real one would need
+// thread-local storage, which an unloadable library does without.
 void callFirstAtExit(void (*end)()) {
-  if (::syscall(SYS_gettid) != ::getpid()) return;
-  thread_local const struct AtExit {
-    void (*call)();
-    ~AtExit() { call(); }
-  } atExit{end};
+  static std::atomic<bool> isRegistered{false};
+  if (::syscall(SYS_gettid) != ::getpid() || isRegistered.exchange(true)) return;
+  abi::__cxa_thread_atexit([](void* call) { reinterpret_cast<void (*)()>(call)(); },
+                           reinterpret_cast<void*>(end), &isRegistered);
 }
 
 }  // namespace framesink
