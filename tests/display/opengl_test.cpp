@@ -16,7 +16,7 @@ using Value = std::optional<std::string>;
 
 // What a case does not name is not set.
 struct Case {
-  bool expected;
+  bool expected = false;
   Value driver = {}, display = {}, wayland = {}, acceleration = {}, renderer = {};
 };
 
