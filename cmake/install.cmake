@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, by component: library, development, tools.
+# What `cmake --install` puts where, by component: library, development, tools, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -40,3 +40,12 @@ if(FRAMESINK_PLAY)
   install(FILES ${completion_folder}/_framesink-play
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions COMPONENT tools)
 endif()
+
+# Nothing of it is built. Debian's Python looks there when the prefix is /usr.
+set(python_folder lib/python3/dist-packages)
+install(DIRECTORY bindings/python/framesink DESTINATION ${python_folder} COMPONENT python
+  PATTERN __pycache__ EXCLUDE)
+# What pip and importlib.metadata know it by.
+configure_file(bindings/python/egg-info.in ${CMAKE_BINARY_DIR}/framesink.egg-info @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/framesink.egg-info
+  DESTINATION ${python_folder} RENAME framesink-${PROJECT_VERSION}.egg-info COMPONENT python)

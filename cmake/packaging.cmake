@@ -59,4 +59,14 @@ through the framesink library, and tells what is wrong when nothing is seen.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libframesink1 (= ${PROJECT_VERSION}-1)")
 
+debian_package(python python3-framesink python "live windows for running models (Python)"
+"The Python package framesink shows the NumPy arrays of a running model
+in live windows.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+  "python3 (>= 3.11), python3-numpy, libframesink1 (= ${PROJECT_VERSION}-1)")
+# Compiled files come with the package and go with it.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_SOURCE_DIR}/packaging/python/postinst ${CMAKE_SOURCE_DIR}/packaging/python/prerm)
+
 include(CPack)

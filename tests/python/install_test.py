@@ -1,4 +1,4 @@
-"""The package as pip installs it."""
+"""The package as pip and as CMake install it."""
 
 import os
 import shutil
@@ -22,9 +22,22 @@ print(requires("framesink"))
 """
 
 
-@pytest.fixture(scope="module")
-def installed(tmp_path_factory):
-    """The folder that it was installed to, from a copy, for building leaves files in the source."""
+@pytest.fixture(scope="module", params=["pip", "cmake"])
+def installed(request, tmp_path_factory):
+    """The folder that it was installed to."""
+    install = install_by_pip if request.param == "pip" else install_by_cmake
+    return install(tmp_path_factory)
+
+
+def install_by_cmake(tmp_path_factory):
+    prefix = tmp_path_factory.mktemp("prefix")
+    subprocess.run(["cmake", "--install", os.environ["FRAMESINK_BUILD"], "--prefix", str(prefix),
+                    "--component", "python"], check=True)
+    return prefix / "lib/python3/dist-packages"
+
+
+def install_by_pip(tmp_path_factory):
+    """From a copy, for building leaves files in the source."""
     folder = tmp_path_factory.mktemp("installed")
     source = tmp_path_factory.mktemp("source") / "python"
     shutil.copytree(PACKAGE, source, ignore=shutil.ignore_patterns("__pycache__", "build", "*.egg-info"))
