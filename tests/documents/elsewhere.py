@@ -18,6 +18,7 @@ NOT_RUN_HERE = {
     "./dev bench --peers":          (CHORE, BY_HAND),
     "./dev bench --instructions":   (CHORE, ".ci/run"),
     "./dev package":                (CHORE, BY_HAND),
+    "./dev package --try":          (CHORE, BY_HAND),
     "./dev check":                  (CHORE, BY_HAND),
     "./dev coverage":               (CHORE, BY_HAND),
     "./dev format":                 ("changes the sources", BY_HAND),

@@ -1,0 +1,10 @@
+/* The README's lines of C in a program; status 0 if their window is open in the end. */
+#include <framesink/framesink.h>
+
+static double red[640 * 480], green[640 * 480], blue[640 * 480];
+
+int main(void) {
+  const int steps = 100;
+#include "ten_lines.h"
+  return isPlayerOpen("model/view") ? 0 : 1;
+}
