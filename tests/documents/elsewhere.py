@@ -22,5 +22,6 @@ NOT_RUN_HERE = {
     "./dev check":                  (CHORE, BY_HAND),
     "./dev coverage":               (CHORE, BY_HAND),
     "./dev format":                 ("changes the sources", BY_HAND),
+    "sudo apt install ./build/package/*.deb": ("installs", "packaging/trial, by ./dev package --try"),
     "pip install bindings/python":  ("installs", "tests/python/install_test.py"),
 }
