@@ -67,7 +67,7 @@ struct Table {
 };
 
 // Between the library's variables lie bytes that the address sanitizer lets nobody read.
-[[gnu::no_sanitize("address")]] bool isTable(std::uintptr_t address, const Table& table) {
+__attribute__((no_sanitize("address"))) bool isTable(std::uintptr_t address, const Table& table) {
   const auto* here = reinterpret_cast<void* const*>(address);
   for (std::size_t i = 0; i < table.entries.size(); ++i) {
     if (here[i] != table.entries[i]) return false;
