@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # wine.sh PROGRAM [ARGUMENT...]: runs a Windows program under Wine, which has a home of its own in build/windows/wine.
 # wine.sh --start: makes that home ready, and keeps its server until --stop; the first program otherwise waits for both.
+# Its screen is as large as DISPLAY's then, whichever programs are given later; without DISPLAY 1024 x 768.
 # wine.sh --stop: ends whatever still runs there.
 set -euo pipefail
 WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine
@@ -13,7 +14,7 @@ case ${1:-} in
   --start)
     mkdir -p "$WINEPREFIX"
     "$server" --persistent
-    env -u DISPLAY "$wine" wineboot --init
+    "$wine" wineboot --init
     ;;
   --stop) [ ! -d "$WINEPREFIX" ] || "$server" --kill --wait || true ;;
   *) exec "$wine" "$@" ;;

@@ -26,8 +26,11 @@ double secondsNow(void) {
   return (double)ticks.QuadPart / (double)frequency.QuadPart;
 }
 
+/* In full and with backslashes, or Windows would not look for the other DLLs beside this one. */
 void* openLibrary(const char* path) {
-  const HMODULE module = LoadLibraryExA(path, NULL, LOAD_WITH_ALTERED_SEARCH_PATH);
+  char fullPath[MAX_PATH];
+  CHECK(GetFullPathNameA(path, sizeof fullPath, fullPath, NULL) < sizeof fullPath);
+  const HMODULE module = LoadLibraryExA(fullPath, NULL, LOAD_WITH_ALTERED_SEARCH_PATH);
   if (module == NULL) fprintf(stderr, "%s: error %lu\n", path, GetLastError());
   return module;
 }

@@ -1,23 +1,33 @@
-// The DLL as a file: what it offers, what it asks for, and what its code may not hold.
+// The DLL that was packed, as a file: what it offers, what it asks for, and what its code may not hold.
 #include <gtest/gtest.h>
 
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "support/child_process.hpp"
+#include "unpacked_zip.hpp"
 
 namespace framesink::test {
 namespace {
 
 using Names = std::set<std::string>;
 
-std::string objdump(const std::string& what, const std::string& file) {
-  ChildProcess program({"x86_64-w64-mingw32-objdump", what, HOST_FOLDER "/" + file});
+std::string outputOf(const std::vector<std::string>& command) {
+  ChildProcess program(command);
   const auto status = program.wait();
   EXPECT_TRUE(status && status->code == 0) << program.standardError();
   return program.standardOutput();
+}
+
+std::string packed(const std::string& file) {
+  static const UnpackedZip zip;
+  return zip.path("bin/" + file);
+}
+
+std::string objdump(const std::string& what, const std::string& file) {
+  return outputOf({"x86_64-w64-mingw32-objdump", what, packed(file)});
 }
 
 // The first group of every match.
@@ -50,15 +60,28 @@ TEST(DllFile, KnowsItsName) {
   EXPECT_EQ(found(headers(), "\nName\\s+[0-9a-f]+ (\\S+)"), Names{"framesink.dll"});
 }
 
+Names neededBy(const std::string& file) { return found(objdump("-p", file), "DLL Name: (\\S+)"); }
+
 TEST(DllFile, NeedsSdlAndPixkitAndTheSystemOnly) {
-  EXPECT_EQ(found(headers(), "DLL Name: (\\S+)"),
-            (Names{"KERNEL32.dll", "msvcrt.dll", "SDL2.dll", "pixkit.dll"}));
-  EXPECT_EQ(found(objdump("-p", "pixkit.dll"), "DLL Name: (\\S+)"),
-            (Names{"KERNEL32.dll", "msvcrt.dll"}));
+  const Names system{"KERNEL32.dll", "msvcrt.dll"};
+  Names library = system;
+  library.insert({"SDL2.dll", "pixkit.dll"});
+  EXPECT_EQ(neededBy("framesink.dll"), library);
+  EXPECT_EQ(neededBy("pixkit.dll"), system);
+  EXPECT_EQ(neededBy("framesink-play.exe"), system);
+  EXPECT_EQ(neededBy("SDL2.dll"),
+            (Names{"ADVAPI32.dll", "GDI32.dll", "IMM32.dll", "KERNEL32.dll", "OLEAUT32.dll",
+                   "SETUPAPI.dll", "SHELL32.dll", "USER32.dll", "VERSION.dll", "WINMM.dll",
+                   "msvcrt.dll", "ole32.dll"}));
 }
 
-TEST(DllFile, HasAVersionResource) {
-  EXPECT_NE(headers().find("Entry: ID: 0x000010"), std::string::npos) << headers();
+TEST(DllFile, TellsItsVersion) {
+  const std::string resource = outputOf({"x86_64-w64-mingw32-windres", packed("framesink.dll")});
+  EXPECT_EQ(found(resource, "VALUE \"((?:File|Product)Version\", \"[^\"]*)\""),
+            (Names{"FileVersion\", \"" PROJECT_VERSION, "ProductVersion\", \"" PROJECT_VERSION}))
+      << resource;
+  std::string numbers = std::regex_replace(PROJECT_VERSION, std::regex("\\."), ", ") + ", 0";
+  EXPECT_EQ(found(resource, "FILEVERSION (.*)"), Names{numbers});
 }
 
 // Stacks are aligned to 16 bytes: a move of more that wants alignment ends the process now and then.

@@ -27,6 +27,18 @@ static void showOnce(uint32_t colour) {
   updateBlock(&library, blocks[1], &frame);
 }
 
+/* The library ends after the program's own exit handlers. */
+static void useAtExit(void) {
+  int32_t position[2], size[2];
+  CHECK(library.isOpen("exit A"));
+  showOnce(0xC06030);
+  library.getPosSize("exit B", position, size);
+  CHECK(size[0] == FRAME_WIDTH && size[1] == FRAME_HEIGHT);
+  library.destroyWindow("exit A");
+  CHECK(!library.isOpen("exit A"));
+  say("used at exit");
+}
+
 static DWORD WINAPI leave(void* unused) {
   (void)unused;
   say("leaving");
@@ -47,6 +59,7 @@ int main(int count, char** arguments) {
   int32_t position[2], size[2];
   library.getPosSize("exit A", position, size);
   if (strcmp(arguments[3], "exit-at-once") != 0) library.getPosSize("exit B", position, size);
+  if (strcmp(arguments[3], "exit-handler") == 0) CHECK(atexit(useAtExit) == 0);
   if (strcmp(arguments[3], "exit-from-thread") == 0) pumpUntilEnded();
   if (strcmp(arguments[3], "return") != 0) leave(NULL);
   say("leaving");

@@ -1,9 +1,11 @@
-/* talk_host LIBRARY: a host with a window and messages of its own. It raises and renames the library's windows from its
- * thread, gives the focus back and forth, and unloads the library while one of these has the focus. */
+/* talk_host LIBRARY MANNER: a host with a window of its own. It raises and renames the library's windows from its
+ * thread, gives the focus back and forth, and unloads the library while one of these has the focus. MANNER is "polite",
+ * or "busy" for a host that never handles the messages of its window. */
 #include <windows.h>
 
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include "host.h"
 
@@ -16,9 +18,11 @@ static HWND openOwnWindow(void) {
   return window;
 }
 
+static int isBusy;
+
 static void handleMessages(void) {
   MSG message;
-  while (PeekMessageA(&message, NULL, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+  while (!isBusy && PeekMessageA(&message, NULL, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
 }
 
 static int compareSeconds(const void* left, const void* right) {
@@ -51,8 +55,17 @@ static int hasTitle(const char* title) {
   return window != NULL && GetWindowThreadProcessId(window, NULL) != GetCurrentThreadId();
 }
 
+/* Frames are drawn from memory, and nobody types text into the windows. */
+static void checkThatLittleIsLoaded(void) {
+  static const char* const unwanted[] = {"opengl32", "d3d9", "d3d11", "d3d12", "msctf"};
+  for (size_t i = 0; i < sizeof unwanted / sizeof *unwanted; ++i) {
+    CHECK(GetModuleHandleA(unwanted[i]) == NULL);
+  }
+}
+
 int main(int count, char** arguments) {
-  CHECK(count == 2);
+  CHECK(count == 3);
+  isBusy = strcmp(arguments[2], "busy") == 0;
   const HWND own = openOwnWindow();
   Library library = loadLibrary(arguments[1]);
   void* const blocks[2] = {createBlock(&library, (WindowRequest){"talk A", 100, 100, 1, 0}),
@@ -65,6 +78,7 @@ int main(int count, char** arguments) {
   CHECK(seconds[ROUNDS - 1] < 1);
   CHECK(hasTitle("title 199")); /* the window is another thread's */
   CHECK(FindWindowA(NULL, "talk A") == NULL);
+  checkThatLittleIsLoaded();
   const double start = secondsNow();
   library.destroy(blocks[0]);
   library.destroy(blocks[1]);

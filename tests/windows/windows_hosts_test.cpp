@@ -1,26 +1,23 @@
-// Windows programs that live with the DLL, and end while its windows are open.
+// Windows programs that live with the DLL.
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <string>
 
 #include "host_process.hpp"
-#include "oracle.hpp"
 #include "shown_picture.hpp"
-#include "support/scoped_variable.hpp"
+#include "support/temporary_folder.hpp"
 #include "support/x_fixtures.hpp"
 #include "test_frame.hpp"
+#include "wine.hpp"
 
 namespace framesink::test {
 namespace {
 
-using namespace std::chrono_literals;
+namespace files = std::filesystem;
 
 constexpr Size kFrame{64, 48};
-
-// Wine takes a while to begin.
-constexpr auto kWineDeadline = 60s;
 
 // Wine waits for a window manager's answers.
 class WindowsHosts : public ManagedXTest {};
@@ -31,65 +28,71 @@ TEST_F(WindowsHosts, WalkTheWholeLifecycle) {
     ASSERT_TRUE(host.says(name));
     const Window window = x.waitForWindow(name);
     EXPECT_TRUE(shows(x, window, plainPicture(0x3060C0, kFrame)));
+    EXPECT_EQ(x.geometry(window), (Geometry{100, 120, 64, 48}));
     EXPECT_TRUE(x.closeButton(window)) << x.lastError();
   }
   EXPECT_TRUE(host.endsWith(0, kWineDeadline));
 }
 
-TEST_F(WindowsHosts, RaiseAndRenameWindowsOfAnotherThreadWithoutWaitingForLong) {
-  HostProcess host("talk_host");
+// ---- Focus and titles ---------------------------------------------------------------------------
+
+class WindowsTalk : public WindowsHosts, public testing::WithParamInterface<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Host, WindowsTalk, testing::Values("polite", "busy"),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_P(WindowsTalk, RaisesAndRenamesWindowsOfAnotherThreadWithoutWaitingForLong) {
+  HostProcess host("talk_host", {GetParam()});
   EXPECT_TRUE(host.endsWith(0, kWineDeadline));
   std::cout << host.output();
 }
 
-TEST_F(WindowsHosts, MayUnloadOnAnotherThreadThanTheOneWithWindows) {
-  HostProcess host("elsewhere_host");
+// ---- Memory that runs out -----------------------------------------------------------------------
+
+TEST_F(WindowsHosts, CatchWhatLibCreateThrows) {
+  HostProcess host("catching_host", {"catch"});
+  EXPECT_TRUE(host.says("caught"));
   EXPECT_TRUE(host.endsWith(0, kWineDeadline));
 }
 
-// ---- Unloading ----------------------------------------------------------------------------------
+TEST_F(WindowsHosts, EndWhenTheyCannotCatchIt) {
+  constexpr int kAbort = 3;
+  HostProcess host("catching_host", {"uncaught"});
+  EXPECT_TRUE(host.endsNoisilyWith(kAbort, kWineDeadline));
+  EXPECT_FALSE(host.hasSaid("created"));
+}
 
-class WindowsUnloading : public WindowsHosts, public testing::WithParamInterface<const char*> {
+// ---- A host's own media library -----------------------------------------------------------------
+
+class WindowsRanges : public WindowsHosts {
  protected:
-  const std::string cycles = environmentVariable("FRAMESINK_LOAD_CYCLES").value_or("200");
+  // The library beside another pixkit.
+  std::string libraryBeside(const std::string& pixkit) {
+    for (const char* file : {"framesink.dll", "SDL2.dll"}) {
+      files::copy(files::path(FRAMESINK_LIBRARY).replace_filename(file), folder.path());
+    }
+    files::copy(pixkit, folder.path());
+    return folder.path() + "/framesink.dll";
+  }
+
+  TemporaryFolder folder;
 };
 
-INSTANTIATE_TEST_SUITE_P(When, WindowsUnloading, testing::Values("shown", "at-once"),
-                         [](const auto& test) {
-                           return std::string(test.param == std::string("shown") ? "Shown"
-                                                                                 : "AtOnce");
-                         });
-
-TEST_P(WindowsUnloading, EndsWindowsThreadAndSdlInTime) {
-  HostProcess host("cycles_host", {cycles, GetParam()});
-  EXPECT_TRUE(host.endsWith(0, kWineDeadline + 1s * std::stoi(cycles)));
-  EXPECT_TRUE(x.waitForNoWindow("cycle A"));
-  EXPECT_TRUE(x.waitForNoWindow("cycle B"));
-  std::cout << host.output();
-}
-
-// ---- The end of the process ---------------------------------------------------------------------
-
-class WindowsExit : public WindowsHosts,
-                    public testing::WithParamInterface<std::tuple<const char*, const char*>> {};
-
-INSTANTIATE_TEST_SUITE_P(Display, WindowsExit,
-                         testing::Combine(testing::Values("threaded", "synchronous", "both"),
-                                          testing::Values("return", "exit", "exit-at-once",
-                                                          "exit-from-thread")),
-                         [](const auto& test) {
-                           std::string name =
-                               std::string(std::get<0>(test.param)) + "_" + std::get<1>(test.param);
-                           std::erase(name, '-');
-                           return name;
-                         });
-
-TEST_P(WindowsExit, ReturnsTheHostsStatusWithinASecond) {
-  HostProcess host("exit_windows_host", {std::get<0>(GetParam()), std::get<1>(GetParam())});
-  ASSERT_TRUE(host.says("leaving"));
-  EXPECT_TRUE(host.endsWith(7, 1s));
-  EXPECT_TRUE(x.waitForNoWindow("exit A"));
-  EXPECT_TRUE(x.waitForNoWindow("exit B"));
+// Singles range from 10 to 20 in that one: 15 is a middle grey. 8 x 6 samples of it in the middle of 16 x 12.
+TEST_F(WindowsRanges, AreThoseOfThePixkitBesideTheLibrary) {
+  const std::string library = libraryBeside(OTHER_PIXKIT);
+  ChildProcess host = startOnWindows(HOST_FOLDER "/ranges_host.exe", {library, "15"});
+  Image picture{16, 12, std::vector<std::uint32_t>(16 * 12, 0)};
+  for (std::size_t row = 3; row < 9; ++row) {
+    for (std::size_t column = 4; column < 12; ++column) {
+      picture.pixels[16 * row + column] = 0x808080;
+    }
+  }
+  const Window window = x.waitForWindow("ranges", kWineDeadline);
+  EXPECT_TRUE(shows(x, window, picture));
+  EXPECT_TRUE(x.closeButton(window)) << x.lastError();
+  const auto status = host.wait(kWineDeadline);
+  EXPECT_TRUE(status && status->code == 0) << host.standardError();
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // What windows of a Windows program show, read back pixel by pixel.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <fstream>
 #include <string>
 
@@ -10,14 +9,12 @@
 #include "support/temporary_folder.hpp"
 #include "support/x_fixtures.hpp"
 #include "test_frame.hpp"
+#include "wine.hpp"
 
 namespace framesink::test {
 namespace {
 
 constexpr Size kFrame{160, 120};
-
-// On a busy machine Wine takes a second for a window.
-constexpr std::chrono::seconds kWineDeadline{60};
 
 struct Shown {
   std::string name;
@@ -31,7 +28,8 @@ const char* nameOf(const Kind& kind) {
 // Puts the planes where the host finds them.
 Shown makeFrame(const std::string& folder, const Kind& kind, std::uint32_t dataType) {
   const HostPlanes planes = randomPlanes(kind, dataType, kFrame);
-  const std::string name = nameOf(kind) + ("-" + std::to_string(dataType));
+  std::string name = nameOf(kind);
+  name.append("-").append(std::to_string(dataType));
   std::ofstream file(folder + "/" + name, std::ios::binary);
   for (const Bytes& plane : planes.bytes) {
     file.write(reinterpret_cast<const char*>(plane.data()),

@@ -1,0 +1,10 @@
+/* A host that is linked with the library: told by its import library alone where functions and strings are. */
+#include <framesink/framesink.h>
+#include <stdio.h>
+
+int main(void) {
+  int32_t position[2] = {11, 22}, size[2] = {33, 44};
+  getWindowPosSize("none", position, size);
+  printf("version %s, %d windows, %d\n", framesink_version, isPlayerOpen("none"), position[0]);
+  return 0;
+}

@@ -1,0 +1,118 @@
+// The zip: what is in it, and that it is all a host needs.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "support/x_fixtures.hpp"
+#include "unpacked_zip.hpp"
+#include "wine.hpp"
+
+namespace framesink::test {
+namespace {
+
+class WindowsZip : public testing::Test {
+ protected:
+  static testing::AssertionResult runs(const std::vector<std::string>& command) {
+    ChildProcess program(command);
+    const auto status = program.wait(kWineDeadline);
+    if (status && status->code == 0) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << program.standardError();
+  }
+
+  // With the headers of the zip, and what it needs to be linked.
+  void linksAHostWith(const std::string& importLibrary) {
+    const std::string host = zip.path("bin/linked_host.exe");
+    ASSERT_TRUE(runs({"x86_64-w64-mingw32-gcc-posix", "-Wall", "-Werror", "-I", zip.path("include"),
+                      LINKED_HOST, importLibrary, "-o", host}));
+    ChildProcess program = startOnWindows(host);
+    const auto status = program.wait(kWineDeadline);
+    EXPECT_TRUE(status && status->code == 0) << program.standardError();
+    EXPECT_EQ(program.standardOutput(), "version " PROJECT_VERSION ", 0 windows, 11\r\n");
+  }
+
+  const UnpackedZip zip;
+};
+
+TEST_F(WindowsZip, HoldsWhatAHostNeedsAndNothingElse) {
+  EXPECT_EQ(zip.files(),
+            (std::set<std::string>{
+                "README.txt", "bin/SDL2.dll", "bin/framesink-play.exe", "bin/framesink.dll",
+                "bin/pixkit.dll", "include/framesink/framesink.h", "include/pixkit/pixkit.h",
+                "lib/framesink.def", "lib/libframesink.dll.a", "lib/libpixkit.dll.a",
+                "licences/CLI11.txt", "licences/GCC.txt", "licences/Highway.txt",
+                "licences/SDL.txt", "licences/mingw-w64.txt"}));
+  EXPECT_EQ(zip.strays(), std::set<std::string>());
+}
+
+// Of headers and licences by their folders.
+TEST_F(WindowsZip, IsToldOfInItsReadme) {
+  const std::string readme = zip.read("README.txt");
+  EXPECT_EQ(readme.find("framesink " PROJECT_VERSION " for 64-bit Windows\r\n"), 0U);
+  for (std::string told : zip.files()) {
+    if (told == "README.txt") continue;
+    std::replace(told.begin(), told.end(), '/', '\\');
+    if (told.starts_with("include") || told.starts_with("licences")) {
+      told.erase(told.find('\\') + 1);
+    }
+    EXPECT_NE(readme.find("  " + told), std::string::npos) << told;
+  }
+}
+
+TEST_F(WindowsZip, HoldsTheLicencesOfWhatIsInside) {
+  for (const auto& [file, words] :
+       {std::pair("CLI11", "University of Cincinnati"),
+        std::pair("GCC", "RUNTIME LIBRARY EXCEPTION"), std::pair("Highway", "Apache License"),
+        std::pair("SDL", "Sam Lantinga"), std::pair("mingw-w64", "winpthreads")}) {
+    EXPECT_NE(zip.read(std::string("licences/") + file + ".txt").find(words), std::string::npos)
+        << file;
+  }
+}
+
+TEST_F(WindowsZip, LinksAHostWithItsImportLibrary) {
+  linksAHostWith(zip.path("lib/libframesink.dll.a"));
+}
+
+// Other compilers' tools make their import libraries of it.
+TEST_F(WindowsZip, LinksAHostWithItsListOfExports) {
+  const std::string made = zip.path("lib/made.a");
+  ASSERT_TRUE(
+      runs({"x86_64-w64-mingw32-dlltool", "-d", zip.path("lib/framesink.def"), "-l", made}));
+  linksAHostWith(made);
+}
+
+// ---- The player ---------------------------------------------------------------------------------
+
+class WindowsPlayer : public ManagedXTest {
+ protected:
+  // Not one colour alone.
+  bool showsAPicture(Window window) {
+    return waitUntil([&] {
+      const std::vector<std::uint32_t> pixels = x.pixels(window).pixels;
+      return std::set<std::uint32_t>(pixels.begin(), pixels.end()).size() > 10;
+    });
+  }
+
+  const UnpackedZip zip;
+};
+
+TEST_F(WindowsPlayer, ShowsItsModelUntilTheUserHasClosedAllWindows) {
+  ChildProcess player = startOnWindows(zip.path("bin/framesink-play.exe"));
+  const std::vector<std::string> titles{"framesink: RGB double", "framesink: intensity single",
+                                        "framesink: YUY2 uint8"};
+  for (const std::string& title : titles) {
+    const Window window = x.waitForWindow(title, kWineDeadline);
+    EXPECT_TRUE(x.raise(window)) << x.lastError();
+    EXPECT_TRUE(showsAPicture(window)) << title;
+  }
+  for (const std::string& title : titles) {
+    EXPECT_TRUE(x.closeButton(x.waitForWindow(title))) << x.lastError();
+  }
+  const auto status = player.wait(kWineDeadline);
+  EXPECT_TRUE(status && status->code == 0) << player.standardError();
+}
+
+}  // namespace
+}  // namespace framesink::test
