@@ -46,6 +46,7 @@ class Help : public CLI::Formatter {
 
 // `app` knows the options of one source, which `options` and `program` are to take.
 void describe(CLI::App& app, Options& options, ProgramOptions& program) {
+  app.allow_windows_style_options(false);  // a file's path may begin with a slash
   const auto help = std::make_shared<Help>();
   help->column_width(21);
   app.formatter(help);
