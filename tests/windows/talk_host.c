@@ -9,7 +9,7 @@
 
 #include "host.h"
 
-enum { ROUNDS = 200 };
+enum { ROUNDS = 200, LIMIT = 10 }; /* seconds that a busy machine may take; a hang is longer */
 
 static HWND openOwnWindow(void) {
   const HWND window = CreateWindowA("STATIC", "the host's own", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
@@ -75,7 +75,7 @@ int main(int count, char** arguments) {
   library.getPosSize("talk B", position, size);
   double seconds[ROUNDS];
   talk(&library, blocks[0], own, seconds);
-  CHECK(seconds[ROUNDS - 1] < 1);
+  CHECK(seconds[ROUNDS - 1] < LIMIT);
   CHECK(hasTitle("title 199")); /* the window is another thread's */
   CHECK(FindWindowA(NULL, "talk A") == NULL);
   checkThatLittleIsLoaded();
@@ -86,7 +86,7 @@ int main(int count, char** arguments) {
   CHECK(isUnloaded("framesink"));
   CHECK(areThreadsGone(0));
   const double unloading = secondsNow() - start;
-  CHECK(unloading < 1);
+  CHECK(unloading < LIMIT);
   CHECK(FindWindowA(NULL, "title 199") == NULL);
   handleMessages();
   CHECK(IsWindow(own));

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 #include "host_process.hpp"
@@ -31,6 +32,38 @@ TEST_F(WindowsHosts, WalkTheWholeLifecycle) {
     EXPECT_EQ(x.geometry(window), (Geometry{100, 120, 64, 48}));
     EXPECT_TRUE(x.closeButton(window)) << x.lastError();
   }
+  EXPECT_TRUE(host.endsWith(0, kWineDeadline));
+}
+
+// ---- Places and sizes ---------------------------------------------------------------------------
+
+class WindowsPlaces : public WindowsHosts, public testing::WithParamInterface<bool> {
+ protected:
+  // The host tells where the window is and how large.
+  testing::AssertionResult isTold(HostProcess& host, Window window) {
+    const Geometry at = x.geometry(window);
+    std::ostringstream line;
+    line << at.width << " x " << at.height << " at " << at.x << ", " << at.y;
+    return host.says(line.str());
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Display, WindowsPlaces, testing::Bool(), [](const auto& test) {
+  return std::string(test.param ? "Synchronous" : "Threaded");
+});
+
+TEST_P(WindowsPlaces, AreThoseOfThePictureWhereverTheUserMovesIt) {
+  HostProcess host("placed_host", {GetParam() ? "1" : "0"});
+  const Window window = x.waitForWindow("placed", kWineDeadline);
+  EXPECT_TRUE(waitUntil([&] { return x.geometry(window).y > 0; }));
+  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(x.move(window, 400, 300));
+  EXPECT_TRUE(waitUntil([&] { return x.geometry(window).y >= 300; }));
+  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(x.resize(window, 320, 200));
+  EXPECT_TRUE(waitUntil([&] { return x.geometry(window).width == 320; }));
+  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(x.closeButton(window)) << x.lastError();
   EXPECT_TRUE(host.endsWith(0, kWineDeadline));
 }
 

@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "shown_picture.hpp"
 #include "support/x_fixtures.hpp"
+#include "test_frame.hpp"
 #include "unpacked_zip.hpp"
 #include "wine.hpp"
 
@@ -110,6 +113,27 @@ TEST_F(WindowsPlayer, ShowsItsModelUntilTheUserHasClosedAllWindows) {
   for (const std::string& title : titles) {
     EXPECT_TRUE(x.closeButton(x.waitForWindow(title))) << x.lastError();
   }
+  const auto status = player.wait(kWineDeadline);
+  EXPECT_TRUE(status && status->code == 0) << player.standardError();
+}
+
+TEST_F(WindowsPlayer, ShowsRawSamplesAsTheConversionRulesHaveThem) {
+  constexpr Size kSize{160, 120};
+  const HostPlanes planes = randomPlanes(kRgb, FRAMESINK_SINGLE, kSize);
+  const TemporaryFolder folder;
+  const std::string file = folder.path() + "/samples";
+  const Bytes bytes = joined(planes);
+  std::ofstream(file, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  ChildProcess player =
+      startOnWindows(zip.path("bin/framesink-play.exe"),
+                     {file, "--raw", "160x120:single:rgb", "--title", "raw", "--hold"});
+  waitUntil([&] { return x.findWindow("raw") || !player.isRunning(); }, kWineDeadline);
+  ASSERT_TRUE(player.isRunning()) << player.standardError();
+  const Window window = x.waitForWindow("raw", kWineDeadline);
+  EXPECT_TRUE(shows(x, window, picture(converted(kRgb, FRAMESINK_SINGLE, planes, kSize), kSize)));
+  EXPECT_TRUE(x.closeButton(window)) << x.lastError();
   const auto status = player.wait(kWineDeadline);
   EXPECT_TRUE(status && status->code == 0) << player.standardError();
 }
