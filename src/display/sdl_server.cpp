@@ -251,15 +251,21 @@ bool SdlServer::mayDeletePlayers() const {
   return !kWindowsAreTheirThreads || players_.empty() || windowsThread_ == currentThread();
 }
 
+// Sleeps are counted, and the clock looked at, as sleeps may take much longer than was asked for.
 bool SdlServer::awaitDisplayThread() {
+  using Clock = std::chrono::steady_clock;
   if (thread_.isThisThread()) return false;
   waited_ = std::max(waited_, static_cast<std::uint32_t>(waitedForHostCalls().count()));
-  while (thread_.isRunning() && !players_.empty() && waited_ < kLongestWait && !thread_.isLost()) {
+  const auto left = [this] {
+    return std::chrono::milliseconds(kLongestWait - std::min(waited_, kLongestWait));
+  };
+  const auto deadline = Clock::now() + left();
+  while (thread_.isRunning() && !players_.empty() && waited_ < kLongestWait && !thread_.isLost() &&
+         Clock::now() < deadline) {
     SDL_Delay(kUnloadPoll);
     waited_ += kUnloadPoll;
   }
-  const std::chrono::milliseconds left(kLongestWait - std::min(waited_, kLongestWait));
-  const bool ended = thread_.awaitEnd(std::chrono::steady_clock::now() + left);
+  const bool ended = thread_.awaitEnd(std::min(deadline, Clock::now() + left()));
   waited_ = kLongestWait;
   return ended;
 }
