@@ -1,6 +1,7 @@
 #include "player_process.hpp"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/resource.h>
@@ -175,6 +176,16 @@ bool runProgram(const Arguments& line) {
   int status = 0;
   waitpid(child, &status, 0);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+Outcome runIn(const Environment& environment, const Arguments& arguments) {
+  return runPlayer(arguments, Setting{.environment = environment});
+}
+
+void expectOneLine(const Outcome& outcome, const std::string& part) {
+  using testing::AllOf, testing::HasSubstr, testing::StartsWith;
+  EXPECT_THAT(outcome.err, AllOf(StartsWith("framesink-play: "), HasSubstr(part)));
+  EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
 }
 
 }  // namespace framesink::play

@@ -62,6 +62,10 @@ struct Setting {
 // Runs the player to its end; after 60 s it is killed and the test fails. Its display is SDL's
 // dummy unless the setting says otherwise.
 Outcome runPlayer(const Arguments& arguments, const Setting& setting = {});
+Outcome runIn(const Environment& environment, const Arguments& arguments);
+
+// The player's errors are one line that begins with its name.
+void expectOneLine(const Outcome& outcome, const std::string& part);
 
 // Runs another program, found on the path; true when it succeeds.
 bool runProgram(const Arguments& line);
