@@ -24,17 +24,16 @@ class Stuck : public testing::Test {
     return HostProcess("stuck_host", {deed}, {"ASAN_OPTIONS=detect_leaks=0"});
   }
 
-  // The window manager has taken both windows over and lets others at the X server again.
-  void stopManager(HostProcess& host) {
+  void hangManager(HostProcess& host) {
     ASSERT_TRUE(host.says("open"));
     x.waitForWindow("stuck A");
     x.waitForWindow("stuck B");
-    ASSERT_EQ(kill(manager.pid(), SIGSTOP), 0);
+    manager.hang();
   }
 
   // SDL waits for the window to be shown once that has its title.
   void untilStuck(HostProcess& host) {
-    stopManager(host);
+    hangManager(host);
     host.process().signal(SIGUSR1);
     ASSERT_TRUE(host.says("asked"));
     ASSERT_TRUE(waitUntil([&] { return x.findWindow("stuck C").has_value(); }));
@@ -44,8 +43,6 @@ class Stuck : public testing::Test {
     host.process().signal(SIGUSR1);
     ASSERT_TRUE(host.says("acting"));
   }
-
-  void wakeManager() { ASSERT_EQ(kill(manager.pid(), SIGCONT), 0); }
 
   XServer server;
   WindowManager manager{server};
@@ -58,7 +55,7 @@ TEST_F(Stuck, HoldsUpNoneOfTheCallsThatDoNotWait) {
   act(host);
   EXPECT_TRUE(host.says("no call waited"));
   EXPECT_TRUE(x.findWindow("stuck B"));
-  wakeManager();
+  manager.wake();
   EXPECT_TRUE(x.waitForNoWindow("stuck B"));
   EXPECT_TRUE(x.waitForNoWindow("stuck C"));
   host.process().signal(SIGUSR1);
@@ -83,7 +80,7 @@ TEST_P(StuckCall, WaitsUntilTheWindowManagerAnswers) {
   untilStuck(host);
   act(host);
   EXPECT_FALSE(waitUntil([&] { return !host.isRunning() || host.hasSaid("done"); }, 200ms));
-  wakeManager();
+  manager.wake();
   EXPECT_TRUE(host.says("done"));
   EXPECT_TRUE(host.endsWith(kHostsStatus));
 }
@@ -104,7 +101,7 @@ TEST_F(StuckForLong, UnloadingReturnsAndLeavesSdlAsItIs) {
   host.process().signal(SIGUSR1);
   EXPECT_TRUE(host.endsWith(kHostsStatus));
   EXPECT_TRUE(x.waitForNoWindow("stuck A"));
-  wakeManager();
+  manager.wake();
 }
 
 TEST_F(StuckForLong, ExitEndsTheHostAllTheSame) {
@@ -113,7 +110,7 @@ TEST_F(StuckForLong, ExitEndsTheHostAllTheSame) {
   act(host);
   EXPECT_FALSE(host.process().wait(19s)) << host.output() << host.error();
   EXPECT_TRUE(host.endsWith(kHostsStatus, 40s));
-  wakeManager();
+  manager.wake();
 }
 
 }  // namespace

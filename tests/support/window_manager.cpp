@@ -1,5 +1,9 @@
 #include "support/window_manager.hpp"
 
+#include <sys/wait.h>
+#include <xcb/xcbext.h>
+
+#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 
@@ -50,6 +54,23 @@ class Probe {
   Window window_;
 };
 
+// Several answers, because the server may serve this client before it reads a grab that the stopped
+// one had asked for.
+bool serves(XConnection& x) {
+  constexpr int kAnswers = 5;
+  for (int i = 0; i < kAnswers; ++i) {
+    const xcb_get_input_focus_cookie_t asked = xcb_get_input_focus(x.raw());
+    xcb_flush(x.raw());
+    void* answer = nullptr;
+    const auto isHere = [&] {
+      return xcb_poll_for_reply(x.raw(), asked.sequence, &answer, nullptr) == 1;
+    };
+    if (!waitUntil(isHere, std::chrono::milliseconds(100))) return false;
+    std::free(answer);
+  }
+  return true;
+}
+
 std::optional<WindowManager>& sharedInstance() {
   static std::optional<WindowManager> manager;
   return manager;
@@ -57,10 +78,10 @@ std::optional<WindowManager>& sharedInstance() {
 
 }  // namespace
 
-WindowManager::WindowManager(const XServer& server) {
-  XClient client(server.display());
+WindowManager::WindowManager(const XServer& server) : display_(server.display()) {
+  XClient client(display_);
   if (client.hasWindowManager()) {
-    throw std::runtime_error("a window manager runs on " + server.display() + " already");
+    throw std::runtime_error("a window manager runs on " + display_ + " already");
   }
   const std::vector<std::string> command{"openbox", "--config-file",
                                          writeConfiguration(folder_.path()), "--sm-disable"};
@@ -71,6 +92,27 @@ WindowManager::WindowManager(const XServer& server) {
   if (ready()) return;
   const std::string how = isRunning() ? "is not ready after 20 s" : "ended at its start";
   throw std::runtime_error("openbox " + how + ": " + process_->standardError());
+}
+
+void WindowManager::stop() {
+  process_->signal(SIGSTOP);
+  siginfo_t state{};
+  const auto stopped = [&] {
+    return waitid(P_PID, static_cast<id_t>(pid()), &state, WSTOPPED | WNOHANG) == 0 &&
+           state.si_pid == pid();
+  };
+  if (!waitUntil(stopped)) throw std::runtime_error("openbox cannot be stopped");
+}
+
+void WindowManager::hang() {
+  const auto hung = [&] {
+    XConnection x(display_);
+    stop();
+    if (serves(x)) return true;
+    wake();
+    return false;
+  };
+  if (!waitUntil(hung)) throw std::runtime_error("openbox has the X server grabbed all the time");
 }
 
 WindowManager& sharedWindowManager() {

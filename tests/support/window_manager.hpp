@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "support/child_process.hpp"
 #include "support/temporary_folder.hpp"
@@ -21,7 +22,15 @@ class WindowManager {
   pid_t pid() const { return process_->pid(); }
   bool isRunning() { return process_->isRunning(); }
 
+  // Stops it as a fault of its own would, but at a moment when it has not grabbed the X server, which
+  // would then answer nobody. Throws std::runtime_error when none came within 10 s.
+  void hang();
+  void wake() { process_->signal(SIGCONT); }
+
  private:
+  void stop();
+
+  std::string display_;
   TemporaryFolder folder_;
   std::optional<ChildProcess> process_;
 };

@@ -8,12 +8,16 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <thread>
 
+#include "support/plain_window.hpp"
 #include "support/window_manager.hpp"
 #include "support/x_client.hpp"
 
 namespace framesink::test {
 namespace {
+
+using namespace std::chrono_literals;
 
 std::string messageOf(const std::function<void()>& failing) {
   try {
@@ -141,6 +145,35 @@ TEST(WindowManager, RefusesToBeTheSecond) {
   const WindowManager first(server);
   EXPECT_EQ(messageOf([&] { WindowManager second(server); }),
             "a window manager runs on " + server.display() + " already");
+}
+
+TEST(WindowManager, AnswersNobodyWhileItHangs) {
+  const XServer server;
+  WindowManager manager(server);
+  XClient client;
+  const PlainWindow window("plain");
+  client.waitForWindow("plain");
+  const auto isIconified = [&] { return client.isIconified(window.id()); };
+  manager.hang();
+  client.iconify(window.id());
+  EXPECT_FALSE(waitUntil(isIconified, 50ms));
+  manager.wake();
+  EXPECT_TRUE(waitUntil(isIconified));
+}
+
+// While it takes a window over it has the server grabbed.
+TEST(WindowManager, HangsWithoutTheServer) {
+  const XServer server;
+  WindowManager manager(server);
+  XClient client;
+  for (int moment = 0; moment < 40; ++moment) {
+    const PlainWindow window("new");
+    std::this_thread::sleep_for(moment * 100us);
+    manager.hang();
+    EXPECT_EQ(client.findWindow("new"), window.id());
+    manager.wake();
+    client.waitForWindow("new");
+  }
 }
 
 TEST(SharedWindowManager, IsOneUntilItIsEnded) {
