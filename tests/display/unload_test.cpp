@@ -20,7 +20,6 @@
 namespace framesink::test {
 namespace {
 
-using std::chrono::seconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kHostsStatus = 7;
