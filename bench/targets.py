@@ -103,11 +103,11 @@ NOTES = """How the rows are measured:
 - *Idle pass*: processor time of the display thread a pass, beside lock, `SDL_PollEvent`, unlock,
   `SDL_Delay(1)` in a bare loop on the same window.
 
-Windows are drawn without OpenGL wherever the user's environment does not ask for it: one run of *shown
-frames* took 4.2 ms a frame as the library sets it, and 12.1 ms with `SDL_FRAMEBUFFER_ACCELERATION=1`
-(Mesa's software OpenGL).
+Windows are drawn without OpenGL wherever the user's environment does not ask for it: a run of *shown
+frames* for this alone took 4.2 ms a frame as the library sets it, and 12.1 ms with
+`SDL_FRAMEBUFFER_ACCELERATION=1` (Mesa's software OpenGL).
 
-Where a target is missed:
+Where a target is missed, or was in one run and not in another:
 
 - *RGB planes single* and *RGB planes double*: both sides wait for memory, ours a hundredth this side of the
   limit or that from run to run.

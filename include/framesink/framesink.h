@@ -13,7 +13,8 @@
  *     window" means: until the display thread has made the window, normally a few milliseconds,
  *     looked for every 2 ms. It ends at once when that window can no longer come (closed by the
  *     user, no display thread, library leaving). A window manager that does not answer while a
- *     window is made holds up the functions that wait for a window, and no others.
+ *     window is made holds up the functions that wait for a window, open, raise or rename one, and
+ *     no others.
  *  3. Ownership. Every pointer passed in is read, or written, during the call only. Strings are
  *     zero-terminated and copied; a null string counts as an empty one. The one thing handed out is
  *     the block handle, which goes back through libDestroy.
@@ -140,13 +141,16 @@ static_assert(sizeof(InputDescription) == 88, "InputDescription is 88 bytes");
  *   synchronous           draw and handle events inside the host's own calls, on the calling
  *                         thread, instead of on the library's display thread
  *
- * A window of that name that is open already is kept when frame size, fullscreen, synchronous and
- * window size are unchanged; otherwise a fresh one opens where the user left the old one.
+ * A window of that name that is open already is kept when its frames have this size, it is full
+ * screen now or not as fullscreen says, synchronous is unchanged and, unless fullscreen or
+ * useWindowSize is set, the window has the frame's size. Otherwise a fresh one opens where the user
+ * left the old one, or at windowX, windowY if that is full screen.
  *
  * Returns the block handle; null after a failure, with the text in errorMessage: "Unsupported video
  * data type" when dataType is above 8. Throws std::bad_alloc when memory runs out or a frame of
- * 8-bit red, green and blue planes exceeds 2147483647 bytes. Blocking: may wait for the window when
- * a window of that name is open; synchronous: draws. */
+ * 8-bit red, green and blue planes exceeds 2147483647 bytes. Blocking: waits for the window when a
+ * window of that name is open, and for the end of a display pass when it opens one; synchronous:
+ * draws. */
 FRAMESINK_API void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName,
                               const char* windowTitle, uint8_t fullscreen,
                               const InputDescription* description, uint8_t openAtStart,
@@ -199,7 +203,8 @@ FRAMESINK_API void libDestroy(void* block);
  *   size           two values, width and height; used when fullscreen or useWindowSize is set, else
  *                  the window gets the frame's size
  *
- * A null position or size: nothing happens. Blocking: waits for the window when it is open. */
+ * A null position or size: nothing happens. Blocking: waits for the window when it is open, else
+ * for the end of a display pass. */
 FRAMESINK_API void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* position,
                                      const uint32_t* size, uint8_t useWindowSize);
 

@@ -2,6 +2,7 @@
 
 import os
 import re
+import shlex
 import subprocess
 from pathlib import Path
 
@@ -33,7 +34,7 @@ def test_a_chore_is_one_with_these_options(code):
 
 @mentions(r"(\w+=\S+ )*ctest .*")
 def test_ctest_finds_tests(code):
-    command = ["ctest", "--test-dir", str(BUILD), "-N", *code[code.index("ctest") :].split()[1:]]
+    command = ["ctest", "--test-dir", str(BUILD), "-N", *shlex.split(code[code.index("ctest") :])[1:]]
     output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE).stdout
     assert int(re.search(r"Total Tests: (\d+)", output)[1]) > 0
 
