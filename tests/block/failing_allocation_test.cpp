@@ -206,7 +206,8 @@ TEST_F(HandOver, OfEventsWithoutMemoryLosesOneEvent) {
     const FailingAllocation failing(++number, FailingAllocation::Of::kOtherThreads);
     synchronous.create(kFrame, 1);
     ASSERT_TRUE(waitUntil([] { return SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT) == 0; }));
-    failed = failing.hasFailed();
+    // The queue is empty before the event is kept.
+    failed = waitUntil([&] { return failing.hasFailed(); }, std::chrono::milliseconds(100));
     synchronous.update();
     EXPECT_EQ(synchronous.seen().old.open, true);
   }

@@ -91,6 +91,7 @@ TEST_F(SdlServerTest, CountsPlayerIdsFrom0AndNeverReusesOne) {
 
 TEST_F(SdlServerTest, MakesDrawsAndDestroysWindowsOnTheDisplayThreadAlone) {
   const std::uint32_t player = open();
+  EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_RenderPresent") >= 1; }));
   deliver(server, player, noiseFrame(kFrameSize, 1));
   EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_RenderPresent") >= 2; }));
   server.closePlayer(player);

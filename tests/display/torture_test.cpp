@@ -77,7 +77,7 @@ TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
     std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, end); });
     play(0, kThreadedWindows - 1, end);
     synchronousHost.join();
-    EXPECT_GT(user.deeds(), 10);
+    EXPECT_GT(user.deeds(), 0);
     EXPECT_GT(user.closed(), 0);
     EXPECT_GT(delivered, 100);
   }

@@ -187,6 +187,8 @@ TEST_F(TwoServersTest, ASynchronousCallDoesNotRunDuringAPass) {
   openBoth();
   passes.reset();
   std::atomic<bool> inPass{false};
+  std::atomic<bool> passBegun{false};
+  std::atomic<bool> calling{false};
   std::atomic<bool> drawnMeanwhile{false};
   std::atomic<bool> delivered{false};
   const SdlHook hook = recorder.before("SDL_RenderPresent", [&](const SdlCall&) {
@@ -196,11 +198,14 @@ TEST_F(TwoServersTest, ASynchronousCallDoesNotRunDuringAPass) {
     }
     if (delivered) return;
     inPass = true;
+    passBegun = true;
+    EXPECT_TRUE(waitUntil([&] { return calling.load(); }));
     EXPECT_FALSE(waitUntil([&] { return delivered.load(); }, std::chrono::milliseconds(30)));
     inPass = false;
   });
   deliver(threadedServer(), threadedPlayer, noiseFrame(kFrameSize, 1));
-  EXPECT_TRUE(waitUntil([&] { return inPass.load(); }));
+  EXPECT_TRUE(waitUntil([&] { return passBegun.load(); }));
+  calling = true;
   deliver(synchronousServer(), synchronousPlayer, noiseFrame(kFrameSize, 1));
   delivered = true;
   EXPECT_FALSE(drawnMeanwhile);

@@ -10,7 +10,7 @@
 namespace framesink::test {
 namespace {
 
-constexpr std::chrono::milliseconds kLongestCall{1000};
+constexpr std::chrono::milliseconds kMostSlept{1000};  // by the clock that SDL_Delay moves
 constexpr int kGaveUp = 3;
 
 InputDescription describeFrames() {
@@ -62,9 +62,9 @@ void FaultRun::call(const char* name, Action action) {
   const std::int64_t before = clock_.now();
   const auto began = std::chrono::steady_clock::now();
   action();
-  const bool isLate = std::chrono::steady_clock::now() - began > kLongestCall ||
-                      clock_.now() - before > kLongestCall.count();
-  if (isLate) giveUp(std::string(name) + " took longer than a second");
+  const bool isLate = std::chrono::steady_clock::now() - began > kAtOnce ||
+                      clock_.now() - before > kMostSlept.count();
+  if (isLate) giveUp(std::string(name) + " took too long");
 }
 
 // ---- Calls ----

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <chrono>
 #include <string>
 #include <tuple>
 
@@ -11,8 +10,6 @@
 
 namespace framesink::test {
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr int kHostsStatus = 7;
 
@@ -24,10 +21,10 @@ class Exit : public BareXTest, public testing::WithParamInterface<const char*> {
 
   bool hasWindows() { return x.findWindow("exit A") && x.findWindow("exit B"); }
 
-  // With the host's status, within a second of its decision.
+  // With the host's status, right after its decision.
   void leavesAtOnce(HostProcess& host) {
     ASSERT_TRUE(host.says("leaving"));
-    EXPECT_TRUE(host.endsWith(kHostsStatus, 1s));
+    EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
     EXPECT_TRUE(x.waitForNoWindow("exit A"));
     EXPECT_TRUE(x.waitForNoWindow("exit B"));
   }
@@ -61,7 +58,7 @@ TEST_P(Exit, WithoutHandlersReturnsTheHostsStatusWithinASecond) {
 TEST_P(Exit, ByAnUncaughtExceptionIsAnAbort) {
   HostProcess host("exit_host", {GetParam(), "exception"});
   ASSERT_TRUE(host.says("leaving"));
-  EXPECT_TRUE(host.endsBySignal(SIGABRT, 1s));
+  EXPECT_TRUE(host.endsBySignal(SIGABRT, kAtOnce));
   EXPECT_NE(host.error().find("nobody catches this"), std::string::npos) << host.error();
   EXPECT_TRUE(x.waitForNoWindow("exit A"));
 }
@@ -101,7 +98,7 @@ TEST_F(ExitWithoutWindows, CallsFromAHandlerRegisteredBeforeLoadingFindNothing) 
   HostProcess host("exit_host", {"closed", "late-calls-before-load"});
   EXPECT_TRUE(host.says("late block: none"));
   EXPECT_TRUE(host.says("late calls done"));
-  EXPECT_TRUE(host.endsWith(kHostsStatus, 1s));
+  EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
 // Even the first window of all may be opened there.
@@ -110,7 +107,7 @@ TEST_F(ExitWithoutWindows, CallsFromALaterHandlerStillWork) {
   EXPECT_TRUE(host.says("late block: made"));
   EXPECT_TRUE(host.says("late window: open"));
   EXPECT_TRUE(host.says("late calls done"));
-  EXPECT_TRUE(host.endsWith(kHostsStatus, 1s));
+  EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
 // ---- Forks --------------------------------------------------------------------------------------
@@ -151,7 +148,7 @@ TEST_P(EndsAHost, ThatShowsAWindow) {
   ASSERT_TRUE(host.says("showing"));
   x.waitForWindow("exit B");
   host.process().signal(number);
-  EXPECT_TRUE(host.endsBySignal(number, 1s));
+  EXPECT_TRUE(host.endsBySignal(number, kAtOnce));
 }
 
 class RunsTheHostsHandler : public Signal {};
@@ -168,7 +165,7 @@ TEST_P(RunsTheHostsHandler, AndNothingElse) {
   x.waitForWindow("exit B");
   host.process().signal(number);
   EXPECT_TRUE(host.says("handled " + std::to_string(number)));
-  EXPECT_TRUE(host.endsWith(kHostsStatus, 1s));
+  EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
 // ---- The X server dies --------------------------------------------------------------------------
@@ -197,7 +194,7 @@ TEST_P(XServersDeath, EndsTheHostTheWayOfX) {
   x.waitForWindow("exit A");
   x.waitForWindow("exit B");
   ASSERT_EQ(kill(server.pid(), SIGKILL), 0);
-  EXPECT_TRUE(host.endsNoisilyWith(1, 2s));
+  EXPECT_TRUE(host.endsNoisilyWith(1, 2 * kAtOnce));
 }
 
 }  // namespace

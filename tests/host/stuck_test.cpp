@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host_process.hpp"
+#include "support/os_facts.hpp"
 #include "support/x_fixtures.hpp"
 
 namespace framesink::test {
@@ -31,12 +32,19 @@ class Stuck : public testing::Test {
     manager.hang();
   }
 
-  // SDL waits for the window to be shown once that has its title.
+  // SDL gives the window its title before it waits for it to be shown.
   void untilStuck(HostProcess& host) {
     hangManager(host);
     host.process().signal(SIGUSR1);
     ASSERT_TRUE(host.says("asked"));
     ASSERT_TRUE(waitUntil([&] { return x.findWindow("stuck C").has_value(); }));
+    ASSERT_TRUE(waitUntil([&] { return displaySleepsOn(host); }));
+  }
+
+  static bool displaySleepsOn(HostProcess& host) {
+    const auto times = [&] { return timesAsleep(host.process().pid(), "sdlVideoPlayers"); };
+    const std::uint64_t before = times();
+    return before > 0 && staysSo([&] { return times() == before; });
   }
 
   void act(HostProcess& host) {

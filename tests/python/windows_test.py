@@ -88,6 +88,7 @@ def test_a_window_outlives_its_display(screen):
 def test_a_closed_window_is_forgotten_and_frames_for_it_are_dropped(screen):
     display = Display("gone", (40, 60))
     window = display.window()
+    screen.wait_for("gone")
     window.close()
     window.close()
     assert wait_until(lambda: not screen.shows("gone"))

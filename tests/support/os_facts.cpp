@@ -13,11 +13,23 @@ namespace {
 namespace fs = std::filesystem;
 
 // "" for a thread that ended meanwhile.
-std::string threadName(int id) {
-  std::ifstream file("/proc/self/task/" + std::to_string(id) + "/comm");
+std::string nameOf(const fs::path& task) {
+  std::ifstream file(task / "comm");
   std::string name;
   std::getline(file, name);
   return name;
+}
+
+std::string threadName(int id) { return nameOf("/proc/self/task/" + std::to_string(id)); }
+
+// A number of the kernel's, 0 for a thread that ended meanwhile.
+std::uint64_t statusOf(const fs::path& task, const std::string& key) {
+  std::ifstream file(task / "status");
+  for (std::string word; file >> word;) {
+    std::uint64_t number = 0;
+    if (word == key + ":" && file >> number) return number;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -36,6 +48,14 @@ std::vector<std::string> threadNames() {
   std::vector<std::string> names;
   std::transform(ids.begin(), ids.end(), std::back_inserter(names), threadName);
   return names;
+}
+
+std::uint64_t timesAsleep(pid_t process, const std::string& thread) {
+  std::uint64_t times = 0;
+  for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    if (nameOf(task) == thread) times += statusOf(task, "voluntary_ctxt_switches");
+  }
+  return times;
 }
 
 // A line of maps is "address permissions offset device inode path"; only a path holds a slash.

@@ -1,7 +1,10 @@
 // What the operating system knows about this process.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +17,10 @@ std::vector<int> threadIds();
 
 // Names of the threads in the order of threadIds(), cut to 15 characters by the kernel.
 std::vector<std::string> threadNames();
+
+// How often threads of that name in a process have gone to sleep; it stands still while they sleep
+// on.
+std::uint64_t timesAsleep(pid_t process, const std::string& thread);
 
 // True when a file whose path holds `part` is mapped, for example a loaded library.
 bool isMapped(std::string_view part);

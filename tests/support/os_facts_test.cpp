@@ -32,6 +32,30 @@ TEST(OsFacts, CountsAndNamesThreads) {
   EXPECT_TRUE(waitUntil([&] { return threadIds().size() < during; }));
 }
 
+TEST(OsFacts, CountsHowOftenAThreadGoesToSleep) {
+  std::atomic<bool> restless{true};
+  std::atomic<bool> leave{false};
+  std::thread sleeper([&] {
+    waitUntil([&] { return !restless; });
+    restless.wait(false);
+    waitUntil([&] { return leave.load(); });
+  });
+  pthread_setname_np(sleeper.native_handle(), "sleeper");
+  const auto times = [] { return timesAsleep(getpid(), "sleeper"); };
+  const std::uint64_t before = times();
+  EXPECT_TRUE(waitUntil([&] { return times() >= before + 10; }));
+  restless = false;
+  EXPECT_TRUE(waitUntil([&] {
+    const std::uint64_t now = times();
+    return staysSo([&] { return times() == now; });
+  }));
+  restless = true;
+  restless.notify_all();
+  leave = true;
+  sleeper.join();
+  EXPECT_EQ(times(), 0U);
+}
+
 TEST(OsFacts, ContainsTheCallingThread) {
   const std::vector<int> ids = threadIds();
   EXPECT_TRUE(std::binary_search(ids.begin(), ids.end(), gettid()));

@@ -81,14 +81,12 @@ void PlainWindow::paint(const Image& picture) {
 }
 
 bool PlainWindow::waitForEvent(const std::function<bool(const xcb_generic_event_t&)>& wanted) {
-  return waitUntil(
-      [&] {
-        while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(x_.raw())}) {
-          if (wanted(*event)) return true;
-        }
-        return false;
-      },
-      std::chrono::seconds(2));
+  return waitUntil([&] {
+    while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(x_.raw())}) {
+      if (wanted(*event)) return true;
+    }
+    return false;
+  });
 }
 
 bool PlainWindow::waitForKey(int keycode) {

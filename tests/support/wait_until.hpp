@@ -8,6 +8,14 @@ namespace framesink::test {
 
 inline constexpr std::chrono::milliseconds kDeadline{10'000};
 
+// What waits for nobody is done within it: a second. Sanitizers need one for themselves on a busy
+// machine; with them only endless waits, and those of 20 s, are told apart.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr std::chrono::milliseconds kAtOnce{10'000};
+#else
+inline constexpr std::chrono::milliseconds kAtOnce{1'000};
+#endif
+
 // Asks `holds` about every millisecond until it answers true or `deadline` has passed; it is asked
 // at least once. Returns its last answer.
 template <class Predicate>
@@ -18,6 +26,12 @@ bool waitUntil(Predicate holds, std::chrono::milliseconds deadline = kDeadline) 
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
+}
+
+// True when `holds` answers true as long as it is looked at, about every millisecond.
+template <class Predicate>
+bool staysSo(Predicate holds, std::chrono::milliseconds time = std::chrono::milliseconds(50)) {
+  return !waitUntil([&] { return !holds(); }, time);
 }
 
 }  // namespace framesink::test

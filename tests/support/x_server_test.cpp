@@ -100,7 +100,7 @@ TEST(XServer, SharedOneComesBackAfterItsDeath) {
   const std::string display = sharedXServer().display();
   const pid_t pid = sharedXServer().pid();
   EXPECT_EQ(sharedXServer().pid(), pid);
-  kill(pid, SIGTERM);
+  kill(pid, SIGKILL);
   ASSERT_TRUE(waitUntil([&] { return sharedXServer().pid() != pid; }));
   EXPECT_EQ(environmentVariable("DISPLAY"), sharedXServer().display());
   EXPECT_TRUE(sharedXServer().isRunning());

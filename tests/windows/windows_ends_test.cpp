@@ -74,11 +74,15 @@ INSTANTIATE_TEST_SUITE_P(Display, WindowsExit,
                                   withoutDashes(std::get<1>(test.param));
                          });
 
-TEST_P(WindowsExit, ReturnsTheHostsStatusWithinASecond) {
+// A wait for a thread that is gone would take 20 s; how long it took is told.
+TEST_P(WindowsExit, ReturnsTheHostsStatusAtOnce) {
   const auto [display, ending] = GetParam();
   HostProcess host("exit_windows_host", {display, ending});
   ASSERT_TRUE(host.says("leaving"));
-  EXPECT_TRUE(host.endsWith(7, 1s));
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(host.endsWith(7, 5s));
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+  std::cout << "ended after " << took.count() << " s\n";
   EXPECT_EQ(host.hasSaid("used at exit"), std::string(ending) == "exit-handler");
   EXPECT_TRUE(x.waitForNoWindow("exit A"));
   EXPECT_TRUE(x.waitForNoWindow("exit B"));

@@ -39,12 +39,14 @@ TEST_F(WindowsHosts, WalkTheWholeLifecycle) {
 
 class WindowsPlaces : public WindowsHosts, public testing::WithParamInterface<bool> {
  protected:
-  // The host tells where the window is and how large.
-  testing::AssertionResult isTold(HostProcess& host, Window window) {
-    const Geometry at = x.geometry(window);
-    std::ostringstream line;
-    line << at.width << " x " << at.height << " at " << at.x << ", " << at.y;
-    return host.says(line.str());
+  // The host tells where the window is and how large, once both stand still.
+  bool isTold(HostProcess& host, Window window) {
+    return waitUntil([&] {
+      const Geometry at = x.geometry(window);
+      std::ostringstream line;
+      line << at.width << " x " << at.height << " at " << at.x << ", " << at.y;
+      return host.hasSaid(line.str());
+    });
   }
 };
 
@@ -56,13 +58,13 @@ TEST_P(WindowsPlaces, AreThoseOfThePictureWhereverTheUserMovesIt) {
   HostProcess host("placed_host", {GetParam() ? "1" : "0"});
   const Window window = x.waitForWindow("placed", kWineDeadline);
   EXPECT_TRUE(waitUntil([&] { return x.geometry(window).y > 0; }));
-  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(isTold(host, window)) << host.output();
   EXPECT_TRUE(x.move(window, 400, 300));
   EXPECT_TRUE(waitUntil([&] { return x.geometry(window).y >= 300; }));
-  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(isTold(host, window)) << host.output();
   EXPECT_TRUE(x.resize(window, 320, 200));
   EXPECT_TRUE(waitUntil([&] { return x.geometry(window).width == 320; }));
-  EXPECT_TRUE(isTold(host, window));
+  EXPECT_TRUE(isTold(host, window)) << host.output();
   EXPECT_TRUE(x.closeButton(window)) << x.lastError();
   EXPECT_TRUE(host.endsWith(0, kWineDeadline));
 }
