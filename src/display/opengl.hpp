@@ -19,8 +19,9 @@ bool isOpenGlInUse();
 // process. On a host thread, before the display thread starts.
 void stayLoaded();
 
-// exit(), called on the main thread, begins with `end`, before any static object ends. Nothing
-// happens when this thread is not the main one. Keeps the library loaded, so after stayLoaded.
+// exit(), called on the main thread, begins with `end`, before any static object ends; so does
+// pthread_exit() there, though the process lives on. Nothing happens when this thread is not the main
+// one. Keeps the library loaded, so after stayLoaded.
 void callFirstAtExit(void (*end)());
 
 }  // namespace framesink

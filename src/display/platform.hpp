@@ -58,8 +58,8 @@ class LibraryHold {
   // it may be the library of the code that calls this.
   void letGo();
 
-  // Ends the calling thread, without a return to any code of ours, and then lets go. Does nothing
-  // when empty.
+  // Lets go and ends the calling thread, in the system's code, without a return to any of ours.
+  // Does nothing when empty.
   void endThread();
 
  private:

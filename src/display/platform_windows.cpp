@@ -60,7 +60,9 @@ OsThreadId currentThread() { return ::GetCurrentThreadId(); }
 
 bool isThreadGone(OsThreadId thread) {
   const OpenThread opened(thread, SYNCHRONIZE);
-  return !opened.isOpen() || ::WaitForSingleObject(opened.handle(), 0) == WAIT_OBJECT_0;
+  // Other failures, of memory for example, tell nothing of the thread.
+  if (!opened.isOpen()) return ::GetLastError() == ERROR_INVALID_PARAMETER;
+  return ::WaitForSingleObject(opened.handle(), 0) == WAIT_OBJECT_0;
 }
 
 bool hasLeftLibrary(OsThreadId thread) {

@@ -28,6 +28,9 @@ class SdlPlayer {
   Size frameSize() const { return frameSize_; }
   bool isFullscreenWanted() const { return fullscreen_; }
 
+  // A synchronous player's window is made by the thread that makes the player.
+  OsThreadId maker() const { return maker_; }
+
   // --- Any host thread
   // -----------------------------------------------------------------------------
 
@@ -84,6 +87,7 @@ class SdlPlayer {
   const std::size_t frameBytes_;
   const WindowGeometry requested_;
   const std::uint32_t playerId_;
+  const OsThreadId maker_ = currentThread();
   const bool fullscreen_;
 
   const std::unique_ptr<std::uint8_t[]> buffer1_;

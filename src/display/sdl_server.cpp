@@ -97,7 +97,6 @@ std::uint32_t SdlServer::addPlayer(const std::uint8_t* initialFrame, Size frameS
   const Alone alone(*this);
   const std::uint32_t playerId = nextPlayerId_++;
   auto player = make(playerId);
-  windowsThread_ = currentThread();
   openWindow(*player);
   players_.add(std::move(player));
   return playerId;
@@ -248,7 +247,8 @@ bool SdlServer::stop() {
 
 // Windows of another thread would be left behind without their players: they keep SDL then.
 bool SdlServer::mayDeletePlayers() const {
-  return !kWindowsAreTheirThreads || players_.empty() || windowsThread_ == currentThread();
+  const auto isOurs = [](const SdlPlayer* player) { return player->maker() == currentThread(); };
+  return !kWindowsAreTheirThreads || std::ranges::all_of(players_.players(), isOurs);
 }
 
 // Sleeps are counted, and the clock looked at, as sleeps may take much longer than was asked for.

@@ -73,8 +73,9 @@ class SdlServer {
   void beginLeaving() { leaving_ = true; }
 
   // Ends the display thread: waits up to 20 s, without joining, until its players are deleted and
-  // the thread itself is gone. False when it is still there; then nothing that it uses may be torn
-  // down. On the display thread itself it does not wait.
+  // the thread itself is gone. Synchronous: deletes the players. False when the thread is still
+  // there, or players are another thread's to delete; then nothing that they use may be torn down.
+  // On the display thread itself it does not wait.
   bool stop();
 
  private:
@@ -124,9 +125,8 @@ class SdlServer {
   std::atomic<SDL_mutex*> mutex_{
       nullptr};  // threaded: held by a whole pass and while a player is added
   DisplayThread thread_;
-  LibraryHold sdlCode_;                       // from start until SDL is shut down
-  bool openGl_ = false;                       // set by start
-  std::atomic<OsThreadId> windowsThread_{0};  // synchronous: made the latest window
+  LibraryHold sdlCode_;       // from start until SDL is shut down
+  bool openGl_ = false;       // set by start
   std::uint32_t waited_ = 0;  // milliseconds that stop has waited, of its one budget
 
   // Changed under the mutex (threaded) or in the gate (synchronous). Only who is in the gate

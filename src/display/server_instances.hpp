@@ -17,7 +17,8 @@ SdlServer& serverFor(bool synchronous);
 SdlServer* existingServer(bool synchronous);
 
 // Stops both, for good. False when that cannot be had safely, because Xlib called exit() from inside
-// one of our SDL calls, the display thread is stuck, host calls still run, or this is a fork.
+// one of our SDL calls, the display thread is stuck, host calls still run, this is a fork, or, on
+// Windows, synchronous windows are another thread's or the system has ended all other threads.
 bool stopServers();
 
 }  // namespace framesink

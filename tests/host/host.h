@@ -19,11 +19,6 @@ void checkThat(int holds, const char* condition, const char* file, int line);
 /* Writes a line to standard output at once: the test waits for it. */
 void say(const char* text);
 
-/* The test gives the word to go on by SIGUSR1. Held from before the library is loaded, so that no
- * thread takes it, and waited for. */
-void holdSignal(void);
-void awaitSignal(void);
-
 /* A locale that is not the one of the process's beginning, or the nearest to it. */
 #if defined(_WIN32)
 #define HOST_LOCALE "English"
@@ -110,6 +105,11 @@ int areThreadsGone(int before);
 /* Waits until nobody but the host itself holds that library. Under Wine only: Windows does not tell. */
 int isHeldOnce(const char* name);
 #else
+/* The test gives the word to go on by SIGUSR1. Held from before the library is loaded, so that no
+ * thread takes it, and waited for. */
+void holdSignal(void);
+void awaitSignal(void);
+
 int countDescriptors(void);
 /* Code of a file whose path holds `part`: a sanitizer may map such a file to read its symbols. */
 int isMapped(const char* part);

@@ -149,7 +149,7 @@ static void play(int load, double seconds) {
   }
 }
 
-/* Or exit() would end objects of LLVM's, which Mesa draws with, under the display thread. */
+/* A library that stays loaded leaves its windows open; all that were opened are to be closed. */
 static void closeWindows(void) {
   const double deadline = secondsNow() + 20;
   for (int i = 0; i < WINDOWS; ++i) library.destroyWindow(shows[i].name);

@@ -1,6 +1,7 @@
 /* elsewhere_host LIBRARY HOW: has the library unloaded on another thread than the one that made a synchronous window:
- * by a thread of its own ("thread"), or by the system's, because threaded windows are in the making ("making"). Nothing
- * may happen to the thread with the window when that gets messages later. */
+ * by a thread of its own ("thread"), by one that has made another such window ("both"), or by the system's, because
+ * threaded windows are in the making ("making"). Nothing may happen to the thread with the window when that gets
+ * messages later. */
 #include <windows.h>
 
 #include <string.h>
@@ -9,25 +10,25 @@
 
 static Library library;
 
-static DWORD WINAPI unload(void* unused) {
-  (void)unused;
-  unloadLibrary(&library);
-  return 0;
-}
-
-static void unloadElsewhere(void) {
-  const HANDLE thread = CreateThread(NULL, 0, unload, NULL, 0, NULL);
-  CHECK(thread != NULL);
-  CHECK(WaitForSingleObject(thread, 10000) == WAIT_OBJECT_0);
-  CloseHandle(thread);
-}
-
 static void show(WindowRequest request) {
   Frame frame;
   fillFrame(&frame, 0x3060C0);
   void* const block = createBlock(&library, request);
   updateBlock(&library, block, &frame);
   library.destroy(block);
+}
+
+static DWORD WINAPI unload(void* ownWindow) {
+  if (ownWindow != NULL) show((WindowRequest){ownWindow, 400, 100, 1, /*synchronous=*/1});
+  unloadLibrary(&library);
+  return 0;
+}
+
+static void unloadElsewhere(char* ownWindow) {
+  const HANDLE thread = CreateThread(NULL, 0, unload, ownWindow, 0, NULL);
+  CHECK(thread != NULL);
+  CHECK(WaitForSingleObject(thread, 10000) == WAIT_OBJECT_0);
+  CloseHandle(thread);
 }
 
 /* True unless the windows were made at once, and the library unloaded here. */
@@ -59,7 +60,8 @@ int main(int count, char** arguments) {
     CHECK(window != NULL);
     isDone = strcmp(arguments[2], "making") != 0 || unloadWhileWindowsAreMade();
   }
-  if (strcmp(arguments[2], "thread") == 0) unloadElsewhere();
+  if (strcmp(arguments[2], "thread") == 0) unloadElsewhere(NULL);
+  if (strcmp(arguments[2], "both") == 0) unloadElsewhere("elsewhere, too");
   CHECK(isUnloaded("framesink"));
   CHECK(areThreadsGone(0));
   CHECK(GetModuleHandleA("SDL2") != NULL);

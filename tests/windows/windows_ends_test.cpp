@@ -42,7 +42,7 @@ TEST_P(WindowsUnloading, EndsWindowsThreadAndSdlInTime) {
 class WindowsUnloadingElsewhere : public ManagedXTest,
                                   public testing::WithParamInterface<const char*> {};
 
-INSTANTIATE_TEST_SUITE_P(By, WindowsUnloadingElsewhere, testing::Values("thread", "making"),
+INSTANTIATE_TEST_SUITE_P(By, WindowsUnloadingElsewhere, testing::Values("thread", "both", "making"),
                          [](const auto& test) { return std::string(test.param); });
 
 TEST_P(WindowsUnloadingElsewhere, LeavesSynchronousWindowsAndSdl) {

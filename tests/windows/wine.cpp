@@ -11,7 +11,6 @@ class Wine : public testing::Environment {
  public:
   void SetUp() override {
     sharedXServer();
-    run("--stop");
     run("--start");
   }
   void TearDown() override { run("--stop"); }
