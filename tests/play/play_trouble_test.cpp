@@ -104,8 +104,9 @@ class Listener {
 };
 
 TEST(PlayDisplay, ThatAnswersIsUsed) {
-  const Listener server(std::string(1, '\0') + "/tmp/.X11-unix/X64998");
-  EXPECT_EQ(runIn(displays(":64998.0", ""), {"--frames", "1"}).status, 0);
+  const std::string number = std::to_string(100'000 + getpid());  // all tests share these names
+  const Listener server(std::string(1, '\0') + "/tmp/.X11-unix/X" + number);
+  EXPECT_EQ(runIn(displays(":" + number + ".0", ""), {"--frames", "1"}).status, 0);
 }
 
 TEST(PlayDisplay, OfWaylandThatAnswersIsUsed) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,8 +38,9 @@ std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-// In the child: becomes the program of `line`.
+// In the child: becomes the program of `line`, which does not outlive the test.
 [[noreturn]] void become(const Arguments& line) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::vector<char*> words;
   for (const std::string& word : line) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
