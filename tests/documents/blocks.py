@@ -1,5 +1,6 @@
 """The documents, and the code blocks in them."""
 
+import re
 from pathlib import Path
 from typing import NamedTuple
 
@@ -40,6 +41,11 @@ def blocks_in(document):
             else:
                 raise ValueError(f"{name_of(document)}:{number}: a block without an end")
             yield Block(name_of(document), number + 1, line.rstrip()[len(FENCE):], "".join(code))
+
+
+def running_text(document):
+    """What is in none of its blocks."""
+    return re.sub(f"^{FENCE}.*?^{FENCE}$", "", document.read_text(), flags=re.MULTILINE | re.DOTALL)
 
 
 def all_blocks():

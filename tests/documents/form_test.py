@@ -4,7 +4,7 @@ import re
 
 import pytest
 
-from blocks import DOCUMENTS, FENCE, all_blocks, each_block_in, name_of
+from blocks import DOCUMENTS, all_blocks, each_block_in, name_of, running_text
 
 LANGUAGES = {"c", "python", "sh", "text"}  # each has a file of tests here; text is looked at only
 COMMAND = re.compile(r"\s*(\$ |\./dev |build/|export |pip |python3 |cmake |ctest |cc |sudo |apt )")
@@ -17,8 +17,7 @@ def test_a_block_tells_a_language_that_is_run(block):
 
 @pytest.mark.parametrize("document", DOCUMENTS, ids=name_of)
 def test_code_is_fenced_not_indented(document):
-    text = re.sub(f"^{FENCE}.*?^{FENCE}$", "", document.read_text(), flags=re.MULTILINE | re.DOTALL)
-    assert re.findall(r"(?:\A|\n)[ \t]*\n((?: {4}|\t).*)", text) == []
+    assert re.findall(r"(?:\A|\n)[ \t]*\n((?: {4}|\t).*)", running_text(document)) == []
 
 
 @each_block_in("text")

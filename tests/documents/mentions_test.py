@@ -8,16 +8,12 @@ from pathlib import Path
 
 import pytest
 
-from blocks import DOCUMENTS, FENCE, ROOT, name_of
+from blocks import DOCUMENTS, ROOT, name_of, running_text
 from chores import is_chore
 
 BUILD = Path(os.environ["FRAMESINK_BUILD"])
 SOURCES = ["CMakeLists.txt", "CMakePresets.json", "bench", "bindings", "cmake", "include", "pixkit", "src", "tests",
            "tools"]
-
-
-def running_text(document):
-    return re.sub(f"^{FENCE}.*?^{FENCE}$", "", document.read_text(), flags=re.MULTILINE | re.DOTALL)
 
 
 def mentions(pattern):
