@@ -9,13 +9,12 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <filesystem>
 #include <string_view>
 
 #include "failure.hpp"
+#include "ffmpeg_log.hpp"
 #include "picture_scaler.hpp"
 #include "signals.hpp"
 
@@ -27,13 +26,6 @@ constexpr double kLongestInterval = 60;        // a longer step in time is a bre
 constexpr double kTimeGrain = 1e-6;            // seconds
 constexpr int kMostFirstNumber = 100'000;      // of a sequence of images
 constexpr std::int64_t kMostPixels = 1 << 27;  // of one frame
-
-// Set by FFmpeg's log, on any thread: some damage is told there only.
-std::atomic<bool> errorLogged{false};
-
-void listenToLog(void*, int level, const char*, va_list) {
-  if (level <= AV_LOG_ERROR) errorLogged = true;
-}
 
 struct Free {
   void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
@@ -69,8 +61,7 @@ class VideoSource final : public PictureSource {
  public:
   VideoSource(const std::string& path, double begin)
       : name_(path == "-" ? "standard input" : path) {
-    errorLogged = false;
-    av_log_set_callback(listenToLog);
+    const ErrorWatch watch(errorLogged_);
     if (!frame_ || !packet_) throw std::bad_alloc();
     open(path);
     width_ = frame_->width;
@@ -81,6 +72,7 @@ class VideoSource final : public PictureSource {
   // The first frame was decoded on opening.
   bool advance() override {
     if (frames_++ == 0) return true;
+    const ErrorWatch watch(errorLogged_);
     if (!decode()) return false;
     keepTime();
     return true;
@@ -96,6 +88,7 @@ class VideoSource final : public PictureSource {
   }
 
   Picture picture(Kind kind, bool deep) override {
+    const ErrorWatch watch(errorLogged_);
     const AVPixFmtDescriptor* pixels =
         av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame_->format));
     const bool wide = pixels != nullptr && pixels->comp[0].depth > 8;
@@ -107,8 +100,8 @@ class VideoSource final : public PictureSource {
   }
 
   std::string trouble() const override {
-    return damaged_ || errorLogged ? name_ + ": damaged or cut short, not all of it could be read"
-                                   : "";
+    return damaged_ || errorLogged_ ? name_ + ": damaged or cut short, not all of it could be read"
+                                    : "";
   }
 
  private:
@@ -138,7 +131,7 @@ class VideoSource final : public PictureSource {
     }
     start_ = frame_->best_effort_timestamp;
     damaged_ = false;
-    errorLogged = false;
+    errorLogged_ = false;
   }
 
   // To a picture at or before `seconds`, from which others can be decoded. False, with the stream
@@ -196,6 +189,7 @@ class VideoSource final : public PictureSource {
     stream_ = format_->streams[index];
     decoder_.reset(avcodec_alloc_context3(codec));
     if (!decoder_) throw std::bad_alloc();
+    flagErrorsOf(*decoder_, errorLogged_);
     decoder_->thread_count = 0;
     decoder_->max_pixels = kMostPixels;
     decoder_->pkt_timebase = stream_->time_base;
@@ -270,6 +264,7 @@ class VideoSource final : public PictureSource {
   }
 
   std::string name_;
+  ErrorFlag errorLogged_{false};  // outlives the decoder's threads
   Owned<AVFormatContext> format_;
   Owned<AVCodecContext> decoder_;
   Owned<AVFrame> frame_{av_frame_alloc()};
