@@ -12,6 +12,7 @@ namespace framesink::play {
 namespace {
 
 using testing::AllOf;
+using testing::EndsWith;
 using testing::Ge;
 using testing::HasSubstr;
 using testing::Le;
@@ -138,6 +139,25 @@ TEST(PlayLoop, EndsWhenTheFileHasAnotherSize) {
   const Outcome outcome = runPlayer({clip, "--loop"}, Setting{.meanwhile = replace});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.err, HasSubstr(clip + ": its size has changed\n"));
+}
+
+TEST(PlayLoop, OfAFileThatGoesAwayEndsWhileOthersPlayOn) {
+  const Scratch scratch;
+  const std::string gone = scratch.write("a.y4m", video(5, "25:1"));
+  const std::string stays = scratch.write("b.y4m", video(10, "10:1"));
+  const std::string dump = (scratch / "dump").string();
+  const auto remove = [&](pid_t, const std::vector<std::string>& calls) {
+    if (!calls.empty()) std::filesystem::remove(gone);
+  };
+  const Outcome outcome =
+      runPlayer({"--kind", "ycbcr422", "--stats=json", gone, "--loop", stays, "--dump-frame", dump},
+                Setting{.meanwhile = remove});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, EndsWith("\nframesink-play: " + gone + ": No such file or directory\n"));
+  EXPECT_THAT(outcome.out,
+              HasSubstr("b.y4m\",\"kind\":\"ycbcr422\",\"type\":\"uint8\",\"width\":16,"
+                        "\"height\":8,\"windows\":1,\"frames\":10,"));
+  EXPECT_EQ(scratch.read("dump"), std::string(16 * 8 * 2, 10));
 }
 
 // ---- Pace ----

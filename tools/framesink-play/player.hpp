@@ -18,7 +18,8 @@ class Player {
   Player(const std::vector<Options>& options, const Library& library,
          std::vector<std::unique_ptr<Source>> sources);
 
-  // Returns when every show is over, or when a signal asks for it. Throws Failure.
+  // Returns when every show is over, or when a signal asks for it. Throws Failure when the library
+  // has something to say.
   void run();
 
   const std::vector<std::unique_ptr<Show>>& shows() const { return shows_; }

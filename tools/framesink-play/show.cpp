@@ -49,7 +49,15 @@ void Show::start() {
 
 bool Show::isOver() const { return phase_ == Phase::kOver || !anyOpen(); }
 
-void Show::step() {
+void Show::step() try {
+  stepPhase();
+} catch (const Failure& failure) {
+  if (failure.status != kSourceTrouble) throw;
+  failure_ = failure.what();
+  begin(Phase::kOver, kNever);
+}
+
+void Show::stepPhase() {
   switch (phase_) {
     case Phase::kFrames:
       stepFrames();

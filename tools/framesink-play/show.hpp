@@ -34,11 +34,12 @@ class Show {
   // When step is to be called next.
   Clock::time_point due() const { return due_; }
 
-  // Does what is due: sends a frame, as a rule. Throws Failure.
+  // Does what is due: sends a frame, as a rule. A source that fails ends this show alone. Throws
+  // Failure of any other kind.
   void step();
 
-  // What the source found damaged; empty when all is well.
-  std::string trouble() const { return source_->trouble(); }
+  // What the source found damaged, or why it failed; empty when all is well.
+  std::string trouble() const { return failure_.empty() ? source_->trouble() : failure_; }
 
   // Of each kind and type that is shown.
   std::vector<Statistics> statistics() const;
@@ -49,6 +50,7 @@ class Show {
  private:
   enum class Phase { kFrames, kLastFrame, kHold, kOver };
 
+  void stepPhase();
   void begin(Phase phase, Clock::time_point due);
   void stepFrames();
   void stepHold();
@@ -78,6 +80,7 @@ class Show {
   double passBegin_ = 0;          // seconds that the source's earlier passes took
   std::uint64_t passFrames_ = 0;  // sent in this pass
   bool exhausted_ = false;        // the source has no further frame
+  std::string failure_;           // of the source, which ended the show
 };
 
 }  // namespace framesink::play
