@@ -128,6 +128,19 @@ TEST_F(PlaySources, ThatAreDamagedAreAllTold) {
                                     stub + ": its last frame is cut short, 2 of 4 bytes\n"));
 }
 
+TEST_F(PlaySources, AreAllToldOfWhenADumpCannotBeWritten) {
+  const std::string cut = scratch_.write("cut.raw", "aaaaa");
+  const std::string dump = (scratch_ / "dump").string();
+  const Outcome outcome = run(
+      {"--fps", "max", "--stats", a_, "--dump-frame", "/dev/full", b_, "--dump-frame", dump, cut});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(scratch_.read("dump"), "bbbb");
+  EXPECT_THAT(outcome.out, HasSubstr(cut + ": intensity uint8 2x2, 1 window\n"));
+  EXPECT_THAT(outcome.err, EndsWith("\nframesink-play: /dev/full: cannot be written\n"
+                                    "framesink-play: " +
+                                    cut + ": its last frame is cut short, 1 of 4 bytes\n"));
+}
+
 TEST_F(PlaySources, OneOfWhichIsMissingShowNothing) {
   const Outcome outcome = run({a_, "/nonexistent/b.raw"});
   EXPECT_EQ(outcome.status, 1);

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "command_line.hpp"
 #include "display_check.hpp"
@@ -18,16 +20,19 @@
 namespace framesink::play {
 namespace {
 
+constexpr const char* kUnwritable = ": cannot be written";
+
 // What is told after a signal is of no interest any more: the signal is why it ended.
 void tell(const std::string& what) {
   if (stopSignal() == 0) std::fprintf(stderr, "framesink-play: %s\n", what.c_str());
 }
 
-void printVersion(const ProgramOptions& options) {
+ExitStatus printVersion(const ProgramOptions& options) {
   std::cout << "framesink-play " << FRAMESINK_PLAY_VERSION << std::endl;
   const Library library(options.sharedLibrary);
   std::cout << "framesink " << library.version << " of " << library.buildDate << ", "
             << library.path() << std::endl;
+  return kPlayed;
 }
 
 std::vector<std::unique_ptr<Source>> openSources(const CommandLine& line) {
@@ -43,27 +48,16 @@ std::vector<std::ofstream> openDumps(const CommandLine& line) {
     std::ofstream& out = dumps.emplace_back();
     if (options.dumpFile.empty()) continue;
     out.open(options.dumpFile, std::ios::binary);
-    if (!out) throw Failure(kSourceTrouble, options.dumpFile + ": cannot be written");
+    if (!out) throw Failure(kSourceTrouble, options.dumpFile + kUnwritable);
   }
   return dumps;
 }
 
-void dump(const Show& show, std::ofstream& out, const std::string& path) {
-  if (!out.is_open()) return;
+// False when there was to be a dump that could not be written.
+bool dump(const Show& show, std::ofstream& out) {
+  if (!out.is_open()) return true;
   show.dump(out);
-  if (!out.flush()) throw Failure(kSourceTrouble, path + ": cannot be written");
-}
-
-// A line for each source that was damaged.
-void tellTrouble(const Player& player) {
-  std::string lines;
-  for (const auto& show : player.shows()) {
-    const std::string trouble = show->trouble();
-    if (trouble.empty()) continue;
-    if (!lines.empty()) lines += "\nframesink-play: ";
-    lines += trouble;
-  }
-  if (!lines.empty()) throw Failure(kSourceTrouble, lines);
+  return !out.flush().fail();
 }
 
 void printStatistics(const Player& player, const std::string& form) {
@@ -76,31 +70,36 @@ void printStatistics(const Player& player, const std::string& form) {
   std::cout.flush();  // before a signal ends the process
 }
 
-void play(const CommandLine& line) {
+// Returns a line for each source that was damaged and each dump that could not be written.
+std::vector<std::string> play(const CommandLine& line) {
   const Library library(line.program.sharedLibrary);
   auto sources = openSources(line);
   requireDisplay();
   auto dumps = openDumps(line);
   Player player(line.sources, library, std::move(sources));
   player.run();
+  std::vector<std::string> troubles;
   for (std::size_t i = 0; i < dumps.size(); ++i) {
-    dump(*player.shows()[i], dumps[i], line.sources[i].dumpFile);
+    const Show& show = *player.shows()[i];
+    if (!dump(show, dumps[i])) troubles.push_back(line.sources[i].dumpFile + kUnwritable);
+    if (const std::string trouble = show.trouble(); !trouble.empty()) troubles.push_back(trouble);
   }
   printStatistics(player, line.program.statistics);
-  tellTrouble(player);
+  return troubles;
+}
+
+ExitStatus playAndTell(const CommandLine& line) {
+  const std::vector<std::string> troubles = play(line);
+  for (const std::string& trouble : troubles) tell(trouble);
+  return troubles.empty() ? kPlayed : kSourceTrouble;
 }
 
 int run(int argc, char** argv) try {
   const auto line = parseCommandLine(argc, argv);
   if (!line) return kPlayed;
-  if (line->program.version) {
-    printVersion(line->program);
-  } else if (line->program.doctor) {
-    return runDoctor(line->program);
-  } else {
-    play(*line);
-  }
-  return kPlayed;
+  if (line->program.version) return printVersion(line->program);
+  if (line->program.doctor) return runDoctor(line->program);
+  return playAndTell(*line);
 } catch (const Failure& failure) {
   tell(failure.what());
   return failure.status;
