@@ -80,6 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"HugeModel", {"--size", "300x4097"}, "--size"},
                     WrongLine{"Position", {"--position", "10"}, "--position"},
                     WrongLine{"ZeroRate", {"--fps", "0"}, "--fps"},
+                    WrongLine{"HugeRate", {"--fps", "1.1e9"}, "--fps"},
                     WrongLine{"WordRate", {"--fps", "fast"}, "--fps"},
                     WrongLine{"InfiniteRate", {"--fps", "inf"}, "--fps"},
                     WrongLine{"NoFrames", {"--frames", "0"}, "--frames"},
@@ -90,6 +91,9 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"SeekInTheModel", {"--seek", "1"}, "need a FILE"},
                     WrongLine{"LoopOfTheModel", {"--loop"}, "need a FILE"},
                     WrongLine{"LoopOfAPipe", {"-", "--loop"}, "standard input"},
+                    WrongLine{"NamelessFile", {""}, "FILE: its name is empty"},
+                    WrongLine{"NamelessFileAmongOthers", {"a.mp4", ""}, "FILE: its name is empty"},
+                    WrongLine{"OnePipeTwice", {"-", "a.mp4", "-"}, "standard input"},
                     WrongLine{"Statistics", {"--stats=xml"}, "--stats"},
                     WrongLine{"NegativeHold", {"--hold", "-1"}, "--hold"}),
     [](const auto& instance) { return instance.param.name; });

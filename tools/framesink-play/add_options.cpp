@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kForever = std::numeric_limits<double>::infinity();
 constexpr double kMostSeconds = 1e8;
+constexpr double kMostRate = 1e9;  // frames per second
 constexpr int kMostWindows = 64;
 constexpr int kMostPixels = 20000;  // of a window, either way
 
@@ -47,9 +48,9 @@ void parseRaw(const std::string& text, Options& options) {
 }
 
 void parseRate(const std::string& text, Options& options) {
-  const auto rate = text == "max" ? kForever : finiteNumber(text).value_or(0);
-  if (rate < 1 / kMostSeconds) refuse("--fps", text, "\"max\" or a number above 0");
-  options.rate = rate;
+  options.rate = text == "max" ? kForever : finiteNumber(text).value_or(0);
+  const bool fits = options.rate >= 1 / kMostSeconds && options.rate <= kMostRate;
+  if (text != "max" && !fits) refuse("--fps", text, "\"max\" or a number above 0, up to 10^9");
 }
 
 double parseSeconds(const std::string& option, const std::string& text) {

@@ -120,6 +120,16 @@ bool names(const Words& words, const std::string& option) {
                              [&](const std::string& word) { return word.starts_with(option); });
 }
 
+void checkFiles(const std::vector<SourceWords>& sources) {
+  bool standardInput = false;
+  for (const SourceWords& own : sources) {
+    if (own.source.empty()) refuse("FILE: its name is empty");
+    if (own.source != "-") continue;
+    if (standardInput) refuse("FILE: standard input (-) can be played once only");
+    standardInput = true;
+  }
+}
+
 void checkDumps(const std::vector<Options>& sources) {
   std::set<std::string> files;
   for (const Options& options : sources) {
@@ -148,6 +158,7 @@ void finish(CommandLine& line) {
 
 std::optional<CommandLine> parseCommandLine(int argc, char** argv) {
   SplitLine line = splitLine(argc, argv);
+  checkFiles(line.sources);
   CommandLine result;
   if (line.sources.empty()) {
     result.sources.emplace_back();
