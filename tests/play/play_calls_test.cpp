@@ -72,6 +72,15 @@ TEST(PlayOptions, PlaceWindowsThreeInARow) {
                   HasSubstr("x=20 y=310 "), HasSubstr("x=440 y=310 ")));
 }
 
+TEST(PlayOptions, PlaceWindowsFarOutNoFartherThanTheyCan) {
+  const Outcome outcome = runPlayer({"--kind", "intensity", "--windows", "4", "--frames", "1",
+                                     "--position", "2147483600,2147483647"});
+  EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("x=2147483600 y=2147483647 "),
+                                                        HasSubstr("x=2147483647 y=2147483647 "),
+                                                        HasSubstr("x=2147483647 y=2147483647 "),
+                                                        HasSubstr("x=2147483600 y=2147483647 ")));
+}
+
 TEST(PlayOptions, KindAloneShowsTheModelInDoubles) {
   const Outcome outcome = runPlayer({"--kind", "intensity", "--frames", "1"});
   EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("framesink: intensity double")));

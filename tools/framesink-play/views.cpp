@@ -1,7 +1,9 @@
 #include "views.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 
 #include "failure.hpp"
 
@@ -42,15 +44,22 @@ std::string titleOf(const Options& options, const Look& look, int copy) {
   return copy == 0 ? title : title + " (" + std::to_string(copy + 1) + ")";
 }
 
+// `steps` further on, as far as coordinates go.
+int stepped(int from, int steps, int step) {
+  constexpr std::int64_t kFarthest = std::numeric_limits<int>::max();
+  return static_cast<int>(std::min(from + std::int64_t{steps} * step, kFarthest));
+}
+
 // The place of a source's window `number`, counted from 0; a single one is the system's.
 std::optional<Place> placeOf(const Options& options, int number, Extent frame) {
   if (!options.position && !options.isDemo() && options.windowsInAll == 1) return std::nullopt;
   if (!options.ownPosition) number += options.windowsBefore;
   const Place first = options.position.value_or(kFirstPlace);
   const Extent size = options.size.value_or(frame);
-  return Place{
-      first.x + number % kInRow * (std::min(size.width, kWidestStep.width) + kGap.width),
-      first.y + number / kInRow * (std::min(size.height, kWidestStep.height) + kGap.height)};
+  const Extent step{std::min(size.width, kWidestStep.width) + kGap.width,
+                    std::min(size.height, kWidestStep.height) + kGap.height};
+  return Place{stepped(first.x, number % kInRow, step.width),
+               stepped(first.y, number / kInRow, step.height)};
 }
 
 }  // namespace
