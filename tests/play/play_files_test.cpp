@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 
 #include "clips.hpp"
 #include "player_process.hpp"
@@ -293,6 +294,16 @@ TEST(PlayVideo, OnStandardInputIsRead) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.callsOf("libUpdate"), SizeIs(3));
   EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("title=\"standard input\"")));
+}
+
+TEST(PlayVideo, OnStandardInputIsReadBesideAFolderOfThatName) {
+  const Scratch scratch;
+  std::filesystem::create_directory(scratch / "-");
+  const Outcome outcome =
+      runPlayer({"-", "--fps", "max"}, Setting{.input = scratch.write("a.y4m", video(3, "25:1")),
+                                               .folder = (scratch / "").string()});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.callsOf("libUpdate"), SizeIs(3));
 }
 
 TEST(PlayVideo, WhoseFramesChangeTheirSizeKeepsTheFirst) {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <string>
 
 #include "player_process.hpp"
@@ -136,6 +137,16 @@ TEST(PlayRaw, OnStandardInputIsReadFrameByFrame) {
   EXPECT_THAT(outcome.callsOf("libUpdate"), SizeIs(3));
   EXPECT_EQ(outcome.frame, "cccc");
   EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("title=\"standard input\"")));
+}
+
+TEST(PlayRaw, OnStandardInputIsReadBesideAFolderOfThatName) {
+  const Scratch scratch;
+  std::filesystem::create_directory(scratch / "-");
+  const Outcome outcome = runPlayer(
+      {"-", "--raw", "2x2:uint8:intensity", "--hold", "0"},
+      Setting{.input = scratch.write("a.raw", "abcd"), .folder = (scratch / "").string()});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.frame, "abcd");
 }
 
 TEST(PlayRaw, Has25FramesPerSecond) {

@@ -138,6 +138,7 @@ Outcome runPlayer(const Arguments& arguments, const Setting& setting) {
     redirect(2, setting.terminal ? fs::path(terminal.farEnd()) : scratch / "err",
              O_WRONLY | O_CREAT | O_NOCTTY);
     applyEnvironment(environment);
+    if (!setting.folder.empty() && chdir(setting.folder.c_str()) != 0) _exit(125);
     become(line);
   }
 

@@ -53,6 +53,7 @@ struct Setting {
   bool terminal = false;          // standard error is a terminal
   bool stubLibrary = true;        // adds --library with the stub
   std::vector<int> ignored = {};  // signals ignored from the start
+  std::string folder = {};        // that it works in; empty: the test's
   // Seconds after the first frame at which the user closes all windows; negative: never.
   double closeAfter = -1;
   // Called again and again while the player runs, with its id and the calls so far.

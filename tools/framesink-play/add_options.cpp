@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "failure.hpp"
+#include "input_file.hpp"
 #include "loader.hpp"
 #include "model_source.hpp"
 #include "numbers.hpp"
@@ -192,7 +193,7 @@ void checkTime(const Options& options) {
   if (options.source.empty() && (options.loop || options.seek > 0)) {
     throw Failure(kUsageTrouble, "--seek and --loop need a FILE; the model is live and has no end");
   }
-  if (options.source == "-" && options.loop) {
+  if (isStandardInput(options.source) && options.loop) {
     throw Failure(kUsageTrouble, "--loop: standard input cannot be played again");
   }
 }

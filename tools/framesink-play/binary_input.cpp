@@ -12,6 +12,7 @@
 #include <unistd.h>
 #endif
 
+#include "input_file.hpp"
 #include "signals.hpp"
 
 namespace framesink::play {
@@ -47,8 +48,8 @@ auto readSome(int descriptor, void* to, std::size_t count) { return read(descrip
 }  // namespace
 
 BinaryInput::BinaryInput(const std::string& path)
-    : descriptor_(path == "-" ? standardInput() : openFile(path.c_str())),
-      owned_(path != "-"),
+    : descriptor_(isStandardInput(path) ? standardInput() : openFile(path.c_str())),
+      owned_(!isStandardInput(path)),
       error_(descriptor_ < 0 ? errno : 0) {}
 
 BinaryInput::~BinaryInput() {

@@ -7,6 +7,7 @@
 
 #include "add_options.hpp"
 #include "failure.hpp"
+#include "input_file.hpp"
 #include "numbers.hpp"
 
 namespace framesink::play {
@@ -124,7 +125,7 @@ void checkFiles(const std::vector<SourceWords>& sources) {
   bool standardInput = false;
   for (const SourceWords& own : sources) {
     if (own.source.empty()) refuse("FILE: its name is empty");
-    if (own.source != "-") continue;
+    if (!isStandardInput(own.source)) continue;
     if (standardInput) refuse("FILE: standard input (-) can be played once only");
     standardInput = true;
   }

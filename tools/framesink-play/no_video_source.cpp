@@ -1,11 +1,11 @@
 // Stands in for video_source.cpp where FFmpeg's libraries are not wanted.
-#include "failure.hpp"
+#include "input_file.hpp"
 #include "video_source.hpp"
 
 namespace framesink::play {
 
 std::unique_ptr<Source> makeVideoSource(const std::string& path, double) {
-  throw Failure(kSourceTrouble, path + ": cannot be read, this player was built without FFmpeg");
+  failFor(path, "cannot be read, this player was built without FFmpeg");
 }
 
 }  // namespace framesink::play

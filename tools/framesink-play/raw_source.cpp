@@ -2,12 +2,11 @@
 
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <vector>
 
 #include "binary_input.hpp"
-#include "failure.hpp"
 #include "frame_planes.hpp"
+#include "input_file.hpp"
 
 namespace framesink::play {
 namespace {
@@ -15,15 +14,14 @@ namespace {
 class RawSource final : public Source {
  public:
   RawSource(const std::string& path, const RawForm& form, double interval, std::uint64_t skipped)
-      : name_(path == "-" ? "standard input" : path),
+      : path_(path),
         form_(form),
         interval_(interval),
         skipped_(skipped),
         frame_(form.frameBytes()),
         input_(path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) fail("is a directory");
-    if (!input_.isOpen()) fail(std::strerror(input_.error()));
+    refuseFolder(path_);
+    if (!input_.isOpen()) failFor(path_, std::strerror(input_.error()));
   }
 
   bool advance() override {
@@ -46,13 +44,11 @@ class RawSource final : public Source {
     }
   }
 
-  std::string trouble() const override { return trouble_.empty() ? "" : name_ + ": " + trouble_; }
-
- private:
-  [[noreturn]] void fail(const std::string& what) const {
-    throw Failure(kSourceTrouble, name_ + ": " + what);
+  std::string trouble() const override {
+    return trouble_.empty() ? "" : nameOf(path_) + ": " + trouble_;
   }
 
+ private:
   // Reads one frame; false at the end, which is to come between two frames.
   bool read() {
     const std::size_t got = input_.read(frame_.data(), frame_.size());
@@ -66,7 +62,7 @@ class RawSource final : public Source {
     return false;
   }
 
-  std::string name_;
+  std::string path_;
   RawForm form_;
   double interval_;
   std::uint64_t skipped_;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "failure.hpp"
+#include "input_file.hpp"
 #include "open_source.hpp"
 #include "signals.hpp"
 
@@ -49,9 +50,7 @@ void Show::start() {
 
 bool Show::isOver() const { return phase_ == Phase::kOver || !anyOpen(); }
 
-void Show::step() try {
-  stepPhase();
-} catch (const Failure& failure) {
+void Show::step() try { stepPhase(); } catch (const Failure& failure) {
   if (failure.status != kSourceTrouble) throw;
   failure_ = failure.what();
   begin(Phase::kOver, kNever);
@@ -109,7 +108,7 @@ bool Show::startAgain() {
   passFrames_ = 0;
   auto again = atFirstFrame(openSource(options_));
   if (again->width() != source_->width() || again->height() != source_->height()) {
-    throw Failure(kSourceTrouble, options_.source + ": its size has changed");
+    failFor(options_.source, "its size has changed");
   }
   source_ = std::move(again);
   return true;

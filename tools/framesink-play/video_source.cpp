@@ -15,6 +15,7 @@ extern "C" {
 
 #include "failure.hpp"
 #include "ffmpeg_log.hpp"
+#include "input_file.hpp"
 #include "picture_scaler.hpp"
 #include "signals.hpp"
 
@@ -59,14 +60,13 @@ bool isSequence(const std::string& path) {
 
 class VideoSource final : public PictureSource {
  public:
-  VideoSource(const std::string& path, double begin)
-      : name_(path == "-" ? "standard input" : path) {
+  VideoSource(const std::string& path, double begin) : path_(path) {
     const ErrorWatch watch(errorLogged_);
     if (!frame_ || !packet_) throw std::bad_alloc();
-    open(path);
+    open();
     width_ = frame_->width;
     height_ = frame_->height;
-    if (begin > 0) seek(path, begin);
+    if (begin > 0) seek(begin);
   }
 
   // The first frame was decoded on opening.
@@ -100,21 +100,19 @@ class VideoSource final : public PictureSource {
   }
 
   std::string trouble() const override {
-    return damaged_ || errorLogged_ ? name_ + ": damaged or cut short, not all of it could be read"
-                                    : "";
+    if (!damaged_ && !errorLogged_) return "";
+    return nameOf(path_) + ": damaged or cut short, not all of it could be read";
   }
 
  private:
-  [[noreturn]] void fail(const std::string& what) const {
-    throw Failure(kSourceTrouble, name_ + ": " + what);
-  }
+  [[noreturn]] void fail(const std::string& what) const { failFor(path_, what); }
 
   // Comes to the first picture.
-  void open(const std::string& path) {
+  void open() {
     drained_ = false;
     decoder_.reset();
     format_.reset();
-    openFile(path);
+    openFile();
     openDecoder();
     if (!decode()) fail("no picture could be read from it");
     start_ = frame_->best_effort_timestamp;
@@ -122,8 +120,8 @@ class VideoSource final : public PictureSource {
 
   // Moves on to the picture that is due `seconds` after the first one, which is due at 0 from then
   // on. What is left out is not looked at for damage.
-  void seek(const std::string& path, double seconds) {
-    if (!jump(seconds)) open(path);
+  void seek(double seconds) {
+    if (!jump(seconds)) open();
     double place = placeOf(0);
     while (place < seconds - kTimeGrain) {
       if (!decode()) fail("ends before the place that --seek asks for");
@@ -155,24 +153,24 @@ class VideoSource final : public PictureSource {
     return (static_cast<double>(stamp) - static_cast<double>(start_)) * av_q2d(stream_->time_base);
   }
 
-  void openFile(const std::string& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) fail("is a directory");
+  void openFile() {
+    refuseFolder(path_);
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr) throw std::bad_alloc();
     format->interrupt_callback.callback = [](void*) { return stopSignal() != 0 ? 1 : 0; };
     // Play lists are not to reach beyond this machine's files.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file,pipe", 0);
-    const bool sequence = isSequence(path);
+    const bool sequence = isSequence(path_);
     av_dict_set(&options, "pattern_type", sequence ? "sequence" : "none", 0);
     if (sequence) av_dict_set_int(&options, "start_number_range", kMostFirstNumber, 0);
-    const std::string url = path == "-" ? "pipe:0" : "file:" + path;
+    const std::string url = isStandardInput(path_) ? "pipe:0" : "file:" + path_;
     const int error = avformat_open_input(&format, url.c_str(), nullptr, &options);
     av_dict_free(&options);
     if (error == AVERROR_INVALIDDATA) fail("not a video or an image");
     if (isOfTheSystem(error)) fail(messageOf(error));
-    if (error < 0 && path == "-") fail("damaged, cut short, or not to be read from a pipe");
+    if (error < 0 && isStandardInput(path_))
+      fail("damaged, cut short, or not to be read from a pipe");
     if (error < 0) fail("damaged or cut short, nothing can be read");
     format_.reset(format);
   }
@@ -263,7 +261,7 @@ class VideoSource final : public PictureSource {
     if (!sensible && stamped) shift_ += time_ - told;
   }
 
-  std::string name_;
+  std::string path_;
   ErrorFlag errorLogged_{false};  // outlives the decoder's threads
   Owned<AVFormatContext> format_;
   Owned<AVCodecContext> decoder_;

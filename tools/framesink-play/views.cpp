@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "failure.hpp"
+#include "input_file.hpp"
 
 namespace framesink::play {
 namespace {
@@ -36,7 +37,7 @@ std::vector<Look> looksOf(const Options& options) {
 std::string titleOf(const Options& options, const Look& look, int copy) {
   std::string title = options.title;
   if (title.empty() && options.source.empty()) title = "framesink";
-  if (title.empty() && options.source == "-") title = "standard input";
+  if (title.empty() && isStandardInput(options.source)) title = nameOf(options.source);
   if (title.empty()) title = std::filesystem::path(options.source).filename().string();
   if (options.isDemo() || (options.source.empty() && options.title.empty())) {
     title += std::string(": ") + infoOf(look.kind).label + " " + look.type->name;
