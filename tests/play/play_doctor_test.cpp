@@ -20,13 +20,27 @@ TEST(PlayDoctor, TellsWhatIsHereAndThatAllIsWell) {
                 Setting{.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}, .stubLibrary = false});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, StartsWith("framesink-play " PLAY_VERSION "\n"));
-  for (const char* part :
-       {"library: " REAL_LIBRARY "\n", "  version: " PLAY_VERSION " of ", "all 14", "SDL: 2.",
-        "  video drivers:", " dummy", "SDL_VIDEODRIVER: dummy", "  double: 0 to 1\n",
-        "  int8: -128 to 127\n", "  uint32: 0 to 4294967295\n", "  boolean: 0 to 1\n",
-        "test window: open after a second, 320x240 at ", "  video driver in use: dummy\n",
-        "    SDL_FRAMEBUFFER_ACCELERATION: 0\n", "    SDL_NO_SIGNAL_HANDLERS: 1\n",
-        "  host time   "}) {
+  for (const char* part : {"library: " REAL_LIBRARY "\n",
+                           "  version: " PLAY_VERSION " of ",
+                           "all 14",
+                           "SDL: 2.",
+                           "  video drivers:",
+                           " dummy",
+                           "SDL_VIDEODRIVER: dummy",
+                           "  double: 0 to 1\n",
+                           "  single: 0 to 1\n",
+                           "  int8: -128 to 127\n",
+                           "  uint8: 0 to 255\n",
+                           "  int16: -32768 to 32767\n",
+                           "  uint16: 0 to 65535\n",
+                           "  int32: -2147483648 to 2147483647\n",
+                           "  uint32: 0 to 4294967295\n",
+                           "  boolean: 0 to 1\n",
+                           "test window: open after a second, 320x240 at ",
+                           "  video driver in use: dummy\n",
+                           "    SDL_FRAMEBUFFER_ACCELERATION: 0\n",
+                           "    SDL_NO_SIGNAL_HANDLERS: 1\n",
+                           "  host time   "}) {
     EXPECT_THAT(outcome.out, HasSubstr(part));
   }
   EXPECT_THAT(outcome.out, EndsWith("verdict: all is well\n"));

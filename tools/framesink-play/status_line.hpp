@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <deque>
 
-#include "frame_times.hpp"
+#include "time_histogram.hpp"
 
 namespace framesink::play {
 
@@ -35,7 +35,7 @@ class StatusLine {
 
   bool terminal_;
   std::uint64_t frames_ = 0;
-  FrameTimes updates_;
+  TimeHistogram updates_;
   std::deque<Clock::time_point> lastSecond_;  // when the latest frames were sent
   Clock::time_point first_;
   Clock::time_point last_;
