@@ -11,6 +11,8 @@
 #include "loader.hpp"
 #include "model_source.hpp"
 #include "player.hpp"
+#include "sample_type.hpp"
+#include "views.hpp"
 
 namespace framesink::play {
 namespace {
@@ -65,30 +67,24 @@ void tellSdl() {
 }
 
 // The symbols are static data of the template videoTraits.
-template <class Sample>
 void tellRange(const SampleType& type) {
   const std::string stem = "_ZN11videoTraitsILi" + std::to_string(type.id) + "EE3";
-  const auto* least = static_cast<const Sample*>(findLoaded(kPixkitName, (stem + "minE").c_str()));
-  const auto* most = static_cast<const Sample*>(findLoaded(kPixkitName, (stem + "maxE").c_str()));
+  const void* least = findLoaded(kPixkitName, (stem + "minE").c_str());
+  const void* most = findLoaded(kPixkitName, (stem + "maxE").c_str());
   std::cout << "  " << type.name << ": ";
   if (least == nullptr || most == nullptr) {
     std::cout << "not found in the process\n";
-  } else {
-    std::cout << +*least << " to " << +*most << '\n';
+    return;
   }
+  type.print(std::cout, least);
+  std::cout << " to ";
+  type.print(std::cout, most);
+  std::cout << '\n';
 }
 
 void tellRanges() {
   std::cout << "pixkit ranges:\n";
-  tellRange<double>(*findSampleType("double"));
-  tellRange<float>(*findSampleType("single"));
-  tellRange<std::int8_t>(*findSampleType("int8"));
-  tellRange<std::uint8_t>(*findSampleType("uint8"));
-  tellRange<std::int16_t>(*findSampleType("int16"));
-  tellRange<std::uint16_t>(*findSampleType("uint16"));
-  tellRange<std::int32_t>(*findSampleType("int32"));
-  tellRange<std::uint32_t>(*findSampleType("uint32"));
-  tellRange<std::uint8_t>(*findSampleType("boolean"));
+  for (const SampleType& type : sampleTypes()) tellRange(type);
 }
 
 // While SDL is up.
@@ -115,8 +111,9 @@ bool tryWindow(const Library& library) {
   Player player(options, library, std::move(sources));
   player.run();
   std::array<std::int32_t, 2> place{-2, -2}, size{-2, -2};
-  library.getWindowPosSize("framesink-play 1", place.data(), size.data());
-  const bool open = library.isPlayerOpen("framesink-play 1") != 0 && size[0] > 0;
+  const std::string name = windowName(1);
+  library.getWindowPosSize(name.c_str(), place.data(), size.data());
+  const bool open = library.isPlayerOpen(name.c_str()) != 0 && size[0] > 0;
   std::cout << "test window: " << (open ? "open" : "closed") << " after a second, " << size[0]
             << 'x' << size[1] << " at " << place[0] << ',' << place[1] << '\n';
   tellHints();

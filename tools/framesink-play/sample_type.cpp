@@ -82,9 +82,16 @@ using BitsOf = std::conditional_t<
     std::conditional_t<kBytes == 2, std::uint16_t,
                        std::conditional_t<kBytes == 4, std::uint32_t, std::uint64_t>>>;
 
+// A boolean may be any byte here.
+template <class Sample>
+void print(std::ostream& out, const void* sample) {
+  using Number = std::conditional_t<std::is_same_v<Sample, bool>, std::uint8_t, Sample>;
+  out << +*static_cast<const Number*>(sample);
+}
+
 template <class Sample>
 constexpr SampleType sampleType(const char* name, std::uint32_t id) {
-  return {name, id, sizeof(Sample), store<Sample>, copy<BitsOf<sizeof(Sample)>>};
+  return {name, id, sizeof(Sample), store<Sample>, copy<BitsOf<sizeof(Sample)>>, print<Sample>};
 }
 
 constexpr std::array kSampleTypes{

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ostream>
 #include <span>
 #include <string_view>
 
@@ -31,6 +32,8 @@ struct SampleType {
   void (*store)(const Component& component, Layout layout, void* plane);
   // Writes samples of the type as a plane, bit for bit.
   void (*copy)(const SampleGrid& samples, Layout layout, void* plane);
+  // Writes one sample as a number.
+  void (*print)(std::ostream& out, const void* sample);
 };
 
 std::span<const SampleType> sampleTypes();

@@ -65,6 +65,8 @@ std::optional<Place> placeOf(const Options& options, int number, Extent frame) {
 
 }  // namespace
 
+std::string windowName(int number) { return "framesink-play " + std::to_string(number); }
+
 std::vector<View> openViews(const Options& options, const Library& library, const Source& source) {
   std::vector<View> views;
   int number = 0;
@@ -74,8 +76,7 @@ std::vector<View> openViews(const Options& options, const Library& library, cons
     View view{{look.kind, *look.type, options.layout, width, source.height()}, {}};
     for (int copy = 0; copy < options.windows; ++copy, ++number) {
       const bool first = number == 0 && (options.ownFullscreen || options.windowsBefore == 0);
-      const int nameNumber = options.windowsBefore + number + 1;
-      const WindowSettings settings{.name = "framesink-play " + std::to_string(nameNumber),
+      const WindowSettings settings{.name = windowName(options.windowsBefore + number + 1),
                                     .title = titleOf(options, look, copy),
                                     .position = placeOf(options, number, {width, source.height()}),
                                     .size = options.size,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "block_window.hpp"
@@ -22,6 +23,9 @@ struct View {
       nullptr;                   // of the first window, when all is to be measured
   TimeHistogram hostTimes = {};  // of frames sent
 };
+
+// The name by which the library knows window `number` of the player, counted from 1.
+std::string windowName(int number);
 
 // Opens all windows that the options ask for. The source must be at a frame. Throws Failure.
 std::vector<View> openViews(const Options& options, const Library& library, const Source& source);
