@@ -17,7 +17,7 @@ class BinaryInput {
   bool isOpen() const { return descriptor_ >= 0; }
 
   // Reads `count` bytes and returns how many there were: fewer at the end of the input, after an
-  // error, or when the player is asked to stop.
+  // error, or when the player is asked to stop; on Windows a pipe has to bring bytes first.
   std::size_t read(std::byte* to, std::size_t count);
 
   // Of the latest failure, as errno has it; 0: none.

@@ -17,7 +17,8 @@ constexpr const char* kDescription =
     "Shows a live model, videos, images or raw samples in framesink's windows, as a host would.";
 constexpr const char* kUsage =
     "Usage: framesink-play [OPTIONS] [FILE [OPTIONS]]...\n"
-    "Options before the first FILE hold for all of them, those after a FILE for that one only.\n";
+    "Options before the first FILE hold for all of them, those after a FILE for that one only;\n"
+    "--library, --stats, --doctor and --version hold for the program wherever they stand.\n";
 constexpr const char* kFooter =
     "Exit status:\n"
     "  0  played to the end, or every window was closed\n"

@@ -12,7 +12,7 @@ namespace framesink::play {
 
 // Opens a file, or standard input for "-". Frames are due `interval` seconds apart; `skipped` of
 // them are read and left out at the beginning. Throws Failure when it cannot be opened. A read that
-// is waiting for its input ends when the player is asked to stop.
+// is waiting for its input ends when the player is asked to stop; on Windows one of a pipe waits on.
 std::unique_ptr<Source> makeRawSource(const std::string& path, const RawForm& form, double interval,
                                       std::uint64_t skipped);
 
