@@ -6,6 +6,12 @@
 
 #include "clips.hpp"
 #include "player_process.hpp"
+#include "support/wait_until.hpp"
+#include "video_source.hpp"
+
+extern "C" {
+#include <libavutil/cpu.h>
+}
 
 namespace framesink::play {
 namespace {
@@ -50,6 +56,26 @@ TEST_F(PlayDamage, EndsNoOtherSourcesLoopAndIsNotForgottenByIt) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.out, HasSubstr("\"frames\":12,"));
   EXPECT_THAT(outcome.err, EndsWith("\nframesink-play: " + cut_ + kDamaged));
+}
+
+// The last of nine pictures is noise, which takes a decoder long, and damaged near its end: a thread
+// of FFmpeg finds that after the source has handed out an earlier picture.
+TEST(PlayDamageOnAThread, IsToldOfTheSourceWhoseDecoderFoundIt) {
+  if (av_cpu_count() < 2) GTEST_SKIP() << "with one processor FFmpeg uses no threads";
+  const Scratch scratch;
+  const std::string path = (scratch / "a.avi").string();
+  makeWithFfmpeg({"-filter_complex",
+                  "color=black:size=640x480:rate=10:duration=0.8[black];"
+                  "color=gray:size=640x480:rate=10:duration=0.1,noise=alls=100[noise];"
+                  "[black][noise]concat",
+                  "-c:v", "mpeg4", "-g", "1", "-qscale", "1", path});
+  std::string content = scratch.read("a.avi");
+  content.replace(content.size() * 9 / 10, 64, 64, '\x55');
+  scratch.write("a.avi", content);
+
+  const auto source = makeVideoSource(path, 0);
+  for (int i = 0; i < 7; ++i) ASSERT_TRUE(source->advance());
+  EXPECT_TRUE(test::waitUntil([&] { return !source->trouble().empty(); }));
 }
 
 }  // namespace
