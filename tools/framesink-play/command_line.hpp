@@ -15,8 +15,8 @@ struct CommandLine {
 };
 
 // Reads the command line. Options before the first FILE hold for all of them, those after a FILE
-// for that one only, except those of the program. Nothing when the user only asked for help, which is then printed. Throws
-// Failure for what cannot be understood.
+// for that one only, except those of the program. Nothing when the user only asked for help, which
+// is then printed. Throws Failure for what cannot be understood.
 std::optional<CommandLine> parseCommandLine(int argc, char** argv);
 
 }  // namespace framesink::play

@@ -1,5 +1,5 @@
-// Plays all sources of a command line at the same time, on one thread: while one of them waits for its
-// input, the others stand still, and closed windows go unnoticed.
+// Plays all sources of a command line at the same time, on one thread: while one of them waits for
+// its input, the others stand still, and closed windows go unnoticed.
 #pragma once
 
 #include <memory>
