@@ -19,7 +19,6 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
-using testing::SizeIs;
 
 constexpr const char* kDamaged = ": damaged or cut short, not all of it could be read\n";
 
