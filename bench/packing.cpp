@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "display/texture_packing.hpp"
+#include "simd/texture_packing.hpp"
 
 namespace framesink::bench {
 
@@ -11,7 +11,7 @@ Packing::Packing() {
   for (std::uint8_t& byte : frame) byte = static_cast<std::uint8_t>(random());
 }
 
-void Packing::run() { copyPlanesToTexture(frame.data(), pixels.data(), {kWidth, kHeight}); }
+void Packing::run() { copyPlanesToTexture(frame.data(), pixels.data(), kWidth, kHeight); }
 
 bool Packing::isRight() {
   run();

@@ -10,7 +10,7 @@ target_compile_options(framesink_warnings INTERFACE
   # A UNIQUE symbol would keep the library mapped after dlclose.
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-fno-gnu-unique>)
 
-# For what takes locks: see src/display/thread_safety.hpp.
+# For what takes locks: see src/process/thread_safety.hpp.
 add_library(framesink_lock_checks INTERFACE)
 target_compile_options(framesink_lock_checks INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety;-Werror=thread-safety>)

@@ -7,9 +7,9 @@
 #include "block/error_text.hpp"
 #include "block/frame_sink_block.hpp"
 #include "block/pending_error.hpp"
-#include "display/host_calls.hpp"
 #include "display/video_window_registry.hpp"
 #include "framesink/framesink.h"
+#include "process/host_calls.hpp"
 
 namespace {
 
@@ -19,6 +19,11 @@ using framesink::VideoWindow;
 using framesink::videoWindowRegistry;
 
 std::string text(const char* hostText) { return hostText == nullptr ? "" : hostText; }
+
+framesink::Size frameSizeOf(const InputDescription* description) {
+  if (description == nullptr) return {};
+  return {description->widths[0], description->heights[0]};
+}
 
 void reportPendingError(char* errorMessage) {
   if (framesink::isErrorPending()) {
@@ -49,17 +54,18 @@ void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName
   const HostCall call;
   if (!call) return nullptr;
   auto block = std::make_unique<FrameSinkBlock>(
-      framesink::BlockSettings{.playerName = text(playerName),
-                               .hostContext = hostContext,
-                               .windowTitle = text(windowTitle),
-                               .fullscreen = fullscreen != 0,
-                               .openAtStart = openAtStart != 0,
-                               .windowPosition = {windowX, windowY},
-                               .useWindowSize = useWindowSize,
-                               .windowSize = {windowWidth, windowHeight},
-                               .inputConversion = inputConversion,
-                               .allocatePlaneBuffers = allocatePlaneBuffers != 0,
-                               .synchronous = synchronous},
+      framesink::BlockSettings{
+          .hostContext = hostContext,
+          .setup = {.name = text(playerName),
+                    .window = {.title = text(windowTitle),
+                               .frameSize = frameSizeOf(description),
+                               .geometry = {{windowX, windowY}, {windowWidth, windowHeight}},
+                               .useWindowSize = useWindowSize != 0,
+                               .fullscreen = fullscreen != 0},
+                    .openNow = openAtStart != 0,
+                    .synchronous = synchronous != 0},
+          .inputConversion = inputConversion,
+          .allocatePlaneBuffers = allocatePlaneBuffers != 0},
       description);
   try {
     block->start();
@@ -98,11 +104,11 @@ void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* pos
   controlWindows([&](auto& registry) {
     VideoWindow* window = registry.findVideoWindow(text(name));
     if (window == nullptr) return;
-    const framesink::Size frameSize = window->frameSize();
-    const bool useSize = fullscreen != 0 || useWindowSize != 0;
-    registry.openVideoWindow(*window, frameSize, fullscreen != 0,
-                             useSize ? framesink::Size{size[0], size[1]} : frameSize,
-                             {position[0], position[1]});
+    registry.openVideoWindow(*window, {.title = window->name,
+                                       .frameSize = window->frameSize(),
+                                       .geometry = {{position[0], position[1]}, {size[0], size[1]}},
+                                       .useWindowSize = useWindowSize != 0,
+                                       .fullscreen = fullscreen != 0});
   });
 }
 

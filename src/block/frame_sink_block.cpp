@@ -30,15 +30,7 @@ std::int32_t FrameSinkBlock::inputKind() const {
 void FrameSinkBlock::start() {
   if (input().dataType >= kDataTypeCount) throw "Unsupported video data type";
   conversionKernel_ = selectConversionKernel(inputKind(), kOutputRgbPlanes, input().dataType);
-  videoWindowRegistry().setupVideoWindow({.name = settings_.playerName,
-                                          .title = settings_.windowTitle,
-                                          .frameSize = frameSize(),
-                                          .fullscreen = settings_.fullscreen,
-                                          .position = settings_.windowPosition,
-                                          .useWindowSize = settings_.useWindowSize,
-                                          .windowSize = settings_.windowSize,
-                                          .openNow = settings_.openAtStart,
-                                          .synchronous = settings_.synchronous});
+  videoWindowRegistry().setupVideoWindow(settings_.setup);
 }
 
 void FrameSinkBlock::update(const void* plane1, const void* plane2, const void* plane3,
@@ -56,7 +48,7 @@ void FrameSinkBlock::update(const void* plane1, const void* plane2, const void* 
   if (complete) {
     outputFrame(planes[0], planes[1], planes[2]);
   } else {
-    deliver(kNoPlayerId, nullptr);
+    deliver(kNoPlayer, nullptr);
   }
 }
 
@@ -115,9 +107,9 @@ bool FrameSinkBlock::convert(Planes& planes) const {
 // Without a record, or with one that another block has set up for frames of another size, there is
 // nowhere to convert to.
 void FrameSinkBlock::outputFrame(const void* plane1, const void* plane2, const void* plane3) {
-  const VideoWindow* window = videoWindowRegistry().findVideoWindow(settings_.playerName);
+  const VideoWindow* window = videoWindowRegistry().findVideoWindow(settings_.setup.name);
   if (window == nullptr || window->frameSize() != frameSize()) {
-    deliver(kNoPlayerId, nullptr);
+    deliver(kNoPlayer, nullptr);
     return;
   }
   std::uint8_t* target = window->frameBuffer.get();
@@ -127,8 +119,8 @@ void FrameSinkBlock::outputFrame(const void* plane1, const void* plane2, const v
 }
 
 // A synchronous server drains its events even when there is no frame.
-void FrameSinkBlock::deliver(std::int32_t playerId, const std::uint8_t* frame) const {
-  SdlServer* server = existingServer(settings_.synchronous != 0);
+void FrameSinkBlock::deliver(PlayerId playerId, const std::uint8_t* frame) const {
+  SdlServer* server = existingServer(settings_.setup.synchronous);
   if (server != nullptr) server->deliverFrame(playerId, frame, frameSize());
 }
 

@@ -4,27 +4,21 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 #include "block/pk_output_converter.hpp"
 #include "convert/kernel_selection.hpp"
 #include "display/geometry.hpp"
+#include "display/player_id.hpp"
+#include "display/window_request.hpp"
 
 namespace framesink {
 
 // What libCreate receives.
 struct BlockSettings {
-  std::string playerName;
-  std::uint64_t hostContext = 0;
-  std::string windowTitle;
-  bool fullscreen = false;
-  bool openAtStart = false;
-  Position windowPosition;
-  std::uint8_t useWindowSize = 0;
-  Size windowSize;
+  std::uint64_t hostContext = 0;  // kept for the host; nothing reads it
+  WindowSetup setup;
   std::uint32_t inputConversion = 0;
   bool allocatePlaneBuffers = false;
-  std::uint8_t synchronous = 0;
 };
 
 // Host thread only. The window and its record belong to the registry and outlive the block.
@@ -52,13 +46,13 @@ class FrameSinkBlock final : public PKOutputConverter {
  private:
   using Planes = std::array<const void*, 3>;
 
-  Size frameSize() const { return {input().widths[0], input().heights[0]}; }
+  Size frameSize() const { return settings_.setup.window.frameSize; }
   bool isPlaneNeeded(std::size_t plane) const;
   void splitPlanes(Planes& planes, Size size) const;
   bool centre(Planes& planes, Size size) const;
   bool convert(Planes& planes) const;
   bool areNeededPlanesPresent(const Planes& planes) const;
-  void deliver(std::int32_t playerId, const std::uint8_t* frame) const;
+  void deliver(PlayerId playerId, const std::uint8_t* frame) const;
 
   const BlockSettings settings_;
   ConversionKernel conversionKernel_ = nullptr;  // chosen by start

@@ -1,14 +1,23 @@
-// What the kernel families share: the form of their tables and the sizes of a frame.
+// What the kernel families share: the form of a kernel and of their tables, and the size of a plane.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "convert/kernel_selection.hpp"
 #include "convert/sample_types.hpp"
 
 namespace framesink {
+
+// One conversion of a whole frame. `width` is columns, `height` rows, in pixels; `layout` non-zero
+// means column-major planes (row r, column c is sample r + c * height), zero selects the family's
+// second path. Each family's header says what is read and written.
+//
+// Re-entrant; keeps no state, allocates nothing, checks nothing: pointers, sizes and the room at
+// `out` are the caller's duty. Planes need the alignment of their sample type only.
+using ConversionKernel = void (*)(const void* plane0, const void* plane1, const void* plane2,
+                                  std::uint8_t* out, std::int32_t width, std::int32_t height,
+                                  std::int32_t layout);
 
 // One kernel per DataTypeId, then a null entry that closes the table and is never read.
 using KernelTable = std::array<ConversionKernel, kDataTypeCount + 1>;

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 
-#include "convert/colour_constants.hpp"
-#include "convert/colour_rows.hpp"
 #include "convert/sample_rows.hpp"
 #include "convert/sample_scaling.hpp"
 #include "convert/yuy2_columns.hpp"
-#include "convert/yuy2_rows.hpp"
+#include "simd/colour_constants.hpp"
+#include "simd/colour_rows.hpp"
+#include "simd/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {

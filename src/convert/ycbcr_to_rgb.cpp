@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
-#include "convert/colour_constants.hpp"
-#include "convert/colour_rows.hpp"
 #include "convert/sample_rows.hpp"
 #include "convert/sample_scaling.hpp"
+#include "simd/colour_constants.hpp"
+#include "simd/colour_rows.hpp"
 
 namespace framesink {
 namespace {

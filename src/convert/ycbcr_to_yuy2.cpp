@@ -5,7 +5,7 @@
 
 #include "convert/sample_rows.hpp"
 #include "convert/yuy2_columns.hpp"
-#include "convert/yuy2_rows.hpp"
+#include "simd/yuy2_rows.hpp"
 
 namespace framesink {
 namespace {

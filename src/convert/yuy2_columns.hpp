@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-#include "convert/yuy2_rows.hpp"
+#include "simd/yuy2_rows.hpp"
 
 namespace framesink {
 

@@ -5,7 +5,7 @@
 
 namespace framesink {
 
-std::size_t frameByteCount(Size frame) {
+std::size_t frameBytes(Size frame) {
   constexpr std::uint64_t kMostPixels = std::numeric_limits<std::int32_t>::max() / 3;
   const std::uint64_t pixels = std::uint64_t{frame.width} * frame.height;
   if (pixels > kMostPixels) throw std::bad_alloc();

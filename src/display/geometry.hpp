@@ -29,6 +29,6 @@ struct WindowGeometry {
 
 // Bytes of a frame: three 8-bit planes, red, green, blue, one after another, each column by column.
 // The one place where a frame's size is computed; throws std::bad_alloc above 2147483647 bytes.
-std::size_t frameByteCount(Size frame);
+std::size_t frameBytes(Size frame);
 
 }  // namespace framesink

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "display/thread_safety.hpp"
+#include "process/thread_safety.hpp"
 
 namespace framesink {
 

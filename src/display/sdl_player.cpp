@@ -7,16 +7,12 @@
 
 namespace framesink {
 
-SdlPlayer::SdlPlayer(const std::uint8_t* initialFrame, Size frameSize, std::string title,
-                     WindowGeometry requested, bool fullscreen, std::uint32_t playerId)
-    : frameSize_(frameSize),
-      frameBytes_(frameByteCount(frameSize)),
-      requested_(requested),
+SdlPlayer::SdlPlayer(const std::uint8_t* initialFrame, WindowRequest request, PlayerId playerId)
+    : request_(std::move(request)),
+      frameBytes_(frameBytes(request_.frameSize)),
       playerId_(playerId),
-      fullscreen_(fullscreen),
       buffer1_(std::make_unique_for_overwrite<std::uint8_t[]>(frameBytes_)),
-      buffer2_(std::make_unique_for_overwrite<std::uint8_t[]>(frameBytes_)),
-      title_(std::move(title)) {
+      buffer2_(std::make_unique_for_overwrite<std::uint8_t[]>(frameBytes_)) {
   submitFrame(initialFrame);
 }
 
@@ -40,26 +36,23 @@ void SdlPlayer::submitFrame(const std::uint8_t* frame) {
 
 void SdlPlayer::showNewestFrame() {
   newFrame_.exchange(0, std::memory_order_acq_rel);
+  window()->showFrame(displayBuffer());
+}
+
+const std::uint8_t* SdlPlayer::displayBuffer() const {
   const BufferMarks marks = marks_.load(std::memory_order_acquire);
-  window()->showFrame(marks.displayBuffer == 1 ? buffer1_.get() : buffer2_.get());
+  return marks.displayBuffer == 1 ? buffer1_.get() : buffer2_.get();
 }
 
 void SdlPlayer::createWindow() {
-  auto window = std::make_unique<SdlWindow>(frameSize_, title(), requested_.size,
-                                            requested_.position, fullscreen_);
-  if (fullscreen_) window->enterFullscreen();
+  auto window = std::make_unique<SdlWindow>(request_);
+  if (request_.fullscreen) window->enterFullscreen();
   window_ = window.release();
 }
 
-std::string SdlPlayer::title() {
-  const MutexLock lock(titleMutex_);
-  return title_;
-}
-
-void SdlPlayer::setTitle(std::string title) {
+void SdlPlayer::setTitle(const std::string& title) {
   const MutexLock lock(titleMutex_);
   window()->setTitle(title);
-  title_ = std::move(title);
 }
 
 }  // namespace framesink

@@ -8,33 +8,33 @@
 #include <string>
 
 #include "display/geometry.hpp"
-#include "display/platform.hpp"
-#include "display/sdl_session.hpp"
+#include "display/player_id.hpp"
 #include "display/sdl_window.hpp"
-#include "display/thread_safety.hpp"
+#include "display/window_request.hpp"
+#include "process/platform.hpp"
+#include "process/sdl_session.hpp"
+#include "process/thread_safety.hpp"
 
 namespace framesink {
 
 class SdlPlayer {
  public:
   // Copies the initial frame. The window comes later, by createWindow.
-  SdlPlayer(const std::uint8_t* initialFrame, Size frameSize, std::string title,
-            WindowGeometry requested, bool fullscreen, std::uint32_t playerId);
+  SdlPlayer(const std::uint8_t* initialFrame, WindowRequest request, PlayerId playerId);
   virtual ~SdlPlayer();  // on the thread that runs SDL for the player
   SdlPlayer(const SdlPlayer&) = delete;
   SdlPlayer& operator=(const SdlPlayer&) = delete;
 
-  std::uint32_t playerId() const { return playerId_; }
-  Size frameSize() const { return frameSize_; }
-  bool isFullscreenWanted() const { return fullscreen_; }
+  PlayerId playerId() const { return playerId_; }
+  Size frameSize() const { return request_.frameSize; }
+  bool isFullscreenWanted() const { return request_.fullscreen; }
 
   // A synchronous player's window is made by the thread that makes the player.
   OsThreadId maker() const { return maker_; }
 
-  // --- Any host thread
-  // -----------------------------------------------------------------------------
+  // ---- Any host thread ----
 
-  // Copies `frame` (frameByteCount(frameSize()) bytes) into the buffer that is not marked for
+  // Copies `frame` (frameBytes(frameSize()) bytes) into the buffer that is not marked for
   // display and marks it. Takes no lock and never waits. Two calls within one display pass may tear
   // the picture for that pass only: the newest frame is always drawn again whole.
   void submitFrame(const std::uint8_t* frame);
@@ -54,12 +54,10 @@ class SdlPlayer {
   // Waiting for the window is pointless: memory ran out when it was to be made.
   bool isWindowImpossible() const { return windowImpossible_; }
 
-  // Player and window get the title. Needs the window. Without memory for that std::bad_alloc is
-  // thrown and both keep the old one.
-  void setTitle(std::string title);
+  // The window gets the title. Needs the window. Throws std::bad_alloc, and then keeps the old title.
+  void setTitle(const std::string& title);
 
-  // --- The thread that runs SDL for the player
-  // -----------------------------------------------------
+  // ---- The thread that runs SDL for the player ----
 
   // Makes the window and publishes it.
   void createWindow() FRAMESINK_REQUIRES(sdlGate);
@@ -81,14 +79,12 @@ class SdlPlayer {
     std::uint32_t writeState;     // gets the next frame: likewise
   };
 
-  std::string title();
+  const std::uint8_t* displayBuffer() const;
 
-  const Size frameSize_;
+  const WindowRequest request_;
   const std::size_t frameBytes_;
-  const WindowGeometry requested_;
-  const std::uint32_t playerId_;
+  const PlayerId playerId_;
   const OsThreadId maker_ = currentThread();
-  const bool fullscreen_;
 
   const std::unique_ptr<std::uint8_t[]> buffer1_;
   const std::unique_ptr<std::uint8_t[]> buffer2_;
@@ -99,8 +95,7 @@ class SdlPlayer {
   std::atomic<std::uint8_t> newFrame_{0};
   std::atomic<std::uint8_t> closeRequested_{0};
 
-  Mutex titleMutex_;  // host threads among themselves
-  std::string title_ FRAMESINK_GUARDED_BY(titleMutex_);
+  Mutex titleMutex_;                         // host threads set a title one at a time
   std::atomic<SdlWindow*> window_{nullptr};  // owned
   std::atomic<bool> windowImpossible_{false};
   LibraryHold untilSettled_;

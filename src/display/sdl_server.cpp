@@ -1,15 +1,15 @@
 #include "display/sdl_server.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <mutex>
 #include <new>
 #include <utility>
 
-#include "display/host_calls.hpp"
-#include "display/opengl.hpp"
-#include "display/sdl_session.hpp"
-#include "display/server_instances.hpp"
+#include "display/event_rules.hpp"
+#include "process/opengl.hpp"
+#include "process/wait_budget.hpp"
 
 namespace framesink {
 namespace {
@@ -19,9 +19,8 @@ constexpr std::uint32_t kUnloadPoll = 10;  // milliseconds between looks whether
 constexpr std::uint32_t kLockRetry = 1;    // milliseconds before a failed lock is tried again
 constexpr std::uint32_t kPassWithPlayers = 1;  // milliseconds between passes
 constexpr std::uint32_t kPassWithout = 3;
-constexpr auto kLongestWait = static_cast<std::uint32_t>(kLongestUnload.count());
 
-SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, std::uint32_t playerId) {
+SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, PlayerId playerId) {
   for (SdlPlayer* player : players) {
     if (player->playerId() == playerId) return player;
   }
@@ -30,88 +29,82 @@ SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, std::uint32_t playerI
 
 }  // namespace
 
-// The server's mutex for a host thread: retried without limit while it can still be had. Never
-// asked for in the gate, which the display thread takes while it holds the mutex.
-class FRAMESINK_SCOPED_LOCK SdlServer::Lock {
+// What changing the players requires: the server's mutex, or in the synchronous server the gate.
+// Never asked for in the gate, which the display thread takes while it holds the mutex.
+class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
  public:
-  explicit Lock(SdlServer& server) FRAMESINK_ACQUIRES(server.players_) FRAMESINK_EXCLUDES(sdlGate)
-      : mutex_(server.thread_.isLost() ? nullptr : server.mutex_.load()) {
+  enum Patience {
+    kOnce,          // for a display pass, which skips what a failed lock keeps it from
+    kUntilLeaving,  // for a host thread: a failed lock is tried again without limit
+  };
+
+  PlayersLock(SdlServer& server, Patience patience) FRAMESINK_ACQUIRES(server.players_)
+      : gate_(sdlGate, std::defer_lock) {
+    if (!server.threaded_) {
+      gate_.lock();
+      return;
+    }
+    mutex_ = server.thread_.isLost() ? nullptr : server.mutex_.load();
     while (mutex_ != nullptr && SDL_LockMutex(mutex_) != 0) {
-      if (server.leaving_) mutex_ = nullptr;
-      SDL_Delay(kLockRetry);
+      if (patience == kOnce || server.leaving_) mutex_ = nullptr;
+      if (patience != kOnce) SDL_Delay(kLockRetry);
     }
   }
-  ~Lock() FRAMESINK_RELEASES() {
+  ~PlayersLock() FRAMESINK_RELEASES() {
     if (mutex_ != nullptr) SDL_UnlockMutex(mutex_);
   }
-  Lock(const Lock&) = delete;
-  Lock& operator=(const Lock&) = delete;
+  PlayersLock(const PlayersLock&) = delete;
+  PlayersLock& operator=(const PlayersLock&) = delete;
 
-  explicit operator bool() const { return mutex_ != nullptr; }
+  // False when the mutex could not be had.
+  explicit operator bool() const { return gate_.owns_lock() || mutex_ != nullptr; }
 
  private:
-  SDL_mutex* mutex_;
+  std::unique_lock<SdlGate> gate_;
+  SDL_mutex* mutex_ = nullptr;
 };
 
-// In the gate of a server whose players no other thread changes: it is synchronous, or at its end.
-class FRAMESINK_SCOPED_LOCK SdlServer::Alone {
- public:
-  explicit Alone([[maybe_unused]] SdlServer& server) FRAMESINK_ACQUIRES(sdlGate, server.players_) {
-    sdlGate.lock();
-  }
-  ~Alone() FRAMESINK_RELEASES() { sdlGate.unlock(); }
-  Alone(const Alone&) = delete;
-  Alone& operator=(const Alone&) = delete;
-};
-
-SdlServer::SdlServer(bool threaded) : threaded_(threaded) {}
+SdlServer::SdlServer(bool threaded, ServerSurroundings surroundings)
+    : threaded_(threaded), surroundings_(surroundings) {}
 
 SdlServer::~SdlServer() {
   stop();
-  quitSdl();
+  quitSdl(unloadBudget());
   sdlCode_.letGo();
 }
 
-// ---- Players
-// ------------------------------------------------------------------------------------------
+// ---- Players ----
 
-std::uint32_t SdlServer::addPlayer(const std::uint8_t* initialFrame, Size frameSize,
-                                   const std::string& title, WindowGeometry window,
-                                   bool fullscreen) {
+PlayerId SdlServer::addPlayer(const std::uint8_t* initialFrame, WindowRequest request) {
   if (leaving_) return kNoPlayer;
   if (started_ == 0) start();
-  if (threaded_ && openGl_) callFirstAtExit([] { stopServers(); });
-  const auto make = [&](std::uint32_t playerId) {
-    return std::make_unique<SdlPlayer>(initialFrame, frameSize, title, window, fullscreen,
-                                       playerId);
-  };
-  if (threaded_) {
-    const Lock lock(*this);
-    if (!lock || leaving_) return kNoPlayer;
-    const std::uint32_t playerId = nextPlayerId_++;
-    auto player = make(playerId);
-    if (thread_.isRunning()) player->holdLibrary();
-    players_.add(std::move(player));
-    return playerId;
+  if (threaded_ && openGl_ && surroundings_.stopAll != nullptr) {
+    callFirstAtExit(surroundings_.stopAll);
   }
-  const Alone alone(*this);
-  const std::uint32_t playerId = nextPlayerId_++;
-  auto player = make(playerId);
-  openWindow(*player);
+  const PlayersLock lock(*this, PlayersLock::kUntilLeaving);
+  if (!lock || leaving_) return kNoPlayer;
+  const PlayerId playerId = nextPlayerId_++;
+  auto player = std::make_unique<SdlPlayer>(initialFrame, std::move(request), playerId);
+  if (!threaded_) {
+    const InGate gate;
+    openWindow(*player);
+  } else if (thread_.isRunning()) {
+    player->holdLibrary();
+  }
   players_.add(std::move(player));
   return playerId;
 }
 
-void SdlServer::deliverFrame(std::int32_t playerId, const std::uint8_t* frame, Size frameSize) {
-  const auto id = static_cast<std::uint32_t>(playerId);
+void SdlServer::deliverFrame(PlayerId playerId, const std::uint8_t* frame, Size frameSize) {
   if (threaded_) {
     const Players::Reader reader(players_);
-    SdlPlayer* player = findPlayer(reader.players(), id);
+    SdlPlayer* player = findPlayer(reader.players(), playerId);
     if (player != nullptr && player->frameSize() == frameSize) player->submitFrame(frame);
     return;
   }
-  const Alone alone(*this);
-  SdlPlayer* shown = player(id);
+  const PlayersLock lock(*this, PlayersLock::kOnce);
+  const InGate gate;
+  SdlPlayer* shown = player(playerId);
   if (shown != nullptr && shown->frameSize() == frameSize) {
     shown->submitFrame(frame);
     shown->showNewestFrame();
@@ -119,18 +112,19 @@ void SdlServer::deliverFrame(std::int32_t playerId, const std::uint8_t* frame, S
   pumpEvents(false);
 }
 
-void SdlServer::closePlayer(std::uint32_t playerId) {
+void SdlServer::closePlayer(PlayerId playerId) {
   if (threaded_) {
     const Players::Reader reader(players_);
     SdlPlayer* player = findPlayer(reader.players(), playerId);
     if (player != nullptr) player->requestClose();
     return;
   }
-  const Alone alone(*this);
-  removeNow(player(playerId));
+  const PlayersLock lock(*this, PlayersLock::kOnce);
+  const InGate gate;
+  if (SdlPlayer* closed = player(playerId)) removePlayer(*closed);
 }
 
-bool SdlServer::hasOpenPlayer(std::uint32_t playerId) const {
+bool SdlServer::hasOpenPlayer(PlayerId playerId) const {
   const Players::Reader reader(players_);
   const SdlPlayer* player = findPlayer(reader.players(), playerId);
   return player != nullptr && !player->isCloseRequested();
@@ -141,7 +135,7 @@ bool SdlServer::canWindowCome(const SdlPlayer& player) const {
 }
 
 template <class Result, class Action>
-Result SdlServer::withWindow(std::uint32_t playerId, Result absent, Action action) const {
+Result SdlServer::withWindow(PlayerId playerId, Result absent, Action action) const {
   for (;;) {
     {
       std::unique_lock gate(sdlGate, std::defer_lock);
@@ -156,83 +150,95 @@ Result SdlServer::withWindow(std::uint32_t playerId, Result absent, Action actio
   }
 }
 
-void SdlServer::raisePlayer(std::uint32_t playerId) {
+void SdlServer::raisePlayer(PlayerId playerId) {
   withWindow(playerId, false, [](SdlPlayer& player) {
     player.window()->raise();
     return true;
   });
 }
 
-void SdlServer::renamePlayer(std::uint32_t playerId, const std::string& title) {
+void SdlServer::renamePlayer(PlayerId playerId, const std::string& title) {
   withWindow(playerId, false, [&](SdlPlayer& player) {
     player.setTitle(title);
     return true;
   });
 }
 
-bool SdlServer::isPlayerFullscreen(std::uint32_t playerId) const {
+bool SdlServer::isPlayerFullscreen(PlayerId playerId) const {
   return withWindow(playerId, false,
                     [](SdlPlayer& player) { return player.window()->isFullscreen(); });
 }
 
-std::int32_t SdlServer::getFrameWidth(std::uint32_t playerId) const {
+std::int32_t SdlServer::getFrameWidth(PlayerId playerId) const {
   return withWindow(playerId, std::int32_t{0}, [](SdlPlayer& player) {
     return static_cast<std::int32_t>(player.frameSize().width);
   });
 }
 
-std::int32_t SdlServer::getFrameHeight(std::uint32_t playerId) const {
+std::int32_t SdlServer::getFrameHeight(PlayerId playerId) const {
   return withWindow(playerId, std::int32_t{0}, [](SdlPlayer& player) {
     return static_cast<std::int32_t>(player.frameSize().height);
   });
 }
 
-std::optional<WindowGeometry> SdlServer::windowGeometry(std::uint32_t playerId) const {
+std::optional<PlayerState> SdlServer::playerState(PlayerId playerId) const {
+  return withWindow(playerId, std::optional<PlayerState>{}, [](SdlPlayer& player) {
+    const SdlWindow& window = *player.window();
+    return std::optional(PlayerState{.frameSize = player.frameSize(),
+                                     .isFullscreen = window.isFullscreen(),
+                                     .geometry = window.geometry()});
+  });
+}
+
+std::optional<WindowGeometry> SdlServer::windowGeometry(PlayerId playerId) const {
   return withWindow(playerId, std::optional<WindowGeometry>{},
                     [](SdlPlayer& player) { return std::optional(player.window()->geometry()); });
 }
 
-std::uint32_t SdlServer::getWindowWidth(std::uint32_t playerId) const {
+std::uint32_t SdlServer::getWindowWidth(PlayerId playerId) const {
   return windowGeometry(playerId).value_or(WindowGeometry{}).size.width;
 }
 
-std::uint32_t SdlServer::getWindowHeight(std::uint32_t playerId) const {
+std::uint32_t SdlServer::getWindowHeight(PlayerId playerId) const {
   return windowGeometry(playerId).value_or(WindowGeometry{}).size.height;
 }
 
-std::uint32_t SdlServer::getWindowX(std::uint32_t playerId) const {
+std::uint32_t SdlServer::getWindowX(PlayerId playerId) const {
   return windowGeometry(playerId).value_or(WindowGeometry{}).position.x;
 }
 
-std::uint32_t SdlServer::getWindowY(std::uint32_t playerId) const {
+std::uint32_t SdlServer::getWindowY(PlayerId playerId) const {
   return windowGeometry(playerId).value_or(WindowGeometry{}).position.y;
 }
 
-// ---- Start and stop
-// -----------------------------------------------------------------------------------
+// ---- Start and stop ----
 
 // Host threads that add the first player at the same time meet in the gate.
 void SdlServer::start() {
   const InGate gate;
   if (started_ != 0) return;
   openGl_ = isOpenGlInUse();
-  initSdlVideo();
+  initVideo();
   sdlCode_ = holdSdl();
-  if (threaded_) {
-    if (openGl_) stayLoaded();
-    quit_ = 0;
-    mutex_ = SDL_CreateMutex();
-    thread_.start(
-        "sdlVideoPlayers",
-        [](void* server) { static_cast<SdlServer*>(server)->runDisplayThread(); }, this);
-  }
+  if (threaded_) startThread();
   started_ = 1;
+}
+
+void SdlServer::startThread() {
+  if (openGl_) stayLoaded();
+  quit_ = 0;
+  mutex_ = SDL_CreateMutex();
+  thread_.start("sdlVideoPlayers", threadMain, this);
+}
+
+void SdlServer::beginLeaving() {
+  leaving_ = true;
+  quit_ = 1;
 }
 
 bool SdlServer::stop() {
   if (started_ == 0) return true;
   beginLeaving();
-  quit_ = 1;
   if (threaded_) {
     if (!awaitDisplayThread()) return false;
   } else {
@@ -251,52 +257,39 @@ bool SdlServer::mayDeletePlayers() const {
   return !kWindowsAreTheirThreads || std::ranges::all_of(players_.players(), isOurs);
 }
 
-// Sleeps are counted, and the clock looked at, as sleeps may take much longer than was asked for.
 bool SdlServer::awaitDisplayThread() {
-  using Clock = std::chrono::steady_clock;
   if (thread_.isThisThread()) return false;
-  waited_ = std::max(waited_, static_cast<std::uint32_t>(waitedForHostCalls().count()));
-  const auto left = [this] {
-    return std::chrono::milliseconds(kLongestWait - std::min(waited_, kLongestWait));
-  };
-  const auto deadline = Clock::now() + left();
-  while (thread_.isRunning() && !players_.empty() && waited_ < kLongestWait && !thread_.isLost() &&
-         Clock::now() < deadline) {
+  WaitBudget& budget = unloadBudget();
+  while (thread_.isRunning() && !players_.empty() && !thread_.isLost() && !budget.isSpent()) {
     SDL_Delay(kUnloadPoll);
-    waited_ += kUnloadPoll;
+    budget.count(std::chrono::milliseconds(kUnloadPoll));
   }
-  const bool ended = thread_.awaitEnd(std::min(deadline, Clock::now() + left()));
-  waited_ = kLongestWait;
-  return ended;
+  if (thread_.awaitEnd(budget)) return true;
+  budget.spend();
+  return false;
 }
 
-// ---- The display thread
-// -------------------------------------------------------------------------------
+// ---- The display thread ----
 
-void SdlServer::runDisplayThread() {
+void SdlServer::threadMain(void* server) {
+  auto& self = *static_cast<SdlServer*>(server);
   if ((SDL_WasInit(SDL_INIT_EVERYTHING) & SDL_INIT_VIDEO) == 0) {
     std::fprintf(stderr, "Internal error: SDL video subsystem is not initialized.\n");
   }
-  while (quit_ == 0 && !leaving_) {
-    runPass();
-    SDL_Delay(players_.empty() ? kPassWithout : kPassWithPlayers);
+  while (self.quit_ == 0) {
+    self.runPass();
+    SDL_Delay(self.players_.empty() ? kPassWithout : kPassWithPlayers);
   }
-  deleteAllPlayers();
+  self.deleteAllPlayers();
 }
 
 void SdlServer::runPass() {
-  if (!lockForPass()) return;
-  {
-    const InGate gate;
-    servePlayers();
-    pumpEvents(true);
-  }
-  unlockAfterPass();
+  const PlayersLock lock(*this, PlayersLock::kOnce);
+  if (!lock) return;
+  const InGate gate;
+  servePlayers();
+  pumpEvents(true);
 }
-
-FRAMESINK_IS_THE_LOCK bool SdlServer::lockForPass() { return SDL_LockMutex(mutex_) == 0; }
-
-FRAMESINK_IS_THE_LOCK void SdlServer::unlockAfterPass() { SDL_UnlockMutex(mutex_); }
 
 void SdlServer::servePlayers() {
   for (std::size_t i = 0; i < players_.players().size(); ++i) {
@@ -321,18 +314,15 @@ void SdlServer::servePlayer(SdlPlayer& player) {
   if (player.window() != nullptr && player.hasNewFrame()) player.showNewestFrame();
 }
 
+// At the server's end nobody else changes the players: a failed lock keeps nothing from being deleted.
 void SdlServer::deleteAllPlayers() {
-  const bool locked = SDL_LockMutex(mutex_) == 0;
-  {
-    const Alone alone(*this);
-    players_.removeAll();
-    awaitReclaim();
-  }
-  if (locked) SDL_UnlockMutex(mutex_);
+  const PlayersLock lock(*this, PlayersLock::kOnce);
+  const InGate gate;
+  players_.removeAll();
+  awaitReclaim();
 }
 
-// ---- Windows and events
-// -------------------------------------------------------------------------------
+// ---- Windows and events ----
 
 void SdlServer::openWindow(SdlPlayer& player) {
   if (player.isFullscreenWanted()) leaveFullscreenAll();
@@ -349,7 +339,7 @@ void SdlServer::leaveFullscreenAll() {
   }
 }
 
-SdlPlayer* SdlServer::player(std::uint32_t playerId) const {
+SdlPlayer* SdlServer::player(PlayerId playerId) const {
   return findPlayer(players_.players(), playerId);
 }
 
@@ -372,7 +362,12 @@ void SdlServer::pumpEvents(bool deferClose) {
       handOver(event);
       return;
     }
-    handleEvent(event, *player, deferClose);
+    if (handleEvent(event, *player) != AfterEvent::kClose) continue;
+    if (deferClose) {
+      player->requestClose();
+    } else {
+      removePlayer(*player);
+    }
   }
 }
 
@@ -381,57 +376,16 @@ bool SdlServer::nextEvent(SDL_Event& event) {
 }
 
 void SdlServer::handOver(const SDL_Event& event) {
-  SdlServer* other = existingServer(/*synchronous=*/threaded_);
+  SdlServer* other = surroundings_.sibling == nullptr ? nullptr : surroundings_.sibling->load();
   if (other != nullptr && other->playerWithWindow(event.window.windowID) != nullptr) {
     other->inbox_.put(event);
   }
 }
 
-void SdlServer::handleEvent(const SDL_Event& event, SdlPlayer& player, bool deferClose) {
-  if (event.type == SDL_WINDOWEVENT) {
-    handleWindowEvent(event.window, player, deferClose);
-  } else if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) {
-    if (player.window()->isFullscreen()) player.window()->leaveFullscreen();
-  }
-}
-
-void SdlServer::handleWindowEvent(const SDL_WindowEvent& event, SdlPlayer& player,
-                                  bool deferClose) {
-  SdlWindow& window = *player.window();
-  const auto data1 = static_cast<std::uint32_t>(event.data1);
-  const auto data2 = static_cast<std::uint32_t>(event.data2);
-  switch (event.event) {
-    case SDL_WINDOWEVENT_EXPOSED:
-    case SDL_WINDOWEVENT_MAXIMIZED:
-    case SDL_WINDOWEVENT_RESTORED:
-      player.showNewestFrame();
-      break;
-    case SDL_WINDOWEVENT_MOVED:
-      window.setStoredPosition({data1, data2});
-      break;
-    case SDL_WINDOWEVENT_RESIZED:
-      if (!window.isFullscreen()) window.setStoredSize({data1, data2});
-      player.showNewestFrame();
-      break;
-    case SDL_WINDOWEVENT_CLOSE:
-      if (deferClose) {
-        player.requestClose();
-      } else {
-        removePlayer(event.windowID);
-      }
-      break;
-    default:
-      break;
-  }
-}
-
-void SdlServer::removePlayer(std::uint32_t windowId) { removeNow(playerWithWindow(windowId)); }
-
 // In the gate the only readers are other threads' looks whether a player is open, and those are
 // short.
-void SdlServer::removeNow(SdlPlayer* player) {
-  if (player == nullptr) return;
-  players_.remove(player);
+void SdlServer::removePlayer(SdlPlayer& player) {
+  players_.remove(&player);
   awaitReclaim();
 }
 

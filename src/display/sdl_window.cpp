@@ -4,14 +4,14 @@
 #include <cmath>
 #include <cstdio>
 
-#include "display/sdl_session.hpp"
-#include "display/texture_packing.hpp"
 #include "display/window_icon.hpp"
+#include "process/sdl_session.hpp"
+#include "simd/texture_packing.hpp"
 
 namespace framesink {
 namespace {
 
-// The system's own limits for what it hands to SDL.
+// The library's own limits for what it hands to SDL.
 constexpr int kFarthestPosition = 10000;
 constexpr std::uint32_t kLargestWindow = 20000;
 
@@ -30,14 +30,13 @@ int truncatedPixels(double extent) { return std::isfinite(extent) ? static_cast<
 
 }  // namespace
 
-SdlWindow::SdlWindow(Size textureSize, const std::string& title, Size size, Position position,
-                     bool fullscreen)
-    : textureSize_(textureSize),
-      title_(title),
-      position_(position),
-      size_(size),
+SdlWindow::SdlWindow(const WindowRequest& request)
+    : textureSize_(request.frameSize),
+      title_(request.title),
+      position_(request.geometry.position),
+      size_(request.windowSize()),
       generation_(sdlGeneration()) {
-  createWindow(fullscreen);
+  createWindow(request.fullscreen);
   failed_ = SDL_GetWindowPixelFormat(window_) == SDL_PIXELFORMAT_UNKNOWN;
   if (!failed_) {
     createRenderer();
@@ -119,10 +118,10 @@ void SdlWindow::showFrame(const std::uint8_t* frame) {
   int pitch = 0;
   if (SDL_LockTexture(texture_, nullptr, &pixels, &pitch) < 0) {
     SDL_LogError(SDL_LOG_CATEGORY_APPLICATION, "Could not lock texture: %s\n", SDL_GetError());
-    quitSdl();  // The system's answer to a lost texture; nothing of this SDL is touched again.
+    quitSdl();  // SDL is given up with the texture; nothing of this SDL is touched again.
     return;
   }
-  copyPlanesToTexture(frame, pixels, textureSize_);
+  copyPlanesToTexture(frame, pixels, textureSize_.width, textureSize_.height);
   SDL_UnlockTexture(texture_);
   SDL_RenderClear(renderer_);
   SDL_RenderCopy(renderer_, texture_, nullptr, nullptr);

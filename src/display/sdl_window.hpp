@@ -9,8 +9,9 @@
 #include <string>
 
 #include "display/geometry.hpp"
-#include "display/sdl_session.hpp"
-#include "display/thread_safety.hpp"
+#include "display/window_request.hpp"
+#include "process/sdl_session.hpp"
+#include "process/thread_safety.hpp"
 
 namespace framesink {
 
@@ -21,16 +22,15 @@ inline constexpr std::uint32_t kFullscreenFlags = SDL_WINDOW_FULLSCREEN_DESKTOP;
 // operations marked "any thread" may be called by host threads once the window is published.
 class SdlWindow {
  public:
-  // Failures are told on standard error and leave a window that draws nothing. Position and size
-  // are clamped for SDL and stored as given. A full screen window is made hidden; see
+  // Failures go to standard error and leave a window that draws nothing. Position and size are
+  // clamped for SDL and stored as requested. A full screen window is made hidden; see
   // enterFullscreen.
-  SdlWindow(Size textureSize, const std::string& title, Size size, Position position,
-            bool fullscreen);
+  explicit SdlWindow(const WindowRequest& request);
   virtual ~SdlWindow();
   SdlWindow(const SdlWindow&) = delete;
   SdlWindow& operator=(const SdlWindow&) = delete;
 
-  // Uploads a whole frame (three planes, see frameByteCount) and presents it.
+  // Uploads a whole frame (three planes, see frameBytes) and presents it.
   void showFrame(const std::uint8_t* frame) FRAMESINK_REQUIRES(sdlGate);
 
   // Makes the window full screen on the desktop, and visible.

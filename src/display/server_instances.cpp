@@ -3,7 +3,7 @@
 #include <array>
 #include <atomic>
 
-#include "display/host_calls.hpp"
+#include "process/host_calls.hpp"
 
 namespace framesink {
 namespace {
@@ -15,7 +15,9 @@ constinit std::array<std::atomic<SdlServer*>, 2> servers{};  // by `synchronous`
 class ServerLife {
  public:
   explicit ServerLife(bool synchronous)
-      : synchronous_(synchronous), server_(new SdlServer(!synchronous)) {
+      : synchronous_(synchronous),
+        server_(new SdlServer(
+            !synchronous, {.sibling = &servers[!synchronous], .stopAll = [] { stopServers(); }})) {
     claimForThisProcess();
     servers[synchronous] = server_;
   }

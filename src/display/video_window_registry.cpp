@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "display/host_calls.hpp"
 #include "display/server_instances.hpp"
+#include "process/host_calls.hpp"
 
 namespace framesink {
 namespace {
@@ -27,42 +27,19 @@ bool isNamed(const VideoWindow& window, std::string_view name) {
 // The server that has the record's player, open and not closing; null when none has.
 SdlServer* serverWithOpenPlayer(bool synchronous, const VideoWindow& window) {
   SdlServer* server = existingServer(synchronous);
-  const auto playerId = static_cast<std::uint32_t>(window.playerId);
-  return server != nullptr && server->hasOpenPlayer(playerId) ? server : nullptr;
+  return server != nullptr && server->hasOpenPlayer(window.playerId) ? server : nullptr;
 }
 
 SdlServer* serverWithOpenPlayer(const VideoWindow& window) {
-  return serverWithOpenPlayer(window.synchronous != 0, window);
+  return serverWithOpenPlayer(window.synchronous, window);
 }
 
-// What an open window and a new set-up of its name come to.
-struct Refresh {
-  bool keep;
-  Position position;
-  Size windowSize;
-};
-
-Refresh refreshOf(SdlServer& server, const VideoWindow& window, const WindowSetup& setup,
-                  Size requestedSize) {
-  const auto playerId = static_cast<std::uint32_t>(window.playerId);
-  const bool wantsFrameSize = setup.fullscreen == 0 && setup.useWindowSize == 0;
-  const bool isFullscreen = server.isPlayerFullscreen(playerId);
-  Refresh refresh{.keep = false, .position = setup.position, .windowSize = requestedSize};
-  Size currentSize;
-  if (!isFullscreen) {
-    if (const auto current = server.windowGeometry(playerId)) {
-      currentSize = current->size;
-      refresh.position = current->position;
-      if (!wantsFrameSize) refresh.windowSize = current->size;
-    }
-  }
-  const Size shownSize{static_cast<std::uint32_t>(server.getFrameWidth(playerId)),
-                       static_cast<std::uint32_t>(server.getFrameHeight(playerId))};
+// Whether an open player already is what is requested.
+bool isAsRequested(const PlayerState& state, const WindowRequest& request) {
   const bool sizeFits =
-      setup.fullscreen != 0 || setup.useWindowSize != 0 || currentSize == setup.frameSize;
-  refresh.keep = shownSize == setup.frameSize && (setup.fullscreen != 0) == isFullscreen &&
-                 (setup.synchronous != 0) == (window.synchronous != 0) && sizeFits;
-  return refresh;
+      request.fullscreen || request.useWindowSize || state.geometry.size == request.frameSize;
+  return state.frameSize == request.frameSize && state.isFullscreen == request.fullscreen &&
+         sizeFits;
 }
 
 }  // namespace
@@ -82,11 +59,11 @@ VideoWindow* VideoWindowRegistry::findVideoWindow(std::string_view name) const {
 }
 
 VideoWindow* VideoWindowRegistry::registerVideoWindow(std::string_view name, Size frameSize,
-                                                      std::uint8_t synchronous) {
+                                                      bool synchronous) {
   auto window = std::make_unique<VideoWindow>();
   window->name = normalised(name);
   window->synchronous = synchronous;
-  window->frameBuffer = std::make_unique<std::uint8_t[]>(frameByteCount(frameSize));
+  window->frameBuffer = std::make_unique<std::uint8_t[]>(frameBytes(frameSize));
   window->frameWidth = frameSize.width;
   window->frameHeight = frameSize.height;
   return windows_->insert(std::move(window)).first->get();
@@ -101,61 +78,50 @@ void VideoWindowRegistry::forget(const VideoWindow* window) {
 }
 
 void VideoWindowRegistry::setupVideoWindow(const WindowSetup& setup) {
-  const bool wantsFrameSize = setup.fullscreen == 0 && setup.useWindowSize == 0;
-  Size windowSize = wantsFrameSize ? setup.frameSize : setup.windowSize;
-  Position position = setup.position;
+  WindowRequest request = setup.window;
   bool wasOpen = false;
   if (VideoWindow* window = findVideoWindow(setup.name)) {
     if (SdlServer* server = serverWithOpenPlayer(*window)) {
       wasOpen = true;
-      const Refresh refresh = refreshOf(*server, *window, setup, windowSize);
-      if (refresh.keep) return;
-      position = refresh.position;
-      windowSize = refresh.windowSize;
-      server->closePlayer(static_cast<std::uint32_t>(window->playerId));
+      if (const auto state = server->playerState(window->playerId)) {
+        if (isAsRequested(*state, request) && setup.synchronous == window->synchronous) return;
+        if (!state->isFullscreen) request.geometry = state->geometry;
+      }
+      server->closePlayer(window->playerId);
     }
     unregisterVideoWindow(setup.name);
   }
-  VideoWindow* window = registerVideoWindow(setup.name, setup.frameSize, setup.synchronous);
-  if (setup.openNow == 0 && !wasOpen) return;
+  VideoWindow* window = registerVideoWindow(setup.name, request.frameSize, setup.synchronous);
+  if (!setup.openNow && !wasOpen) return;
   try {
-    window->playerId = createPlayerForVideoWindow(*window, setup.title, setup.frameSize,
-                                                  setup.fullscreen, position, windowSize);
+    window->playerId = createPlayerForVideoWindow(*window, std::move(request));
   } catch (...) {
     forget(window);
     throw;
   }
 }
 
-std::int32_t VideoWindowRegistry::createPlayerForVideoWindow(const VideoWindow& window,
-                                                             std::string_view title, Size frameSize,
-                                                             std::uint8_t fullscreen,
-                                                             Position position, Size windowSize) {
-  if (windowSize == Size{kFrameSizeMarker, kFrameSizeMarker}) windowSize = frameSize;
-  const std::vector<std::uint8_t> blank(frameByteCount(frameSize));
-  SdlServer& server = serverFor(window.synchronous != 0);
-  return static_cast<std::int32_t>(server.addPlayer(blank.data(), frameSize, normalised(title),
-                                                    {position, windowSize}, fullscreen == 1));
+PlayerId VideoWindowRegistry::createPlayerForVideoWindow(const VideoWindow& window,
+                                                         WindowRequest request) {
+  request.title = normalised(request.title);
+  const std::vector<std::uint8_t> blank(frameBytes(request.frameSize));
+  return serverFor(window.synchronous).addPlayer(blank.data(), std::move(request));
 }
 
-void VideoWindowRegistry::openVideoWindow(VideoWindow& window, Size frameSize,
-                                          std::uint8_t fullscreen, Size windowSize,
-                                          Position position) {
-  window.server = &serverFor(window.synchronous != 0);
-  const auto playerId = static_cast<std::uint32_t>(window.playerId);
-  if (window.server->hasOpenPlayer(playerId)) {
-    window.server->raisePlayer(playerId);
+void VideoWindowRegistry::openVideoWindow(VideoWindow& window, const WindowRequest& request) {
+  window.server = &serverFor(window.synchronous);
+  if (window.server->hasOpenPlayer(window.playerId)) {
+    window.server->raisePlayer(window.playerId);
     return;
   }
-  window.playerId =
-      createPlayerForVideoWindow(window, window.name, frameSize, fullscreen, position, windowSize);
+  window.playerId = createPlayerForVideoWindow(window, request);
 }
 
 void VideoWindowRegistry::closeVideoWindow(std::string_view name) {
   const VideoWindow* window = findVideoWindow(name);
   if (window == nullptr) return;
   if (SdlServer* server = serverWithOpenPlayer(/*synchronous=*/false, *window)) {
-    server->closePlayer(static_cast<std::uint32_t>(window->playerId));
+    server->closePlayer(window->playerId);
   }
   unregisterVideoWindow(name);
 }
@@ -167,7 +133,7 @@ void VideoWindowRegistry::renameVideoWindowCore(std::string_view name, std::stri
   VideoWindow* window = findVideoWindow(name);
   if (window == nullptr) return;
   if (SdlServer* server = serverWithOpenPlayer(/*synchronous=*/false, *window)) {
-    server->renamePlayer(static_cast<std::uint32_t>(window->playerId), title);
+    server->renamePlayer(window->playerId, title);
   }
   window->name = std::move(ownName);  // Last: where memory runs out nothing is renamed.
 }
@@ -176,7 +142,7 @@ void VideoWindowRegistry::getVideoWindowPosSize(const VideoWindow& window, std::
                                                 std::int32_t size[2]) const {
   std::optional<WindowGeometry> geometry;
   if (SdlServer* server = serverWithOpenPlayer(window)) {
-    geometry = server->windowGeometry(static_cast<std::uint32_t>(window.playerId));
+    geometry = server->windowGeometry(window.playerId);
   }
   position[0] = geometry ? static_cast<std::int32_t>(geometry->position.x) : kNotOpen;
   position[1] = geometry ? static_cast<std::int32_t>(geometry->position.y) : kNotOpen;
@@ -203,9 +169,9 @@ std::uint8_t* VideoWindowRegistry::frameBufferOf(std::string_view name) const {
   return window == nullptr ? nullptr : window->frameBuffer.get();
 }
 
-std::int32_t VideoWindowRegistry::playerIdOf(std::string_view name) const {
+PlayerId VideoWindowRegistry::playerIdOf(std::string_view name) const {
   const VideoWindow* window = findVideoWindow(name);
-  return window == nullptr ? kNoPlayerId : window->playerId;
+  return window == nullptr ? kNoPlayer : window->playerId;
 }
 
 namespace {

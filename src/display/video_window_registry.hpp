@@ -11,41 +11,25 @@
 #include <string_view>
 
 #include "display/geometry.hpp"
+#include "display/player_id.hpp"
 #include "display/sdl_server.hpp"
+#include "display/window_request.hpp"
 
 namespace framesink {
-
-inline constexpr std::int32_t kNoPlayerId = -1;
-
-// As window width and height: the frame's size.
-inline constexpr std::uint32_t kFrameSizeMarker = 0x7FFFFFFF;
 
 // Reported as position and size of a window that is not open.
 inline constexpr std::int32_t kNotOpen = -2;
 
 struct VideoWindow {
   std::string name;                             // the key, normalised
-  std::uint8_t synchronous = 0;                 // non-zero: its player lives in synchronousServer
+  bool synchronous = false;                     // its player lives in synchronousServer
   std::uint32_t frameWidth = 1;                 // pixels
   std::uint32_t frameHeight = 1;                // pixels
-  std::unique_ptr<std::uint8_t[]> frameBuffer;  // frameByteCount bytes, the block's target
-  SdlServer* server = nullptr;                  // last used by openVideoWindow
-  std::int32_t playerId = kNoPlayerId;          // kept after the user closed the window
+  std::unique_ptr<std::uint8_t[]> frameBuffer;  // frameBytes long, the block's target
+  SdlServer* server = nullptr;                  // last used by openVideoWindow; nothing reads it
+  PlayerId playerId = kNoPlayer;                // kept after the user closed the window
 
   Size frameSize() const { return {frameWidth, frameHeight}; }
-};
-
-// What a block asks of its window when it is created.
-struct WindowSetup {
-  std::string name;
-  std::string title;
-  Size frameSize;
-  std::uint8_t fullscreen = 0;  // 0 or 1
-  Position position;
-  std::uint8_t useWindowSize = 0;
-  Size windowSize;  // used when useWindowSize or fullscreen is set
-  std::uint8_t openNow = 0;
-  std::uint8_t synchronous = 0;
 };
 
 // Every name or title that comes in is normalised: each line feed becomes a blank.
@@ -60,7 +44,7 @@ class VideoWindowRegistry {
   VideoWindow* findVideoWindow(std::string_view name) const;
 
   // Adds a record with a zeroed frame buffer. Throws std::bad_alloc.
-  VideoWindow* registerVideoWindow(std::string_view name, Size frameSize, std::uint8_t synchronous);
+  VideoWindow* registerVideoWindow(std::string_view name, Size frameSize, bool synchronous);
 
   // Forgets the first record of that name; its player stays as it is.
   void unregisterVideoWindow(std::string_view name);
@@ -71,8 +55,7 @@ class VideoWindowRegistry {
   void setupVideoWindow(const WindowSetup& setup);
 
   // Raises the record's open player, or opens one. May wait for the window. Throws std::bad_alloc.
-  void openVideoWindow(VideoWindow& window, Size frameSize, std::uint8_t fullscreen,
-                       Size windowSize, Position position);
+  void openVideoWindow(VideoWindow& window, const WindowRequest& request);
 
   // Closes the player and forgets the record. The player is always looked for in threadedServer,
   // whatever the record says: that is deliberate. A synchronous player stays on screen.
@@ -90,17 +73,15 @@ class VideoWindowRegistry {
 
   bool isVideoWindowOpen(const VideoWindow& window) const;
 
-  // By name; 0, 0, null and kNoPlayerId for an unknown one.
+  // By name; 0, 0, null and kNoPlayer for an unknown one. Dormant: nothing in the library calls them.
   std::uint32_t frameWidthOf(std::string_view name) const;
   std::uint32_t frameHeightOf(std::string_view name) const;
   std::uint8_t* frameBufferOf(std::string_view name) const;
-  std::int32_t playerIdOf(std::string_view name) const;
+  PlayerId playerIdOf(std::string_view name) const;
 
  private:
   void forget(const VideoWindow* window);
-  std::int32_t createPlayerForVideoWindow(const VideoWindow& window, std::string_view title,
-                                          Size frameSize, std::uint8_t fullscreen,
-                                          Position position, Size windowSize);
+  PlayerId createPlayerForVideoWindow(const VideoWindow& window, WindowRequest request);
 
   // Ordered by address, so that a name plays no part in the order.
   using Windows = std::set<std::unique_ptr<VideoWindow>>;

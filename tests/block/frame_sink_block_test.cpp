@@ -65,7 +65,7 @@ TEST(FrameSinkBlock, UnsupportedTypeIsThrownAsATextByTheStartStep) {
 TEST(FrameSinkBlock, RegistersABlankFrameOfTheConfiguredSize) {
   const HostBlock block(describe(kRgb, FRAMESINK_UINT8, kFrame));
   EXPECT_EQ(recordedFrame(name()), blankFrame(kFrame));
-  EXPECT_EQ(videoWindowRegistry().playerIdOf(name()), kNoPlayerId);
+  EXPECT_EQ(videoWindowRegistry().playerIdOf(name()), kNoPlayer);
 }
 
 // The block has no scratch planes here, so a frame that were to be centred would be dropped.

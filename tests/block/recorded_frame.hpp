@@ -15,10 +15,10 @@ inline Bytes recordedFrame(const std::string& name) {
   const VideoWindow* window = videoWindowRegistry().findVideoWindow(name);
   if (window == nullptr) return {};
   const std::uint8_t* frame = window->frameBuffer.get();
-  return {frame, frame + frameByteCount(window->frameSize())};
+  return {frame, frame + frameBytes(window->frameSize())};
 }
 
 // A frame that nobody has converted anything to.
-inline Bytes blankFrame(Size size) { return Bytes(frameByteCount(size)); }
+inline Bytes blankFrame(Size size) { return Bytes(frameBytes(size)); }
 
 }  // namespace framesink::test

@@ -1,4 +1,4 @@
-#include "convert/colour_constants.hpp"
+#include "simd/colour_constants.hpp"
 
 #include <gtest/gtest.h>
 

@@ -16,11 +16,11 @@
 #include <string>
 #include <vector>
 
-#include "convert/colour_constants.hpp"
 #include "convert/kernel_selection.hpp"
 #include "convert/planes_to_yuy2.hpp"
 #include "convert/sample_scaling.hpp"
 #include "pixkit/pixkit.h"
+#include "simd/colour_constants.hpp"
 
 namespace framesink {
 namespace {

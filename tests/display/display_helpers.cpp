@@ -19,15 +19,21 @@ testing::AssertionResult firstDifference(const Image& seen, const Image& wanted)
 
 }  // namespace
 
+WindowRequest requestFor(const Opening& opening) {
+  return {.title = opening.title,
+          .frameSize = opening.frameSize,
+          .geometry = {opening.position, opening.windowSize.value_or(opening.frameSize)},
+          .useWindowSize = true,
+          .fullscreen = opening.fullscreen};
+}
+
 std::uint32_t addPlayer(SdlServer& server, const Opening& opening) {
   const Frame black = plainFrame(opening.frameSize, 0);
-  const Size windowSize = opening.windowSize.value_or(opening.frameSize);
-  return server.addPlayer(black.data(), opening.frameSize, opening.title,
-                          {opening.position, windowSize}, opening.fullscreen);
+  return server.addPlayer(black.data(), requestFor(opening));
 }
 
 void deliver(SdlServer& server, std::uint32_t player, const Frame& frame) {
-  server.deliverFrame(static_cast<std::int32_t>(player), frame.data(), frame.size);
+  server.deliverFrame(player, frame.data(), frame.size);
 }
 
 bool hasWindow(SdlServer& server, std::uint32_t player) {

@@ -38,7 +38,7 @@ class DummyVideoTest : public testing::Test {
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};
 
-// What addPlayer is asked for.
+// What a window is asked to be.
 struct Opening {
   std::string title = "player";
   Size frameSize = kFrameSize;
@@ -46,6 +46,8 @@ struct Opening {
   Position position = kPlace;
   bool fullscreen = false;
 };
+
+WindowRequest requestFor(const Opening& opening = {});
 
 // Adds a player that first shows a black frame.
 std::uint32_t addPlayer(SdlServer& server, const Opening& opening = {});

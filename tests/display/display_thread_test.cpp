@@ -1,4 +1,4 @@
-#include "display/display_thread.hpp"
+#include "process/display_thread.hpp"
 
 #include <gtest/gtest.h>
 
@@ -23,11 +23,15 @@ class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {
     mayEnd = true;
-    thread.awaitEnd(inTime());
+    endsInTime();
   }
 
   void start() { thread.start("testThread", body, this); }
-  static Clock::time_point inTime() { return Clock::now() + kDeadline; }
+  bool endsWithin(milliseconds time) {
+    WaitBudget budget(time);
+    return thread.awaitEnd(budget);
+  }
+  bool endsInTime() { return endsWithin(kDeadline); }
   static bool isThere() {
     const auto names = threadNames();
     return std::find(names.begin(), names.end(), "testThread") != names.end();
@@ -50,7 +54,7 @@ TEST_F(DisplayThreadTest, IsNobodyBeforeItIsStarted) {
   EXPECT_FALSE(thread.isRunning());
   EXPECT_FALSE(thread.isThisThread());
   EXPECT_FALSE(thread.isLost());
-  EXPECT_TRUE(thread.awaitEnd(Clock::now()));
+  EXPECT_TRUE(endsWithin(milliseconds(0)));
 }
 
 TEST_F(DisplayThreadTest, RunsItsBodyUnderItsName) {
@@ -65,15 +69,15 @@ TEST_F(DisplayThreadTest, RunsItsBodyUnderItsName) {
 TEST_F(DisplayThreadTest, IsGoneWhenItsEndHasBeenAwaited) {
   start();
   mayEnd = true;
-  EXPECT_TRUE(thread.awaitEnd(inTime()));
+  EXPECT_TRUE(endsInTime());
   EXPECT_FALSE(thread.isRunning());
   EXPECT_FALSE(isThere());
 }
 
-TEST_F(DisplayThreadTest, IsAwaitedToTheDeadlineOnly) {
+TEST_F(DisplayThreadTest, IsAwaitedUntilTheBudgetIsSpentOnly) {
   start();
   const auto before = Clock::now();
-  EXPECT_FALSE(thread.awaitEnd(before + milliseconds(20)));
+  EXPECT_FALSE(endsWithin(milliseconds(20)));
   EXPECT_GE(Clock::now() - before, milliseconds(20));
   EXPECT_TRUE(thread.isRunning());
 }
@@ -84,14 +88,14 @@ TEST_F(DisplayThreadTest, TellsThatItCouldNotBeStarted) {
   start();
   EXPECT_EQ(said.text(), "Internal error: SDL_CreateThread failed: refused by the test\n");
   EXPECT_FALSE(thread.isRunning());
-  EXPECT_TRUE(thread.awaitEnd(Clock::now()));
+  EXPECT_TRUE(endsWithin(milliseconds(0)));
 }
 
 TEST_F(DisplayThreadTest, IsNeitherJoinedNorDetached) {
   start();
   EXPECT_EQ(recorder.count("SDL_CreateThread"), 1U);
   mayEnd = true;
-  EXPECT_TRUE(thread.awaitEnd(inTime()));
+  EXPECT_TRUE(endsInTime());
   EXPECT_EQ(recorder.count("SDL_WaitThread"), 0U);
   EXPECT_EQ(recorder.count("SDL_DetachThread"), 0U);
 }

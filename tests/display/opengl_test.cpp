@@ -1,4 +1,4 @@
-#include "display/opengl.hpp"
+#include "process/opengl.hpp"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 #include "support/os_facts.hpp"
 #include "support/wait_until.hpp"
 

@@ -5,7 +5,7 @@
 #include <thread>
 #include <utility>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 #include "support/wait_until.hpp"
 
 namespace framesink::test {

@@ -21,30 +21,24 @@ constexpr Position kUsersPlace{500, 600};
 class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterface<bool> {
  protected:
   WindowSetup setup() const {
-    return {.name = "name",
-            .title = "title",
-            .frameSize = kFrameSize,
-            .position = kPlace,
-            .windowSize = kWindowSize,
-            .openNow = 1,
-            .synchronous = GetParam()};
+    return {
+        .name = "name",
+        .window = {.title = "title", .frameSize = kFrameSize, .geometry = {kPlace, kWindowSize}},
+        .openNow = true,
+        .synchronous = GetParam()};
   }
 
   // Sets the window up and waits until a player that was asked for has its window.
   void apply(const WindowSetup& wish) {
     registry.setupVideoWindow(wish);
-    if (record() != nullptr && record()->playerId >= 0) geometry();
+    if (record() != nullptr && record()->playerId != kNoPlayer) geometry();
   }
   VideoWindow* record() const { return registry.findVideoWindow("name"); }
-  std::int32_t player() const { return record()->playerId; }
-  SdlServer& server() const { return serverFor(record()->synchronous != 0); }
-  std::optional<WindowGeometry> geometry() const {
-    return server().windowGeometry(static_cast<std::uint32_t>(player()));
-  }
+  PlayerId player() const { return record()->playerId; }
+  SdlServer& server() const { return serverFor(record()->synchronous); }
+  std::optional<WindowGeometry> geometry() const { return server().windowGeometry(player()); }
   bool isOpen() const { return registry.isVideoWindowOpen(*record()); }
-  bool isFullscreen() const {
-    return server().isPlayerFullscreen(static_cast<std::uint32_t>(player()));
-  }
+  bool isFullscreen() const { return server().isPlayerFullscreen(player()); }
   std::size_t windowsMade() const { return recorder.count("SDL_CreateWindow"); }
   // x, y, width, height of the window made last.
   Numbers madeAt() const {
@@ -55,7 +49,7 @@ class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterf
   // The user's hand.
   void happens(const SDL_Event& event) {
     push(event);
-    if (record()->synchronous != 0) deliver(server(), kNoPlayer, plainFrame(kFrameSize, 0));
+    if (record()->synchronous) deliver(server(), kNoPlayer, plainFrame(kFrameSize, 0));
   }
   std::uint32_t lastWindowId() const {
     return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
@@ -89,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(Display, RegistrySetupTest, testing::Bool(), [](const a
 
 TEST_P(RegistrySetupTest, RegistersWithoutOpening) {
   WindowSetup wish = setup();
-  wish.openNow = 0;
+  wish.openNow = false;
   apply(wish);
   ASSERT_NE(record(), nullptr);
   EXPECT_EQ(player(), -1);
@@ -109,22 +103,22 @@ TEST_P(RegistrySetupTest, OpensAtTheFramesSizeUnderTheTitle) {
 
 TEST_P(RegistrySetupTest, OpensAtTheWindowSizeWhenThatIsUsed) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
+  wish.window.useWindowSize = true;
   apply(wish);
   EXPECT_EQ(madeAt(), (Numbers{60, 80, 320, 240}));
 }
 
 TEST_P(RegistrySetupTest, OpensAtTheFramesSizeWhenTheUsedWindowSizeIsTheMarkerTwice) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
-  wish.windowSize = {0x7FFFFFFF, 0x7FFFFFFF};
+  wish.window.useWindowSize = true;
+  wish.window.geometry.size = {0x7FFFFFFF, 0x7FFFFFFF};
   apply(wish);
   EXPECT_EQ(madeAt(), (Numbers{60, 80, 64, 48}));
 }
 
 TEST_P(RegistrySetupTest, OpensFullScreenWithTheWindowSizeToReturnTo) {
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   apply(wish);
   EXPECT_TRUE(isFullscreen());
   EXPECT_EQ(madeAt(), (Numbers{60, 80, 320, 240}));
@@ -133,7 +127,7 @@ TEST_P(RegistrySetupTest, OpensFullScreenWithTheWindowSizeToReturnTo) {
 TEST_P(RegistrySetupTest, TakesNameAndTitleWithBlanksForLineFeeds) {
   WindowSetup wish = setup();
   wish.name = "a\nb";
-  wish.title = "c\nd";
+  wish.window.title = "c\nd";
   registry.setupVideoWindow(wish);
   ASSERT_NE(registry.findVideoWindow("a b"), nullptr);
   EXPECT_TRUE(waitUntil([&] { return windowsMade() == 1; }));
@@ -142,7 +136,7 @@ TEST_P(RegistrySetupTest, TakesNameAndTitleWithBlanksForLineFeeds) {
 
 TEST_P(RegistrySetupTest, TakesAFrameWithoutPixels) {
   WindowSetup wish = setup();
-  wish.frameSize = {0, 0};
+  wish.window.frameSize = {0, 0};
   const CaptureStderr said;
   apply(wish);
   EXPECT_TRUE(isOpen());
@@ -151,7 +145,7 @@ TEST_P(RegistrySetupTest, TakesAFrameWithoutPixels) {
 
 TEST_P(RegistrySetupTest, AFrameTooLargeIsOutOfMemoryAndLeavesNoRecord) {
   WindowSetup wish = setup();
-  wish.frameSize = {0x8000, 0x8000};
+  wish.window.frameSize = {0x8000, 0x8000};
   EXPECT_THROW(registry.setupVideoWindow(wish), std::bad_alloc);
   EXPECT_EQ(record(), nullptr);
 }
@@ -173,10 +167,10 @@ TEST_P(RegistrySetupTest, AnUnchangedWindowStays) {
 TEST_P(RegistrySetupTest, AnUnchangedWindowStaysWhateverTitlePlaceOrOpeningIsAskedFor) {
   apply(setup());
   WindowSetup wish = setup();
-  wish.title = "another";
-  wish.position = {1, 2};
-  wish.windowSize = {3, 4};
-  wish.openNow = 0;
+  wish.window.title = "another";
+  wish.window.geometry.position = {1, 2};
+  wish.window.geometry.size = {3, 4};
+  wish.openNow = false;
   apply(wish);
   EXPECT_EQ(player(), 0);
   EXPECT_TRUE(isOpen());
@@ -195,7 +189,7 @@ TEST_P(RegistrySetupTest, AMovedWindowStays) {
 
 TEST_P(RegistrySetupTest, AResizedWindowStaysWhenItsOwnSizeIsUsed) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
+  wish.window.useWindowSize = true;
   apply(wish);
   userMovesAndResizes();
   apply(wish);
@@ -205,7 +199,7 @@ TEST_P(RegistrySetupTest, AResizedWindowStaysWhenItsOwnSizeIsUsed) {
 
 TEST_P(RegistrySetupTest, AnUnchangedFullScreenWindowStays) {
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   apply(wish);
   apply(wish);
   EXPECT_EQ(player(), 0);
@@ -218,7 +212,7 @@ TEST_P(RegistrySetupTest, AChangedFrameSizeGivesAFreshWindowInTheUsersPlace) {
   apply(setup());
   userMovesAndResizes();
   WindowSetup wish = setup();
-  wish.frameSize = {50, 40};
+  wish.window.frameSize = {50, 40};
   apply(wish);
   EXPECT_EQ(player(), 1);
   EXPECT_EQ(madeAt(), (Numbers{500, 600, 50, 40}));
@@ -228,10 +222,10 @@ TEST_P(RegistrySetupTest, AChangedFrameSizeGivesAFreshWindowInTheUsersPlace) {
 
 TEST_P(RegistrySetupTest, AChangedFrameSizeKeepsTheUsersWindowSizeWhenOneIsUsed) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
+  wish.window.useWindowSize = true;
   apply(wish);
   userMovesAndResizes();
-  wish.frameSize = {50, 40};
+  wish.window.frameSize = {50, 40};
   apply(wish);
   EXPECT_EQ(player(), 1);
   EXPECT_EQ(madeAt(), (Numbers{500, 600, 400, 300}));
@@ -240,10 +234,10 @@ TEST_P(RegistrySetupTest, AChangedFrameSizeKeepsTheUsersWindowSizeWhenOneIsUsed)
 TEST_P(RegistrySetupTest, EitherSideOfTheFrameCounts) {
   apply(setup());
   WindowSetup wish = setup();
-  wish.frameSize = {kFrameSize.width, 40};
+  wish.window.frameSize = {kFrameSize.width, 40};
   apply(wish);
   EXPECT_EQ(player(), 1);
-  wish.frameSize = {50, 40};
+  wish.window.frameSize = {50, 40};
   apply(wish);
   EXPECT_EQ(player(), 2);
 }
@@ -260,7 +254,7 @@ TEST_P(RegistrySetupTest, AWindowThatIsToBeFullScreenIsMadeAfreshInTheUsersPlace
   apply(setup());
   userMovesAndResizes();
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   apply(wish);
   EXPECT_EQ(player(), 1);
   EXPECT_TRUE(isFullscreen());
@@ -269,10 +263,10 @@ TEST_P(RegistrySetupTest, AWindowThatIsToBeFullScreenIsMadeAfreshInTheUsersPlace
 
 TEST_P(RegistrySetupTest, AFullScreenWindowThatIsToBeWindowedIsMadeAfreshAsAskedFor) {
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   apply(wish);
   wish = setup();
-  wish.position = {11, 22};
+  wish.window.geometry.position = {11, 22};
   apply(wish);
   EXPECT_EQ(player(), 1);
   EXPECT_FALSE(isFullscreen());
@@ -281,7 +275,7 @@ TEST_P(RegistrySetupTest, AFullScreenWindowThatIsToBeWindowedIsMadeAfreshAsAsked
 
 TEST_P(RegistrySetupTest, AFullScreenWindowThatTheUserLeftIsMadeFullScreenAfresh) {
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   apply(wish);
   userPressesEscape();
   apply(wish);
@@ -291,7 +285,7 @@ TEST_P(RegistrySetupTest, AFullScreenWindowThatTheUserLeftIsMadeFullScreenAfresh
 
 TEST_P(RegistrySetupTest, AChangedSynchronousFlagGivesAFreshWindowInTheUsersPlaceAndSize) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
+  wish.window.useWindowSize = true;
   apply(wish);
   userMovesAndResizes();
   SdlServer& before = server();
@@ -308,8 +302,8 @@ TEST_P(RegistrySetupTest, AChangedSynchronousFlagGivesAFreshWindowInTheUsersPlac
 TEST_P(RegistrySetupTest, AnOpenWindowIsReopenedEvenWhenNoOpeningIsAskedFor) {
   apply(setup());
   WindowSetup wish = setup();
-  wish.frameSize = {50, 40};
-  wish.openNow = 0;
+  wish.window.frameSize = {50, 40};
+  wish.openNow = false;
   apply(wish);
   EXPECT_EQ(player(), 1);
   EXPECT_TRUE(isOpen());
@@ -318,7 +312,7 @@ TEST_P(RegistrySetupTest, AnOpenWindowIsReopenedEvenWhenNoOpeningIsAskedFor) {
 TEST_P(RegistrySetupTest, TheOldWindowIsClosed) {
   apply(setup());
   WindowSetup wish = setup();
-  wish.frameSize = {50, 40};
+  wish.window.frameSize = {50, 40};
   apply(wish);
   EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_DestroyWindow") == 1; }));
 }
@@ -327,7 +321,7 @@ TEST_P(RegistrySetupTest, AFreshRecordHasAZeroedFrameBuffer) {
   apply(setup());
   record()->frameBuffer[0] = 77;
   WindowSetup wish = setup();
-  wish.frameSize = {50, 40};
+  wish.window.frameSize = {50, 40};
   apply(wish);
   EXPECT_EQ(record()->frameBuffer[0], 0);
 }
@@ -338,7 +332,7 @@ TEST_P(RegistrySetupTest, AClosedWindowIsNotReopenedUnasked) {
   apply(setup());
   userCloses();
   WindowSetup wish = setup();
-  wish.openNow = 0;
+  wish.openNow = false;
   apply(wish);
   EXPECT_EQ(player(), -1);
   EXPECT_EQ(windowsMade(), 1U);

@@ -10,20 +10,22 @@
 namespace framesink::test {
 namespace {
 
+const WindowRequest kRequest{.title = "name",
+                             .frameSize = kFrameSize,
+                             .geometry = {kPlace, {320, 240}},
+                             .useWindowSize = true};
+
 class RegistryWindowsTest : public ManagedXTest {
  protected:
   WindowSetup setup() const {
     return {.name = "name",
-            .title = "title",
-            .frameSize = kFrameSize,
-            .position = kPlace,
-            .windowSize = {320, 240},
-            .openNow = 1};
+            .window = {.title = "title", .frameSize = kFrameSize, .geometry = {kPlace, {320, 240}}},
+            .openNow = true};
   }
   VideoWindow& record() const { return *registry.findVideoWindow("name"); }
   Window apply(const WindowSetup& wish) {
     registry.setupVideoWindow(wish);
-    return x.waitForWindow(wish.title);
+    return x.waitForWindow(wish.window.title);
   }
   // What the registry reports.
   Geometry reported() const {
@@ -66,12 +68,12 @@ TEST_F(RegistryWindowsTest, AKeptWindowKeepsItsPicture) {
 
 TEST_F(RegistryWindowsTest, AChangedFrameSizeGivesAFreshWindowWhereTheUserLeftTheOldOne) {
   WindowSetup wish = setup();
-  wish.useWindowSize = 1;
+  wish.window.useWindowSize = true;
   const Window window = apply(wish);
   userMovesAndResizes(window);
   const Geometry left = x.geometry(window);
   SdlRecorder recorder;
-  wish.frameSize = {32, 24};
+  wish.window.frameSize = {32, 24};
   registry.setupVideoWindow(wish);
   ASSERT_TRUE(waitUntil([&] { return !x.exists(window); }));
   const Window fresh = x.waitForWindow("title");
@@ -87,7 +89,7 @@ TEST_F(RegistryWindowsTest, AChangedFrameSizeGivesAFreshWindowWhereTheUserLeftTh
 TEST_F(RegistryWindowsTest, AChangedSynchronousFlagGivesAFreshWindow) {
   const Window window = apply(setup());
   WindowSetup wish = setup();
-  wish.synchronous = 1;
+  wish.synchronous = true;
   registry.setupVideoWindow(wish);
   ASSERT_TRUE(waitUntil([&] { return !x.exists(window); }));
   EXPECT_TRUE(x.waitForWindow("title") != window);
@@ -97,7 +99,7 @@ TEST_F(RegistryWindowsTest, AChangedSynchronousFlagGivesAFreshWindow) {
 TEST_F(RegistryWindowsTest, AChangedFullScreenFlagGivesAFreshWindow) {
   const Window window = apply(setup());
   WindowSetup wish = setup();
-  wish.fullscreen = 1;
+  wish.window.fullscreen = true;
   registry.setupVideoWindow(wish);
   ASSERT_TRUE(waitUntil([&] { return !x.exists(window); }));
   const Window fresh = x.waitForWindow("title");
@@ -124,7 +126,7 @@ TEST_F(RegistryWindowsTest, AWindowThatTheUserClosedIsKnownAsClosed) {
 
 TEST_F(RegistryWindowsTest, AWindowThatTheUserClosedIsOpenedAgain) {
   userCloses(apply(setup()));
-  registry.openVideoWindow(record(), kFrameSize, 0, {320, 240}, kPlace);
+  registry.openVideoWindow(record(), kRequest);
   const Window window = x.waitForWindow("name");
   EXPECT_EQ(x.geometry(window).width, 320);
 }
@@ -133,10 +135,10 @@ TEST_F(RegistryWindowsTest, OpeningAnOpenWindowRaisesIt) {
   const Window window = apply(setup());
   WindowSetup other = setup();
   other.name = "other";
-  other.title = "other title";
+  other.window.title = "other title";
   const Window otherWindow = apply(other);
   ASSERT_TRUE(waitUntil([&] { return x.stackingTop() == otherWindow; }));
-  registry.openVideoWindow(record(), kFrameSize, 0, {320, 240}, kPlace);
+  registry.openVideoWindow(record(), kRequest);
   EXPECT_TRUE(waitUntil([&] { return x.stackingTop() == window; }));
 }
 
@@ -154,7 +156,7 @@ TEST_F(RegistryWindowsTest, AClosedRecordsWindowGoes) {
 
 TEST_F(RegistryWindowsTest, AClosedRecordsSynchronousWindowStays) {
   WindowSetup wish = setup();
-  wish.synchronous = 1;
+  wish.synchronous = true;
   const Window window = apply(wish);
   registry.closeVideoWindow("name");
   deliver(synchronousServer(), kNoPlayer, plainFrame(kFrameSize, 0));

@@ -8,9 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include "display/sdl_session.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
+#include "process/sdl_session.hpp"
 #include "shown_frames.hpp"
 #include "support/allocations.hpp"
 #include "support/sdl_recorder.hpp"
@@ -23,16 +23,19 @@ using Names = std::vector<std::string>;
 
 class SdlPlayerTest : public DummyVideoTest {
  protected:
-  SdlPlayerTest() { initSdlVideo(); }
+  SdlPlayerTest() { initVideo(); }
   ~SdlPlayerTest() override {
     player.reset();
     quitSdl();
   }
 
   void make(const Frame& initialFrame, bool fullscreen = false) {
-    const WindowGeometry requested{kPlace, {320, 240}};
-    player = std::make_unique<SdlPlayer>(initialFrame.data(), initialFrame.size, "title", requested,
-                                         fullscreen, 5);
+    player = std::make_unique<SdlPlayer>(initialFrame.data(),
+                                         requestFor({.title = "title",
+                                                     .frameSize = initialFrame.size,
+                                                     .windowSize = Size{320, 240},
+                                                     .fullscreen = fullscreen}),
+                                         5);
   }
   // With its window made and its initial frame shown.
   void open(const Frame& initialFrame) {
@@ -74,14 +77,15 @@ TEST_F(SdlPlayerTest, HasItsInitialFrameToShow) {
 TEST_F(SdlPlayerTest, AFrameTooLargeForABufferIsOutOfMemory) {
   const Frame frame = plainFrame({1, 1}, 0);
   const auto construct = [&] {
-    return SdlPlayer(frame.data(), {0x8000, 0x8000}, "", {}, false, 0);
+    return SdlPlayer(frame.data(), requestFor({.frameSize = {0x8000, 0x8000}}), 0);
   };
   EXPECT_THROW(construct(), std::bad_alloc);
 }
 
 TEST_F(SdlPlayerTest, TakesFramesWithoutPixels) {
   const std::vector<std::uint8_t> none;
-  const SdlPlayer empty(none.data(), {0, 0}, "", {kPlace, {64, 48}}, false, 0);
+  const SdlPlayer empty(none.data(), requestFor({.frameSize = {0, 0}, .windowSize = Size{64, 48}}),
+                        0);
   EXPECT_TRUE(empty.hasNewFrame());
 }
 

@@ -1,4 +1,4 @@
-#include "display/sdl_session.hpp"
+#include "process/sdl_session.hpp"
 
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -32,15 +32,15 @@ class SdlSessionTest : public DummyVideoTest {
 };
 
 TEST_F(SdlSessionTest, InitialisesVideoAloneAndOnce) {
-  initSdlVideo();
-  initSdlVideo();
+  initVideo();
+  initVideo();
   ASSERT_EQ(recorder.count("SDL_Init"), 1U);
   EXPECT_EQ(recorder.last("SDL_Init").arguments[0], 0x20);
 }
 
 TEST_F(SdlSessionTest, LeavesTheScreenSaverEnabledOnce) {
-  initSdlVideo();
-  initSdlVideo();
+  initVideo();
+  initVideo();
   EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
   EXPECT_EQ(SDL_IsScreenSaverEnabled(), SDL_TRUE);
 }
@@ -48,7 +48,7 @@ TEST_F(SdlSessionTest, LeavesTheScreenSaverEnabledOnce) {
 TEST_F(SdlSessionTest, TellsThatVideoDidNotComeUpAndCarriesOn) {
   recorder.refuse("SDL_Init");
   const CaptureStderr said;
-  initSdlVideo();
+  initVideo();
   EXPECT_EQ(said.text(), "Could not initialize SDL: refused by the test\n");
   EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
 }
@@ -56,14 +56,14 @@ TEST_F(SdlSessionTest, TellsThatVideoDidNotComeUpAndCarriesOn) {
 TEST_F(SdlSessionTest, LeavesVideoAloneThatIsUpAlready) {
   ASSERT_EQ(SDL_VideoInit(nullptr), 0);
   SDL_VideoQuit();
-  initSdlVideo();
+  initVideo();
   recorder.forget();
-  initSdlVideo();
+  initVideo();
   EXPECT_EQ(recorder.order(), Names{"SDL_WasInit"});
 }
 
 TEST_F(SdlSessionTest, SetsTheThreeHintsBeforeInitialisation) {
-  initSdlVideo();
+  initVideo();
   const Names order = recorder.order();
   EXPECT_EQ(order, (Names{"SDL_WasInit", "SDL_SetHintWithPriority", "SDL_SetHintWithPriority",
                           "SDL_SetHintWithPriority", "SDL_Init", "SDL_EnableScreenSaver"}));
@@ -76,14 +76,14 @@ TEST_F(SdlSessionTest, TheUsersEnvironmentWinsOverTheHints) {
   const ScopedVariable acceleration("SDL_FRAMEBUFFER_ACCELERATION", "software");
   const ScopedVariable signals("SDL_NO_SIGNAL_HANDLERS", "0");
   const ScopedVariable compositor("SDL_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR", "1");
-  initSdlVideo();
+  initVideo();
   EXPECT_EQ(hint(SDL_HINT_FRAMEBUFFER_ACCELERATION), "software");
   EXPECT_EQ(hint(SDL_HINT_NO_SIGNAL_HANDLERS), "0");
   EXPECT_EQ(hint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR), "1");
 }
 
 TEST_F(SdlSessionTest, LeavesSignalsToTheHost) {
-  initSdlVideo();
+  initVideo();
   for (const int number : {SIGINT, SIGTERM}) {
     struct sigaction action {};
     ASSERT_EQ(sigaction(number, nullptr, &action), 0);
@@ -102,7 +102,7 @@ TEST_F(SdlSessionTest, QuittingEndsTheGeneration) {
 
 TEST_F(SdlSessionTest, AnInitialisationBeginsNoGeneration) {
   const std::uint32_t first = sdlGeneration();
-  initSdlVideo();
+  initVideo();
   EXPECT_EQ(sdlGeneration(), first);
 }
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "display/sdl_session.hpp"
 #include "display/sdl_window.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
+#include "process/sdl_session.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/foreign_leaks.hpp"
 #include "support/sdl_recorder.hpp"
@@ -49,13 +49,13 @@ class CaptureLog {
 
 class SdlWindowFailureTest : public DummyVideoTest {
  protected:
-  SdlWindowFailureTest() { initSdlVideo(); }
+  SdlWindowFailureTest() { initVideo(); }
   ~SdlWindowFailureTest() override {
     window.reset();
     quitSdl();
   }
 
-  void open() { window = std::make_unique<SdlWindow>(kFrameSize, "", kFrameSize, kPlace, false); }
+  void open() { window = std::make_unique<SdlWindow>(requestFor()); }
 
   std::string saidWhileOpening() {
     const CaptureStderr said;
@@ -74,7 +74,7 @@ TEST_F(SdlWindowFailureTest, TellsThatSdlMadeNoWindow) {
 
 TEST_F(SdlWindowFailureTest, TellsWhySdlMakesNoWindowOf20000Pixels) {
   const CaptureStderr said;
-  const SdlWindow tooWide(kFrameSize, "", {30000, 10}, kPlace, false);
+  const SdlWindow tooWide(requestFor({.windowSize = Size{30000, 10}}));
   EXPECT_EQ(said.text(), "Could not create window: Window is too large.\n");
 }
 
@@ -219,7 +219,7 @@ TEST_F(SdlWindowLostTextureTest, DrawsNothing) {
 
 TEST_F(SdlWindowLostTextureTest, NothingOfThatSdlIsTouchedAgain) {
   open();
-  SdlWindow other(kFrameSize, "", kFrameSize, kPlace, false);
+  SdlWindow other(requestFor());
   recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   showFrame();

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "display/sdl_session.hpp"
 #include "display_helpers.hpp"
 #include "frames.hpp"
+#include "process/sdl_session.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/sdl_recorder.hpp"
 
@@ -34,12 +34,15 @@ struct WindowWish {
 
 class SdlWindowTest : public DummyVideoTest {
  protected:
-  SdlWindowTest() { initSdlVideo(); }
+  SdlWindowTest() { initVideo(); }
   ~SdlWindowTest() override { quitSdl(); }
 
   static std::unique_ptr<SdlWindow> open(const WindowWish& wish = {}) {
-    return std::make_unique<SdlWindow>(wish.textureSize, "title", wish.size, wish.position,
-                                       wish.fullscreen);
+    return std::make_unique<SdlWindow>(requestFor({.title = "title",
+                                                   .frameSize = wish.textureSize,
+                                                   .windowSize = wish.size,
+                                                   .position = wish.position,
+                                                   .fullscreen = wish.fullscreen}));
   }
 
   // x, y, width, height, flags as SDL gets them; the window may be more than SDL can make.

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "display/platform.hpp"
 #include "display/sdl_server.hpp"
 #include "display_helpers.hpp"
+#include "process/platform.hpp"
 
 namespace framesink::test {
 

@@ -100,7 +100,7 @@ TEST_F(SynchronousSdlServerTest, APlayerWithoutMemoryForItsWindowIsNotAdded) {
     const Frame black = plainFrame(kFrameSize, 0);
     const auto add = [&] {
       const OutOfMemory afterThese(left);
-      server.addPlayer(black.data(), kFrameSize, "", {}, false);
+      server.addPlayer(black.data(), {.title = "", .frameSize = kFrameSize});
     };
     EXPECT_THROW(add(), std::bad_alloc) << left << " allocations";
   }

@@ -1,4 +1,4 @@
-#include "display/texture_packing.hpp"
+#include "simd/texture_packing.hpp"
 
 #include <gtest/gtest.h>
 #include <hwy/highway.h>
@@ -19,7 +19,7 @@ constexpr std::uint32_t kUntouched = 0x12345678;
 
 std::vector<std::uint32_t> packed(const Frame& frame) {
   std::vector<std::uint32_t> pixels(std::size_t{frame.size.width} * frame.size.height);
-  copyPlanesToTexture(frame.data(), pixels.data(), frame.size);
+  copyPlanesToTexture(frame.data(), pixels.data(), frame.size.width, frame.size.height);
   return pixels;
 }
 
@@ -87,7 +87,7 @@ class GuardedPacking {
       hwy::SetSupportedTargetsForTest(target);
       std::fill_n(pixels, expected.size(), kUntouched);
       pixels[neighbour] = kUntouched;
-      copyPlanesToTexture(planes, pixels, frame.size);
+      copyPlanesToTexture(planes, pixels, frame.size.width, frame.size.height);
       if (!std::ranges::equal(expected, std::span(pixels, expected.size())) ||
           pixels[neighbour] != kUntouched) {
         found = std::to_string(frame.size.width) + " x " + std::to_string(frame.size.height) +
@@ -126,7 +126,7 @@ TEST(TexturePacking, CarriesEverySampleOfLargeFramesAndTouchesNoOther) {
 TEST(TexturePacking, AFrameWithoutPixelsTouchesNothing) {
   std::uint32_t pixel = kUntouched;
   for (const Size size : {Size{0, 0}, Size{0, 5}, Size{5, 0}}) {
-    copyPlanesToTexture(nullptr, &pixel, size);
+    copyPlanesToTexture(nullptr, &pixel, size.width, size.height);
     EXPECT_EQ(pixel, kUntouched);
   }
 }

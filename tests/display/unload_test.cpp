@@ -9,10 +9,10 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "display/host_calls.hpp"
 #include "display/server_instances.hpp"
 #include "display_helpers.hpp"
 #include "hold.hpp"
+#include "process/host_calls.hpp"
 #include "server_fixtures.hpp"
 #include "support/os_facts.hpp"
 #include "support/x_fixtures.hpp"

@@ -18,6 +18,14 @@
 namespace framesink::test {
 namespace {
 
+WindowRequest request(Size frameSize, Size windowSize, bool fullscreen = false) {
+  return {.title = "name",
+          .frameSize = frameSize,
+          .geometry = {kPlace, windowSize},
+          .useWindowSize = true,
+          .fullscreen = fullscreen};
+}
+
 class VideoWindowRegistryTest : public DummyVideoTest {
  protected:
   struct PosSize {
@@ -36,12 +44,9 @@ class VideoWindowRegistryTest : public DummyVideoTest {
   }
   VideoWindow* openRecord(const std::string& name, bool synchronous = false) {
     VideoWindow* window = registry.registerVideoWindow(name, kFrameSize, synchronous);
-    registry.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
+    registry.openVideoWindow(*window, request(kFrameSize, {320, 240}));
     EXPECT_TRUE(registry.isVideoWindowOpen(*window));
     return window;
-  }
-  static std::uint32_t playerOf(const VideoWindow& window) {
-    return static_cast<std::uint32_t>(window.playerId);
   }
   // Waits until the threaded server has really closed it.
   static bool awaitClosed(std::uint32_t player) {
@@ -191,7 +196,7 @@ TEST_F(VideoWindowRegistryTest, OpensInTheServerThatTheFlagSelects) {
 
 TEST_F(VideoWindowRegistryTest, RaisesAPlayerThatIsOpen) {
   VideoWindow* window = openRecord("name");
-  registry.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
+  registry.openVideoWindow(*window, request(kFrameSize, {320, 240}));
   EXPECT_EQ(window->playerId, 0);
   EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 1U);
   EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
@@ -200,7 +205,7 @@ TEST_F(VideoWindowRegistryTest, RaisesAPlayerThatIsOpen) {
 TEST_F(VideoWindowRegistryTest, OpensAFreshPlayerForAClosedOne) {
   VideoWindow* window = openRecord("name");
   threadedServer().closePlayer(0);
-  registry.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
+  registry.openVideoWindow(*window, request(kFrameSize, {320, 240}));
   EXPECT_EQ(window->playerId, 1);
   EXPECT_TRUE(hasWindow(threadedServer(), 1));
   EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 0U);
@@ -208,7 +213,7 @@ TEST_F(VideoWindowRegistryTest, OpensAFreshPlayerForAClosedOne) {
 
 TEST_F(VideoWindowRegistryTest, AWindowSizeOfTheMarkerTwiceOpensAtTheFramesSize) {
   VideoWindow* window = registry.registerVideoWindow("name", {31, 17}, 1);
-  registry.openVideoWindow(*window, {31, 17}, 0, {0x7FFFFFFF, 0x7FFFFFFF}, kPlace);
+  registry.openVideoWindow(*window, request({31, 17}, {0x7FFFFFFF, 0x7FFFFFFF}));
   const Numbers created = recorder.last("SDL_CreateWindow").arguments;
   EXPECT_EQ(created[3], 31);
   EXPECT_EQ(created[4], 17);
@@ -219,13 +224,13 @@ TEST_F(VideoWindowRegistryTest, AWindowSizeOfTheMarkerTwiceOpensAtTheFramesSize)
 TEST_F(VideoWindowRegistryTest, OneMarkerAloneIsASize) {
   VideoWindow* window = registry.registerVideoWindow("name", {31, 17}, 1);
   const CaptureStderr tooLarge;
-  registry.openVideoWindow(*window, {31, 17}, 0, {0x7FFFFFFF, 17}, kPlace);
+  registry.openVideoWindow(*window, request({31, 17}, {0x7FFFFFFF, 17}));
   EXPECT_EQ(recorder.last("SDL_CreateWindow").arguments[3], 20000);
 }
 
 TEST_F(VideoWindowRegistryTest, OpensFullScreen) {
   VideoWindow* window = registry.registerVideoWindow("name", kFrameSize, 1);
-  registry.openVideoWindow(*window, kFrameSize, 1, {320, 240}, kPlace);
+  registry.openVideoWindow(*window, request(kFrameSize, {320, 240}, true));
   EXPECT_TRUE(synchronousServer().isPlayerFullscreen(0));
 }
 
@@ -403,7 +408,7 @@ TEST_F(VideoWindowRegistryTest, ItsEndLeavesPlayersOpen) {
   {
     VideoWindowRegistry other;
     VideoWindow* window = other.registerVideoWindow("name", kFrameSize, 1);
-    other.openVideoWindow(*window, kFrameSize, 0, {320, 240}, kPlace);
+    other.openVideoWindow(*window, request(kFrameSize, {320, 240}));
   }
   EXPECT_TRUE(synchronousServer().hasOpenPlayer(0));
 }

@@ -7,8 +7,8 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "display/platform.hpp"
-#include "display/sdl_session.hpp"
+#include "process/platform.hpp"
+#include "process/sdl_session.hpp"
 
 namespace framesink::test {
 namespace {

@@ -95,7 +95,7 @@ void ModelHost::alignNumbers() {
   for (const bool synchronous : {false, true}) {
     SdlServer& server = serverFor(synchronous);
     for (int& id = model_.nextId[synchronous]; id < next; ++id) {
-      server.closePlayer(server.addPlayer(black, {1, 1}, "", {{}, {1, 1}}, false));
+      server.closePlayer(server.addPlayer(black, {.title = "", .frameSize = {1, 1}}));
     }
   }
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 #include "support/sdl_recorder.hpp"
 
 namespace framesink::test {

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 #include "support/sdl_recorder_state.hpp"
 
 namespace framesink::test {

@@ -4,8 +4,8 @@
 #include <array>
 #include <mutex>
 
-#include "display/platform.hpp"
-#include "display/sdl_session.hpp"
+#include "process/platform.hpp"
+#include "process/sdl_session.hpp"
 
 namespace framesink::test {
 namespace {

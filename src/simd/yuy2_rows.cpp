@@ -1,12 +1,12 @@
-#include "convert/yuy2_rows.hpp"
+#include "simd/yuy2_rows.hpp"
 
 #include <array>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "convert/yuy2_rows.cpp"
+#define HWY_TARGET_INCLUDE "simd/yuy2_rows.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.
-#include "convert/byte_rows-inl.hpp"
+#include "simd/byte_rows-inl.hpp"
 #include "simd/group_columns-inl.hpp"
 
 HWY_BEFORE_NAMESPACE();

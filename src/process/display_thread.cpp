@@ -1,4 +1,4 @@
-#include "display/display_thread.hpp"
+#include "process/display_thread.hpp"
 
 #include <cstdio>
 
@@ -25,10 +25,10 @@ int DisplayThread::main(void* self) {
   return 0;
 }
 
-bool DisplayThread::awaitEnd(std::chrono::steady_clock::time_point deadline) {
+bool DisplayThread::awaitEnd(WaitBudget& budget) {
   if (thread_ == nullptr) return true;
   while (running_ || !hasLeftLibrary(id_)) {
-    if (isLost() || std::chrono::steady_clock::now() >= deadline) return false;
+    if (isLost() || budget.isSpent()) return false;
     sleepFor(std::chrono::milliseconds(1));
   }
   giveBack(stack_);

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 
 namespace framesink {
 namespace {

@@ -1,10 +1,10 @@
-#include "display/texture_packing.hpp"
+#include "simd/texture_packing.hpp"
 
 #include <algorithm>
 #include <cstddef>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "display/texture_packing.cpp"
+#define HWY_TARGET_INCLUDE "simd/texture_packing.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.
 #include <hwy/cache_control.h>
@@ -29,9 +29,9 @@ constexpr std::size_t kColumnsAhead = 2 * kBlockColumns;
 
 class Packer {
  public:
-  Packer(const std::uint8_t* frame, std::uint8_t* pixels, Size size)
-      : width_(size.width),
-        height_(size.height),
+  Packer(const std::uint8_t* frame, std::uint8_t* pixels, std::size_t width, std::size_t height)
+      : width_(width),
+        height_(height),
         red_(frame),
         green_(red_ + width_ * height_),
         blue_(green_ + width_ * height_),
@@ -123,8 +123,9 @@ class Packer {
 
 }  // namespace
 
-void copyPlanesOfTarget(const std::uint8_t* frame, std::uint8_t* pixels, Size size) {
-  Packer(frame, pixels, size).pack(TileRows());
+void copyPlanesOfTarget(const std::uint8_t* frame, std::uint8_t* pixels, std::size_t width,
+                        std::size_t height) {
+  Packer(frame, pixels, width, height).pack(TileRows());
 }
 
 }  // namespace HWY_NAMESPACE
@@ -136,8 +137,10 @@ namespace framesink {
 
 HWY_EXPORT(copyPlanesOfTarget);
 
-void copyPlanesToTexture(const std::uint8_t* frame, void* pixels, Size size) {
-  HWY_DYNAMIC_DISPATCH(copyPlanesOfTarget)(frame, static_cast<std::uint8_t*>(pixels), size);
+void copyPlanesToTexture(const std::uint8_t* frame, void* pixels, std::size_t width,
+                         std::size_t height) {
+  HWY_DYNAMIC_DISPATCH(copyPlanesOfTarget)
+  (frame, static_cast<std::uint8_t*>(pixels), width, height);
 }
 
 }  // namespace framesink

@@ -1,4 +1,4 @@
-#include "display/opengl.hpp"
+#include "process/opengl.hpp"
 
 #if defined(__ELF__)
 

@@ -4,9 +4,9 @@
 #include <SDL.h>
 
 #include <atomic>
-#include <chrono>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
+#include "process/wait_budget.hpp"
 
 namespace framesink {
 
@@ -28,10 +28,10 @@ class DisplayThread {
   bool isLost() const { return running_ && id_ != 0 && isThreadGone(id_); }
 
   // Waits until the thread has said farewell and has left this library for good, because its code
-  // is about to be unmapped. True at once when there never was one; false at the deadline or when it
-  // is lost. The thread's stack is given back, so that loading and unloading many times costs little
-  // although the threads are never joined.
-  bool awaitEnd(std::chrono::steady_clock::time_point deadline);
+  // is about to be unmapped. True at once when there never was one; false when the budget is spent
+  // or the thread is lost. The thread's stack is given back, so that loading and unloading many
+  // times costs little although the threads are never joined.
+  bool awaitEnd(WaitBudget& budget);
 
  private:
   static int main(void* self);

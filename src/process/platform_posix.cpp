@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <ctime>
 
-#include "display/platform.hpp"
+#include "process/platform.hpp"
 
 namespace framesink {
 

@@ -1,10 +1,10 @@
-#include "display/host_calls.hpp"
+#include "process/host_calls.hpp"
 
 #include <array>
 #include <atomic>
 
-#include "display/platform.hpp"
-#include "display/sdl_session.hpp"
+#include "process/platform.hpp"
+#include "process/sdl_session.hpp"
 
 namespace framesink {
 namespace {
@@ -19,7 +19,6 @@ constinit std::atomic<bool> ended{false};
 constinit std::atomic<bool> givenUp{false};  // waited in vain once; not again
 
 constinit std::atomic<std::uint64_t> owner{0};  // the process that has windows; 0: none yet
-constinit std::atomic<std::int64_t> waited{0};  // milliseconds spent in endHostCalls
 
 std::size_t enter(OsThreadId thread) {
   for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
@@ -42,8 +41,6 @@ bool isFork() { return owner != 0 && owner != currentProcess(); }
 
 void claimForThisProcess() { owner = currentProcess(); }
 
-std::chrono::milliseconds waitedForHostCalls() { return std::chrono::milliseconds(waited); }
-
 // Counted before `ended` is looked at, as endHostCalls sets `ended` before it looks at the count:
 // one of the two sees the other.
 HostCall::HostCall() : slot_(kKnownCalls) {
@@ -59,20 +56,16 @@ HostCall::~HostCall() {
   callsUnderWay.fetch_sub(1);
 }
 
-bool endHostCalls(std::chrono::milliseconds patience) {
+bool endHostCalls(WaitBudget& budget) {
   ended = true;
   if (givenUp || isFork() || areOtherThreadsGone()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
-  const auto deadline = std::chrono::steady_clock::now() + patience;
   while (callsUnderWay != 0) {
-    if (std::chrono::steady_clock::now() >= deadline) {
+    if (budget.isSpent()) {
       givenUp = true;
       return false;
     }
     sleepFor(std::chrono::milliseconds(1));
-    waited = (patience - std::chrono::duration_cast<std::chrono::milliseconds>(
-                             deadline - std::chrono::steady_clock::now()))
-                 .count();
   }
   return true;
 }

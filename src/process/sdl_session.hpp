@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <mutex>
 
-#include "display/platform.hpp"
-#include "display/thread_safety.hpp"
+#include "process/platform.hpp"
+#include "process/thread_safety.hpp"
+#include "process/wait_budget.hpp"
 
 namespace framesink {
 
@@ -38,7 +39,7 @@ class FRAMESINK_SCOPED_LOCK InGate {
 };
 
 // Initialises SDL video unless it is up. Errors go to standard error, and work goes on.
-void initSdlVideo();
+void initVideo();
 
 // Makes SDL behave as a guest in the host's process. Before anything that may initialise SDL.
 void setSdlHints();
@@ -47,11 +48,14 @@ void setSdlHints();
 // window, renderer and texture are gone and must not be touched.
 std::uint32_t sdlGeneration();
 
-// Ends the generation and calls SDL_Quit.
+// Ends the generation, waits for the uses of its windows while the budget lasts, and calls SDL_Quit.
+void quitSdl(WaitBudget& budget);
+
+// The same outside of unloading, with a budget of its own.
 void quitSdl();
 
-// A host thread's use of a window of that generation outside the gate; holds up quitSdl meanwhile.
-// Tested false when the generation has ended.
+// A host thread's use of a window of that generation outside the gate; quitSdl waits for it. Tests
+// false when the generation has ended.
 class SdlUse {
  public:
   explicit SdlUse(std::uint32_t generation);

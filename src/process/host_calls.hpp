@@ -6,8 +6,9 @@
 // so it can be asked at any time.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
+
+#include "process/wait_budget.hpp"
 
 namespace framesink {
 
@@ -26,17 +27,11 @@ class HostCall {
   std::size_t slot_;
 };
 
-// Longest time that unloading waits for the display and for host calls under way.
-inline constexpr std::chrono::milliseconds kLongestUnload{20000};
-
 // Turns new host calls away, for good, and waits for those under way. False when nothing that they
 // use may be torn down: this thread is itself inside the library (in a host call, or in SDL through
-// a display pass), calls still run after `patience`, this process is a fork of the one whose
-// windows these are, or the system has ended all other threads.
-bool endHostCalls(std::chrono::milliseconds patience = kLongestUnload);
-
-// How much of its patience that has taken.
-std::chrono::milliseconds waitedForHostCalls();
+// a display pass), calls still run when the budget is spent, this process is a fork of the one whose
+// windows these are, or the operating system has ended all other threads.
+bool endHostCalls(WaitBudget& budget = unloadBudget());
 
 // Windows are about to be made: forks of this process leave them alone.
 void claimForThisProcess();

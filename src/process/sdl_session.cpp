@@ -1,10 +1,8 @@
-#include "display/sdl_session.hpp"
+#include "process/sdl_session.hpp"
 
 #include <SDL.h>
 
 #include <cstdio>
-
-#include "display/host_calls.hpp"
 
 #if defined(__ELF__)
 // The library still loads against an SDL that lacks it.
@@ -54,7 +52,7 @@ void setSdlHints() {
   SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
 }
 
-void initSdlVideo() {
+void initVideo() {
   if (isVideoUp()) return;
   setSdlHints();
   if (SDL_Init(SDL_INIT_VIDEO) < 0) {
@@ -71,13 +69,15 @@ void initSdlVideo() {
 
 std::uint32_t sdlGeneration() { return generation; }
 
-void quitSdl() {
+void quitSdl(WaitBudget& budget) {
   generation.fetch_add(1);
-  const auto deadline = std::chrono::steady_clock::now() + kLongestUnload;
-  while (uses != 0 && std::chrono::steady_clock::now() < deadline) {
-    sleepFor(std::chrono::milliseconds(1));
-  }
+  while (uses != 0 && !budget.isSpent()) sleepFor(std::chrono::milliseconds(1));
   SDL_Quit();
+}
+
+void quitSdl() {
+  WaitBudget budget(kLongestUnload);
+  quitSdl(budget);
 }
 
 // Counted before the generation is looked at, as quitSdl ends the generation before it looks at the

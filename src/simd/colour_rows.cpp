@@ -1,12 +1,12 @@
-#include "convert/colour_rows.hpp"
+#include "simd/colour_rows.hpp"
 
-#include "convert/colour_constants.hpp"
+#include "simd/colour_constants.hpp"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "convert/colour_rows.cpp"
+#define HWY_TARGET_INCLUDE "simd/colour_rows.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.
-#include "convert/byte_rows-inl.hpp"
+#include "simd/byte_rows-inl.hpp"
 
 HWY_BEFORE_NAMESPACE();
 namespace framesink {

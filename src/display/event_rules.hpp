@@ -1,0 +1,19 @@
+// What a player's window does when SDL reports an event for it.
+#pragma once
+
+#include <SDL.h>
+
+#include "display/sdl_player.hpp"
+#include "process/sdl_session.hpp"
+#include "process/thread_safety.hpp"
+
+namespace framesink {
+
+enum class AfterEvent { kGoOn, kClose };
+
+// Draws, remembers the new place or size, or leaves full screen, as the event requires. kClose: the
+// user asks to close the window, which is the server's to do. The player has a window.
+[[nodiscard]] AfterEvent handleEvent(const SDL_Event& event, SdlPlayer& player)
+    FRAMESINK_REQUIRES(sdlGate);
+
+}  // namespace framesink

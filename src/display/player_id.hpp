@@ -1,0 +1,14 @@
+// How the players of a server are addressed.
+#pragma once
+
+#include <cstdint>
+
+namespace framesink {
+
+// Each server counts its players 0, 1, 2, ... and never uses a number again.
+using PlayerId = std::uint32_t;
+
+// -1 as a signed number.
+inline constexpr PlayerId kNoPlayer = 0xFFFFFFFF;
+
+}  // namespace framesink
