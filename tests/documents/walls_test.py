@@ -1,0 +1,69 @@
+"""The walls of docs/architecture.md stand: no include crosses one, and no circle of units is closed."""
+
+import re
+from graphlib import CycleError, TopologicalSorter
+
+import pytest
+
+from blocks import ROOT
+
+PLAN = ROOT / "docs" / "architecture.md"
+# Where includes are looked up, as the build does.
+INCLUDE_FOLDERS = ["src", "include", "pixkit/include", "tools/framesink-play"]
+
+
+def walls():
+    """Which rooms each room may include, as the plan has it: lines `room -> room room`."""
+    block = re.search(r"\n## Walls\n.*?```text\n(.*?)```", PLAN.read_text(), re.DOTALL)[1]
+    lines = [line.split("->") for line in block.splitlines()]
+    return {room.strip(): allowed.split() for room, allowed in lines}
+
+
+def room_of(path):
+    """The innermost room of the plan that the file is in."""
+    rooms = [room for room in walls() if path.is_relative_to(ROOT / room)]
+    return max(rooms, key=len, default=None)
+
+
+def sources():
+    folders = ["include", "pixkit", "src", "tools/framesink-play"]
+    return [path for folder in folders for path in sorted((ROOT / folder).rglob("*")) if path.suffix in (".h", ".hpp", ".cpp")]
+
+
+def includes_of(path):
+    """Our own files that a file includes."""
+    for name in re.findall(r'^#include "([^"]+)"', path.read_text(), re.MULTILINE):
+        found = [folder for folder in [path.parent, *(ROOT / f for f in INCLUDE_FOLDERS)] if (folder / name).is_file()]
+        assert found, f"{path} includes {name}, which is nowhere"
+        yield (found[0] / name).resolve()
+
+
+def unit_of(path):
+    """A header and its source are one unit, whatever platform the source is for."""
+    return path.parent / re.sub(r"_(posix|windows)$|-inl$", "", path.stem)
+
+
+def test_every_source_is_in_a_room():
+    assert [path for path in sources() if room_of(path) is None] == []
+
+
+@pytest.mark.parametrize("path", sources(), ids=lambda path: str(path.relative_to(ROOT)))
+def test_no_include_crosses_a_wall(path):
+    room = room_of(path)
+    crossed = [str(file.relative_to(ROOT)) for file in includes_of(path) if room_of(file) not in [room, *walls()[room]]]
+    assert crossed == []
+
+
+def test_no_units_include_each_other_in_a_circle():
+    graph = {}
+    for path in sources():
+        needed = graph.setdefault(unit_of(path), set())
+        needed.update(unit_of(file) for file in includes_of(path) if unit_of(file) != unit_of(path))
+    try:
+        TopologicalSorter(graph).prepare()
+    except CycleError as circle:
+        pytest.fail("a circle: " + " -> ".join(str(unit.relative_to(ROOT)) for unit in circle.args[1]))
+
+
+def test_the_walls_themselves_close_no_circle():
+    TopologicalSorter(walls()).prepare()
