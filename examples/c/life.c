@@ -54,7 +54,7 @@ static void* openDisplay(void) {
                                   .heights = {ROWS},
                                   .dataType = FRAMESINK_BOOLEAN,
                                   .layout = 1};
-  char error[FRAMESINK_ERROR_BYTES + 1] = ""; /* the longest texts come without their zero */
+  char error[FRAMESINK_ERROR_BYTES + 1] = ""; /* a full buffer has no terminating zero */
   void* const block = libCreate(error, 0, kName, "Life", 0, &cells, 1, 100, 100, 1, COLUMNS * SCALE,
                                 ROWS * SCALE, 0, 0, 0);
   if (block == NULL) {

@@ -10,7 +10,7 @@ program heat
   integer, parameter :: rows = 200, columns = 320, steps_per_frame = 10
   character(*), parameter :: name = "examples/heat" // c_null_char
   real(c_double), target :: plate(rows, columns)
-  character(kind=c_char) :: error(framesink_error_bytes)
+  character(kind=c_char) :: error(framesink_error_bytes + 1)  ! the last byte stays zero
   type(c_ptr) :: display
   integer :: steps, step
 

@@ -209,8 +209,8 @@ def test_a_synchronous_display_is_for_the_thread_that_made_it(stub):
             errors.append(str(error))
 
     join(in_threads(show))
-    assert errors == ["the display 'name' is synchronous: only the thread that made it may show"]
-    with pytest.raises(RuntimeError, match="closed in show"):
+    assert errors == ["the display 'name' is synchronous: only the thread that created it may show frames"]
+    with pytest.raises(RuntimeError, match=r"can close only in show\(\)"):
         display.wait_until_closed()
 
 

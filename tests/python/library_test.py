@@ -69,12 +69,12 @@ def test_the_systems_loader_goes_last(package_elsewhere):
 def test_a_library_that_is_nowhere_is_told_with_the_places(package_elsewhere):
     status, _, complaints = version_in(package_elsewhere)
     assert status == 1
-    assert re.search(r"LibraryNotFoundError: cannot load libframesink\.so\.1 \(from the system's loader; FRAMESINK_LIBRARY "
-                     r"may name another, and there is no .*framesink/libframesink\.so\.1\)", complaints)
+    assert re.search(r"LibraryNotFoundError: cannot load libframesink\.so\.1 \(from the operating system's loader; "
+                     r"FRAMESINK_LIBRARY is not set, and there is no .*framesink/libframesink\.so\.1\)", complaints)
 
 
 def test_a_path_that_is_wrong_is_told_and_nothing_else_is_tried():
-    with pytest.raises(LibraryNotFoundError, match=r"cannot load /no/such/file \(as asked for\)"):
+    with pytest.raises(LibraryNotFoundError, match=r"cannot load /no/such/file \(as requested\)"):
         load("/no/such/file")
 
 

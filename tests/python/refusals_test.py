@@ -9,9 +9,9 @@ from framesink import Display
 @pytest.mark.parametrize(("shape", "dtype", "error", "words"), [
     ((4,), "uint8", ValueError, r"\(height, width\) or \(height, width, 3\), not \(4,\)"),
     ((4, 5, 4), "uint8", ValueError, r"not \(4, 5, 4\)"),
-    ((0, 5), "uint8", ValueError, "at least one row"),
+    ((0, 5), "uint8", ValueError, "must have at least one row"),
     ((40000, 40000), "uint8", ValueError, "larger than"),
-    ((4, 5), "int64", TypeError, "int64 samples cannot be shown; these can: float64, float32, int8"),
+    ((4, 5), "int64", TypeError, "int64 samples cannot be shown; use one of float64, float32, int8"),
     ((4, 5), "complex128", TypeError, "complex128"),
 ])
 def test_a_display_of_impossible_frames_raises(stub, shape, dtype, error, words):
@@ -21,7 +21,8 @@ def test_a_display_of_impossible_frames_raises(stub, shape, dtype, error, words)
 
 
 @pytest.mark.parametrize(("name", "error", "words"), [
-    ("", ValueError, "must not be empty"), ("a\0b", ValueError, "zero character"), (7, TypeError, "is a str, not int")])
+    ("", ValueError, "must not be empty"), ("a\0b", ValueError, "zero character"),
+    (7, TypeError, "must be a str, not int")])
 def test_a_display_of_an_impossible_name_raises(stub, name, error, words):
     with pytest.raises(error, match=words):
         Display(name, (4, 5), library=stub.loaded)
@@ -29,7 +30,7 @@ def test_a_display_of_an_impossible_name_raises(stub, name, error, words):
 
 @pytest.mark.parametrize("size", [(0, 5), (5, -1)])
 def test_a_window_without_pixels_raises(stub, size):
-    with pytest.raises(ValueError, match="at least 1"):
+    with pytest.raises(ValueError, match="must be at least 1"):
         Display("name", (4, 5), size=size, library=stub.loaded)
 
 

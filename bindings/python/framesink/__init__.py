@@ -1,7 +1,7 @@
 """Shows a running model's NumPy arrays in live windows.
 
-A Display takes frames of one shape and sample type and shows them in the window of its name; the window is
-drawn by a thread of the library, so the model never waits for it.
+A Display shows frames of one shape and sample type in the window of its name. A thread of the library draws the
+window, so the model never waits for it.
 """
 
 from .display import Display

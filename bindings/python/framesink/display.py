@@ -1,4 +1,4 @@
-"""Displays: where a model's frames go."""
+"""Display, which shows a model's frames in a window."""
 
 import ctypes
 import os
@@ -21,30 +21,31 @@ _SECONDS_BETWEEN_LOOKS = 0.01
 class Display:
     """Shows frames of one shape and sample type in the window of its name.
 
-    shape: (height, width) for intensity or (height, width, 3) for red, green and blue. dtype: float64 or float32,
-    from 0 (black) to 1 (white); int8, uint8, int16, uint16, int32, uint32 over their whole range; bool.
+    shape: (height, width) for intensity, (height, width, 3) for red, green and blue.
+    dtype: float64 or float32, from 0 (black) to 1 (white); int8, uint8, int16, uint16, int32 or uint32 over the
+        type's whole range; bool.
 
-    Planes that lie column by column in memory, as those of Fortran-ordered arrays do, are shown without a copy;
-    all others are copied first, and counted in `copies`. Frames may be of either byte order.
+    Column-major planes, such as those of Fortran-ordered arrays, are shown without a copy. All other planes are
+    copied first and counted in `copies`. Frames may have either byte order.
 
-    As a context manager a display ends with the block, and its window stays: see close().
+    A `with` block closes the display at its end. The window stays open, see close().
     """
 
     def __init__(self, name: str, shape: tuple[int, ...], dtype: DTypeLike = "uint8", *, title: str | None = None,
                  position: tuple[int, int] | None = None, size: tuple[int, int] | None = None,
                  fullscreen: bool = False, open: bool = True, synchronous: bool = False,
                  smaller_frames: bool = False, library: Library | str | os.PathLike[str] | None = None) -> None:
-        """Makes the display and opens its window.
+        """Creates the display and opens its window.
 
-        name: the window is known by it; a window of that name that is open already is taken over.
-        title: the window's; None takes the name.
-        position: x and y of the window; None lets the system choose.
-        size: width and height of the window; None takes the frame's.
+        name: the name of the window. If a window of that name is open, the display takes it over.
+        title: the title of the window; None uses the name.
+        position: x and y of the window; None lets the window system choose.
+        size: width and height of the window; None uses the frame's size.
         open: False leaves the window closed until window().open().
-        synchronous: draw inside show(), on this thread, instead of on the library's. Such a display is for the
-            thread that made it, and its window answers the user only during show().
-        smaller_frames: let show() take smaller frames, too; they are centred.
-        library: what load() returned, or a path for load().
+        synchronous: True draws inside show(), on the calling thread, instead of on the library's thread. Only the
+            thread that created such a display may use it, and its window responds to the user only during show().
+        smaller_frames: True lets show() accept smaller frames, which are centred.
+        library: the result of load(), or a path for load().
         """
         self._format = FrameFormat(shape, dtype)
         self._source = PlaneSource(self._format)
@@ -52,7 +53,7 @@ class Display:
         self._library = library if isinstance(library, Library) else load(library)
         self._smaller = smaller_frames
         self._thread = threading.get_ident() if synchronous else None
-        # The copies, the error text and the block are for one thread at a time.
+        # Guards the copies, the error text and the block.
         self._turn = threading.RLock()
         self._error = ctypes.create_string_buffer(interface.ERROR_BYTES)
         title = checked_text(name if title is None else title, "a title")
@@ -61,10 +62,10 @@ class Display:
             "libCreate", self._error, 0, name.encode(), title.encode(), fullscreen, self._format.description(), open,
             x, y, size is not None, width, height, 0, smaller_frames, synchronous)
         if block is None:
-            raise DisplayError(self._message() or "the library made no display")
+            raise DisplayError(self._message() or "the library created no display")
         self._block = block
         self._end = weakref.finalize(self, _destroy, self._library, block)
-        self._end.atexit = False  # the end of the process needs nothing of this
+        self._end.atexit = False  # not needed when the process ends
         self._library.call("libStart", block, self._error)
         self._raise_error()
 
@@ -90,31 +91,32 @@ class Display:
 
     @property
     def copies(self) -> int:
-        """How many planes were copied, because they did not lie column by column."""
+        """How many planes were copied because they were not column-major."""
         return self._source.copies
 
     @property
     def closed(self) -> bool:
-        """Whether close() was called. The window may be open all the same."""
+        """Whether close() was called. The window may still be open."""
         return not self._end.alive
 
     @property
     def is_open(self) -> bool:
-        """Whether the window is open: False once the user has closed it."""
+        """Whether the window is open. False after the user has closed it."""
         return self.window().is_open
 
     def window(self, name: str | None = None) -> Window:
-        """The window of this display, or that of another name."""
+        """The window of this display, or the window called `name`."""
         return Window(self._library, self._name if name is None else name)
 
     def show(self, frame: ArrayLike) -> None:
-        """Shows a frame. It is taken before this returns: the array may change at once.
+        """Shows a frame. The call reads the whole frame, so the array may change as soon as it returns.
 
-        Nothing happens when the window is closed. Drawing is not waited for, unless the display is synchronous;
-        of frames that come faster than the screen shows them, the newest is shown.
+        If the window is closed, the frame is dropped. The call does not wait for drawing unless the display is
+        synchronous. If frames arrive faster than the screen shows them, the newest one is shown.
         """
         if self._thread not in (None, threading.get_ident()):
-            raise RuntimeError(f"the display {self._name!r} is synchronous: only the thread that made it may show")
+            raise RuntimeError(f"the display {self._name!r} is synchronous: only the thread that created it may show "
+                               "frames")
         array = self._format.check(frame, self._smaller)
         with self._turn:
             if self.closed:
@@ -126,9 +128,9 @@ class Display:
             self._raise_error()
 
     def wait_until_closed(self, timeout: float | None = None) -> bool:
-        """Waits until the window is closed, at most `timeout` seconds; returns whether it is."""
+        """Waits at most `timeout` seconds until the window is closed. Returns whether it is closed."""
         if self._thread is not None:
-            raise RuntimeError(f"the display {self._name!r} is synchronous: its window is closed in show() only")
+            raise RuntimeError(f"the display {self._name!r} is synchronous: its window can close only in show()")
         end = None if timeout is None else time.monotonic() + timeout
         while self.is_open:
             if end is not None and time.monotonic() >= end:
@@ -137,9 +139,9 @@ class Display:
         return True
 
     def close(self) -> None:
-        """Ends the display. Its window stays, with the last frame: window().close() closes it.
+        """Ends the display. Its window stays open and keeps the last frame.
 
-        At the end of the process all windows close. Nothing happens the second time.
+        window().close() closes the window; the end of the process closes all windows. A second call does nothing.
         """
         with self._turn:
             self._end()
@@ -155,7 +157,7 @@ class Display:
 
 
 def _destroy(library: Library, block: int) -> None:
-    """Ends a block. In a fork the block is the parent's."""
+    """Ends a block. In a fork it does nothing, because the block belongs to the parent process."""
     if library.is_foreign:
         return
     library.call("libTerminate", block)

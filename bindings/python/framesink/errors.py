@@ -1,16 +1,16 @@
-"""What can go wrong beyond Python's own ValueError, TypeError and RuntimeError."""
+"""The errors that framesink raises in addition to ValueError, TypeError and RuntimeError."""
 
 
 class LibraryNotFoundError(OSError):
-    """There is no libframesink where it was looked for, or it cannot be loaded."""
+    """libframesink was not found, or cannot be loaded."""
 
 
 class DisplayError(RuntimeError):
-    """The library refused a call; the message is its own."""
+    """A call to the library failed; the message comes from the library."""
 
 
 class UnknownWindowError(LookupError):
-    """No display has made a window of that name, or it was closed by Window.close."""
+    """No display has created a window of that name, or Window.close() closed it."""
 
     def __init__(self, name: str) -> None:
-        super().__init__(f"no window is known as {name!r}: a Display of that name makes it")
+        super().__init__(f"no window is known as {name!r}: a Display of that name creates it")

@@ -1,4 +1,4 @@
-"""Frames: what arrays can be shown, and their planes as the library takes them, column by column."""
+"""Which arrays can be shown, and their column-major planes for the library."""
 
 from typing import Any, Final
 
@@ -14,7 +14,7 @@ class FrameFormat:
     """The shape and sample type of a display's frames."""
 
     def __init__(self, shape: tuple[int, ...], dtype: DTypeLike) -> None:
-        """TypeError and ValueError say what is wrong with them."""
+        """Raises TypeError if samples of this type cannot be shown, ValueError if frames of this shape cannot."""
         self.dtype = _checked_dtype(dtype)
         self.shape = _checked_shape(shape)
         self.height, self.width = self.shape[:2]
@@ -24,18 +24,21 @@ class FrameFormat:
         return f"{self.shape} of {self.dtype.name}"
 
     def description(self) -> interface.InputDescription:
-        """The format as the library wants it described."""
+        """The format as a record for libCreate."""
         n = self.plane_count
         return interface.InputDescription(
             valid=1, inputCount=n, componentCount=n, widths=(self.width,) * 3, heights=(self.height,) * 3,
             dataType=interface.DATA_TYPES[self.dtype], layout=1)
 
     def check(self, frame: ArrayLike, smaller: bool) -> NDArray[Any]:
-        """The frame as an array, if it has this format. `smaller`: height and width may be less."""
+        """Returns the frame as an array of this format; with `smaller`, height and width may be less.
+
+        Raises TypeError for another type, ValueError for another shape.
+        """
         array = np.asarray(frame)
         if array.dtype.newbyteorder("=") != self.dtype:
             raise TypeError(f"the frame holds {array.dtype.name}, this display shows {self}; "
-                            f"convert it, or make a display for {array.dtype.name}")
+                            f"convert the frame, or create a display for {array.dtype.name}")
         fits = array.shape == self.shape or (smaller and self._encloses(array.shape))
         if not fits:
             raise ValueError(f"the frame's shape is {array.shape}, this display shows {self}")
@@ -47,16 +50,16 @@ class FrameFormat:
 
 
 class PlaneSource:
-    """Makes planes of frames: the frame's own memory where it lies column by column, else a copy."""
+    """Finds the planes of frames: column-major planes in the frame's own memory, copies of all others."""
 
     def __init__(self, frame_format: FrameFormat) -> None:
-        """Memory for copies is taken when the first is made."""
+        """Allocates nothing; the first copy of a plane allocates memory for it."""
         self._format = frame_format
         self._scratch: dict[int, NDArray[Any]] = {}
         self.copies = 0
 
     def planes(self, frame: NDArray[Any]) -> list[NDArray[Any]]:
-        """One plane, or red, green and blue. They hold until the next call."""
+        """One plane, or red, green and blue. They are valid until the next call."""
         if frame.ndim == 2:
             return [self._plane(frame, 0)]
         return [self._plane(frame[:, :, index], index) for index in range(3)]
@@ -74,7 +77,7 @@ class PlaneSource:
 
 
 def address(plane: NDArray[Any]) -> int:
-    """Where the plane's first sample is."""
+    """The address of the plane's first sample."""
     place: int = plane.__array_interface__["data"][0]
     return place
 
@@ -82,16 +85,16 @@ def address(plane: NDArray[Any]) -> int:
 def _checked_dtype(dtype: DTypeLike) -> np.dtype[Any]:
     checked = np.dtype(dtype).newbyteorder("=")
     if checked not in interface.DATA_TYPES:
-        raise TypeError(f"{checked.name} samples cannot be shown; these can: {_TYPE_NAMES}")
+        raise TypeError(f"{checked.name} samples cannot be shown; use one of {_TYPE_NAMES}")
     return checked
 
 
 def _checked_shape(shape: tuple[int, ...]) -> tuple[int, ...]:
     checked = tuple(int(extent) for extent in shape)
     if len(checked) not in (2, 3) or checked[2:] not in ((), (3,)):
-        raise ValueError(f"a frame's shape is (height, width) or (height, width, 3), not {checked}")
+        raise ValueError(f"a frame's shape must be (height, width) or (height, width, 3), not {checked}")
     if checked[0] < 1 or checked[1] < 1:
-        raise ValueError(f"a frame has at least one row and one column, not {checked}")
+        raise ValueError(f"a frame must have at least one row and one column, not {checked}")
     if 3 * checked[0] * checked[1] > interface.MOST_FRAME_BYTES:
-        raise ValueError(f"frames of {checked} are larger than a window can show")
+        raise ValueError(f"frames of shape {checked} are larger than a window can show")
     return checked

@@ -1,4 +1,4 @@
-"""The library's C interface (framesink/framesink.h) in ctypes' terms."""
+"""The library's C interface (framesink/framesink.h) as ctypes declarations."""
 
 import ctypes
 from ctypes import POINTER, c_char_p, c_int32, c_uint8, c_uint32, c_uint64, c_void_p
@@ -9,11 +9,11 @@ import numpy as np
 ERROR_BYTES: Final = 1024
 POSITION_UNDEFINED: Final = 0x1FFF0000
 
-# As window width and height: the frame's size.
+# As window width and height, stands for the frame's size.
 FRAME_SIZE: Final = 0x7FFFFFFF
-# The window's width and height while it is closed.
+# Reported as width and height of a closed window.
 NOT_OPEN: Final = -2
-# The most bytes that a frame's three 8-bit planes may have.
+# The maximum size in bytes of a frame's three 8-bit planes.
 MOST_FRAME_BYTES: Final = 0x7FFFFFFF
 
 # InputDescription.dataType.
@@ -69,7 +69,7 @@ FUNCTIONS: Final[list[tuple[str, Any, list[Any]]]] = [
 
 
 def declare(library: ctypes.CDLL) -> None:
-    """Tells ctypes the functions' types. AttributeError when one is missing."""
+    """Declares the functions' types to ctypes. Raises AttributeError if a function is missing."""
     for name, result, arguments in FUNCTIONS:
         function = getattr(library, name)
         function.restype = result

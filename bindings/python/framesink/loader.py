@@ -1,4 +1,4 @@
-"""Finding and loading the library, and calling it one call at a time."""
+"""Finds and loads the library, and makes one call to it at a time."""
 
 import ctypes
 import os
@@ -14,27 +14,27 @@ PATH_VARIABLE: Final = "FRAMESINK_LIBRARY"
 
 
 class Library:
-    """The loaded library. Get it by load().
+    """The loaded library. load() returns it.
 
-    Its functions may be called from any thread: a lock lets them in one at a time, and the interpreter runs
-    other threads meanwhile. It is never unloaded; the end of the process closes its windows.
+    Any thread may call its functions. A lock admits one call at a time, and the interpreter runs other threads
+    meanwhile. The library is never unloaded; its windows close when the process ends.
     """
 
     def __init__(self, functions: ctypes.CDLL) -> None:
-        """Use load(), which makes one Library for each library."""
+        """Use load() instead, which creates one Library for each library."""
         interface.declare(functions)
         self._functions = functions
-        # Recursive, because the garbage collector may end a block from inside a call's Python part.
+        # Recursive, because the garbage collector may end a block on a thread that holds the lock.
         self._lock = threading.RLock()
         self._process = os.getpid()
         self.version = self._text("framesink_version")
         self.build_date = self._text("framesink_build_date")
 
     def call(self, function: str, *arguments: Any) -> Any:
-        """Calls one of the library's functions. RuntimeError in a fork of the process that loaded it."""
+        """Calls one of the library's functions. Raises RuntimeError in a fork of the process that loaded it."""
         if self.is_foreign:
-            raise RuntimeError("framesink was loaded before this process was forked: its windows belong to the "
-                               "parent. Start such a process with the 'spawn' method")
+            raise RuntimeError("framesink was loaded before this process was forked, so its windows belong to the "
+                               "parent process. Start such a process with the 'spawn' method")
         with self._lock:
             return getattr(self._functions, function)(*arguments)
 
@@ -52,11 +52,11 @@ _loading = threading.Lock()
 
 
 def load(path: str | os.PathLike[str] | None = None) -> Library:
-    """The library, loaded once however often it is asked for.
+    """Returns the library. The first call loads it, later calls return the same Library.
 
-    It is `path`; else what the environment variable FRAMESINK_LIBRARY names; else libframesink.so.1 in this
-    package's folder; else the one that the system's loader finds. The first of these that is given or exists
-    is taken: LibraryNotFoundError when it cannot be loaded.
+    Loads the first of these that is given or exists: `path`; the path in the environment variable FRAMESINK_LIBRARY;
+    libframesink.so.1 in this package's folder; the one that the operating system's loader finds. Raises
+    LibraryNotFoundError if that one cannot be loaded.
     """
     place, reason = _place(path)
     with _loading:
@@ -73,19 +73,19 @@ def load(path: str | os.PathLike[str] | None = None) -> Library:
 
 
 def _place(path: str | os.PathLike[str] | None) -> tuple[str, str]:
-    """What to hand to the loader, and why that."""
+    """The name for the loader, and where it comes from."""
     if path is not None:
-        return _as_file(path), "as asked for"
+        return _as_file(path), "as requested"
     from_environment = os.environ.get(PATH_VARIABLE)
     if from_environment:
         return _as_file(from_environment), f"from {PATH_VARIABLE}"
     beside = Path(__file__).with_name(SONAME)
     if beside.exists():
         return str(beside), "beside the package"
-    return SONAME, f"from the system's loader; {PATH_VARIABLE} may name another, and there is no {beside}"
+    return SONAME, f"from the operating system's loader; {PATH_VARIABLE} is not set, and there is no {beside}"
 
 
 def _as_file(path: str | os.PathLike[str]) -> str:
-    """The loader takes a name without a slash for one to look up: a file of that name goes first."""
+    """Makes the path of an existing file absolute, because the loader does not find a bare name in this folder."""
     path = os.fspath(path)
     return os.path.abspath(path) if os.path.exists(path) else path
