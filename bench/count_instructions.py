@@ -5,7 +5,7 @@
     count_instructions.py PROGRAM --record   writes the table again
 
 The counts depend on the instruction set that callgrind offers and on the compiler; the table's first line names
-both. They do not depend on the load of the machine.
+both. The counts do not depend on the load of the machine.
 """
 
 import re

@@ -131,7 +131,7 @@ The *libUpdate* rows show the time that one frame costs a host. Every row compar
 
 The two sides take turns, so that other load on the machine slows both. Before the benchmarks time anything,
 they compare the results with the correct bytes and the windows with the pixels on the screen. Times are in
-milliseconds. The ratio is our time divided by the other time, as the median of {rounds} rounds. A target is met
+milliseconds. The ratio, our time divided by the other time, is the median of {rounds} rounds. A target is met
 if the ratio is at most the limit in its row. Times depend on the machine, ratios much less.
 
 Frames have 1920x1080 pixels in column-major planes unless a row names another size or layout. Conversions run

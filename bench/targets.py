@@ -92,30 +92,30 @@ NOTES = """How the rows are measured:
 
 - *In another range*: the kernel runs in a process whose pixkit declares other sample ranges, and in a process
   with the natural ranges. Each process divides the kernel's time by the time of its own memcpy. The ratio is
-  the first quotient divided by the second.
+  the first of these quotients divided by the second.
 - *YCbCr uint8 to RGB planes*: framesink reads column-major planes; libyuv reads the same number of bytes from
   row-major planes. framesink writes three bytes per pixel, libyuv four. libyuv rounds differently; the benchmark
   checks that the results differ by at most 3 of 255.
 - *libUpdate*: timing starts when the display thread has shown its last frame and sleeps, and the peer's window
-  shows its own frame. By then the memory of both has left the caches. The peer gets the same column-major
-  planes. OpenCV converts doubles to bytes, transposes, merges, and calls `imshow` and `waitKey(1)`. CImg
-  transposes, normalises doubles and calls `display`.
+  shows its own frame. By then the memory of both has left the caches. framesink and the peer get the same
+  column-major planes. For OpenCV, the benchmark converts doubles to bytes, transposes, merges, and calls `imshow`
+  and `waitKey(1)`. For CImg, it transposes and calls `display`, which normalises doubles.
 - *p99.9 of four windows*: the 99.9th percentile of more than 10,000 updates, at 60 rounds per second. The memcpys
-  follow each update in the same thread. The windows are drawn at the same time.
+  follow each update in the same thread. The display thread draws the windows while the host's thread is timed.
 - *Shown frames*: the two libraries take turns of 0.8 s, with one window open at a time. For framesink, the
   benchmark counts the frames that SDL presented; for a peer, it counts every call. Each turn ends when its last
   frame is on the screen.
 - *Idle pass*: the processor time that the display thread uses per pass. The bare loop locks a mutex, calls
   `SDL_PollEvent`, unlocks the mutex and calls `SDL_Delay(1)`, with the same window open.
 
-The library draws windows without OpenGL unless the user's environment asks for OpenGL. In a separate run of
-*shown frames*, a frame took 4.2 ms with the library's setting. With `SDL_FRAMEBUFFER_ACCELERATION=1`, which
-selected Mesa's software OpenGL, a frame took 12.1 ms.
+The library draws windows without OpenGL unless the user's environment asks for OpenGL. In a separate run, a
+frame of *shown frames* took 4.2 ms with the library's setting. The same frame took 12.1 ms with
+`SDL_FRAMEBUFFER_ACCELERATION=1`, which selected Mesa's software OpenGL.
 
 Why some targets are missed in this run or in others:
 
-- *RGB planes single* and *RGB planes double*: both sides wait for memory. The ratio is a hundredth above or below
-  the limit, and which of the two varies from run to run.
+- *RGB planes single* and *RGB planes double*: both sides wait for memory. From run to run, the ratio is a hundredth
+  above or below the limit.
 - *YCbCr uint8 to RGB planes*: framesink computes with 14 fractional bits, which take two 16-bit words per colour.
   libyuv computes with 6 fractional bits, which take one. On AVX2 framesink executes 4.3 instructions per pixel and
   libyuv 2.3 (callgrind, 320x240). An earlier version in single precision took three times as long.

@@ -11,9 +11,9 @@ module framesink
     framesink_boolean = 8
 
   integer, parameter :: framesink_error_bytes = 1024
-  ! As width and height of lib_update: use those of the description.
+  ! Passed to lib_update as width and height, this selects those of the description.
   integer(c_int32_t), parameter :: framesink_configured_size = -1
-  ! As window_x and window_y of lib_create: the window system chooses the position.
+  ! Passed to lib_create as window_x and window_y, this lets the window system choose the position.
   integer(c_int32_t), parameter :: framesink_position_undefined = int(z'1FFF0000', c_int32_t)
 
   type, bind(c) :: input_description
