@@ -1,9 +1,9 @@
 // Times each frame that reaches the screen when a host submits frames as fast as it can, compared
 // with other libraries' windows. Also times an idle window.
 //
-// For framesink, the host submits a frame as soon as the last one was shown. Frames are counted when
-// SDL has presented them; SDL waits for the X server there. For a peer, every call that shows a
-// picture counts as a shown frame. The two take turns of 0.8 s, with one window open at a time. Each
+// For framesink, the host submits a frame as soon as the last one was shown. A frame counts when SDL
+// has presented it and has waited for the X server. For a peer, every call that shows a picture
+// counts as a shown frame. The two take turns of 0.8 s, with one window open at a time. Each
 // turn ends when its last frame is on the screen, so it includes all drawing by the X server.
 #include <benchmark/benchmark.h>
 

@@ -128,4 +128,4 @@ Why some targets are missed in this run or in others:
 - *Shown frames*, compared with OpenCV and CImg: for every frame the library packs the planes; then SDL clears,
   copies and presents the picture and waits for the X server; then the display thread sleeps for 1 ms. The sleep
   and SDL take most of this time. The row *planes to ARGB8888* has the time for packing. Other runs met the target
-  for CImg (0.46)."""
+  of *shown frames* for CImg (0.46)."""

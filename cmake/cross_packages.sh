@@ -22,7 +22,7 @@ private_apt_get() {
     -o Dir::Cache="$packages/apt/cache" -o APT::Sandbox::User= "$@"
 }
 
-# fetch SOURCE_PACKAGE...: unpacks the versions in `versions` into the folder `sources`.
+# fetch SOURCE_PACKAGE...: unpacks these packages into the folder `sources`, in the versions that `versions` lists.
 fetch() {
   local name
   mkdir -p "$packages"/apt/{state,lists/partial,cache/archives/partial} "$packages/sources"
