@@ -32,7 +32,7 @@ def made_clip():
 
 
 def read_clip(path):
-    """Yields the pictures of a file, scaled to WIDTH x HEIGHT. ffmpeg decodes them to row-major arrays."""
+    """Yields the pictures of a file, scaled to WIDTH x HEIGHT. ffmpeg decodes the file to row-major arrays."""
     command = ["ffmpeg", "-v", "error", "-i", path, "-vf", f"scale={WIDTH}:{HEIGHT}", "-f", "rawvideo",
                "-pix_fmt", "rgb24", "-"]
     size = HEIGHT * WIDTH * 3

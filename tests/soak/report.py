@@ -73,9 +73,10 @@ The test has three parts:
 ```text
 {text}```
 
-Each line of the output compares two medians. In the lines *quarters of the run* these are the medians of the second and the last
-quarter of the run. For the lines *quarters of each load* the test overlays all loads and compares the second and the
-last quarter of a load. A curve is flat if the last median exceeds the second by at most the number after *may grow by*.
+Each line of the output compares two medians. In the lines *quarters of the run* these are the medians of the second
+and the last quarter of the run. For the lines *quarters of each load* the test overlays all loads and compares the
+second and the last quarter of a load. A curve is flat if the median called *last* exceeds the one called *second* by
+at most the number after *may grow by*.
 The X resources do not include colour maps, because SDL 2.26 keeps one per window until SDL shuts down.
 """
 
