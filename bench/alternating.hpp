@@ -1,4 +1,4 @@
-// Two things timed by turns in one loop, so that whatever else the machine does hits both alike.
+// Times two actions by turns in one loop, so that other load on the machine slows both alike.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -24,15 +24,15 @@ inline double medianOf(std::vector<double> seconds) {
   return *middle;
 }
 
-// Counters `ours` and `other` in milliseconds, and `ratio`, which is ours / other.
+// Sets the counters `ours` and `other`, in milliseconds, and `ratio`, which is ours / other.
 inline void report(benchmark::State& state, double oursSeconds, double otherSeconds) {
   state.counters["ours"] = 1000 * oursSeconds;
   state.counters["other"] = 1000 * otherSeconds;
   state.counters["ratio"] = oursSeconds / otherSeconds;
 }
 
-// The benchmark's loop. `settle` runs before either of the two and is not timed. Reports the
-// medians.
+// Runs the benchmark's loop and reports the medians. `settle` runs before each of the two actions
+// and is not timed.
 template <class Ours, class Other, class Settle>
 void compare(benchmark::State& state, const Ours& ours, const Other& other, const Settle& settle) {
   std::vector<double> oursSeconds;

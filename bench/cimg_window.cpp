@@ -1,6 +1,6 @@
-// Compiled twice, into libraries of their own for CImg's sake: as the header comes, and with
-// cimg_use_xshm, which lets CImg share memory with the X server. Without it a picture is on the
-// screen when display() returns; with it CImg's own thread sends the request, up to 8 ms later.
+// The build compiles this file twice, into separate libraries: without cimg_use_xshm and with it.
+// cimg_use_xshm lets CImg share memory with the X server. Without it a picture is on the screen when
+// display() returns; with it CImg's own thread sends the request up to 8 ms later.
 #include <CImg.h>
 
 #include <algorithm>
@@ -38,14 +38,14 @@ class CImgWindow : public PeerWindow {
     }
   }
 
-  // Its own thread draws.
+  // Does nothing, because CImg's own thread draws.
   void pump() override {}
 
  private:
-  // CImg's default: bytes as they are, floats from the picture's own range to 0..255.
+  // CImg's default: it shows bytes unchanged and scales floats from the picture's range to 0..255.
   static constexpr unsigned kNormaliseFloats = 3;
 
-  // CImg has planes, but row by row.
+  // Transposes, because CImg's planes are row-major.
   template <class Sample>
   static CImg<Sample> pictureOf(const ColumnMajorFrame& frame) {
     const auto [width, height] = frame.size();

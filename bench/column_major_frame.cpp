@@ -12,8 +12,8 @@ std::uint32_t mixed(std::uint32_t value) {
   return value ^ value >> 16;
 }
 
-// The middle of what truncating and rounding viewers alike take for this byte. The ends of the
-// range are themselves.
+// A double in the middle of the interval that truncating and rounding viewers both convert to this
+// byte. Bytes 0 and 255 are exactly 0 and 1.
 double doubleOf(std::uint8_t byte) {
   return byte == 0 ? 0.0 : byte == 255 ? 1.0 : (byte + 0.25) / 255;
 }

@@ -1,4 +1,4 @@
-// A picture that can be recognised on a screen, in the planes that hosts pass.
+// A picture in a host's column-major planes that the benchmarks can recognise on the screen.
 #pragma once
 
 #include <cstddef>
@@ -18,9 +18,9 @@ struct FrameSize {
   }
 };
 
-// Blocks of kBlock x kBlock pixels in colours that differ from block to block and from one `number`
-// to the next. The first block is black and the second white, so that a viewer which stretches a
-// picture's range to 0..255 leaves this one as it is.
+// Blocks of kBlock x kBlock pixels. The colours differ between blocks and between frames of different
+// `number`. The first block is black and the second white, so that a viewer which stretches a
+// picture's range to 0..255 leaves this picture unchanged.
 class ColumnMajorFrame {
  public:
   static constexpr int kBlock = 40;
@@ -30,9 +30,9 @@ class ColumnMajorFrame {
 
   FrameSize size() const { return size_; }
   FramesinkDataType dataType() const { return dataType_; }
-  // Red, green and blue lie one after another.
+  // Planes 0, 1 and 2 are red, green and blue. They are adjacent in memory.
   const void* plane(std::size_t index) const;
-  // 0x00RRGGBB, what a screen shows of the pixel.
+  // The pixel's colour on the screen, as 0x00RRGGBB.
   std::uint32_t colourAt(int x, int y) const;
 
  private:

@@ -1,5 +1,5 @@
-// Conversions of one frame beside each other and beside a plain loop. With the peers, further files
-// add conversions beside theirs.
+// Compares conversions of one frame with each other, with a plain loop and with memcpy. In a build
+// with FRAMESINK_BENCH_PEERS, further files add comparisons with other libraries.
 #include <benchmark/benchmark.h>
 
 #include <cstring>

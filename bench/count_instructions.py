@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Counts the instructions of each kernel under callgrind and compares them with the recorded table.
 
-    count_instructions.py PROGRAM            warns where a kernel takes more than a fiftieth more
-    count_instructions.py PROGRAM --record   writes the table anew
+    count_instructions.py PROGRAM            warns if a kernel takes over 2 % more than recorded
+    count_instructions.py PROGRAM --record   writes the table again
 
-The counts hold for the instruction set that callgrind offers and for the compiler, which the table's first
-line names; they do not depend on what else the machine does.
+The counts depend on the instruction set that callgrind offers and on the compiler; the table's first line names
+both. The counts do not depend on the load of the machine.
 """
 
 import re
@@ -24,7 +24,7 @@ def first_line(*command):
 
 
 def count(program):
-    """What the counts hold for, and the counts by kernel."""
+    """Returns the instruction set and compiler as text, and the counts by kernel."""
     with tempfile.TemporaryDirectory() as folder:
         command = ["valgrind", "--tool=callgrind", "--quiet",
                    f"--callgrind-out-file={folder}/out", program]
@@ -52,14 +52,14 @@ def record(name, counts):
 def compare(name, counts):
     recorded_name, before = recorded()
     if name != recorded_name:
-        print(f"warning: counted on {name}, recorded on {recorded_name}: nothing to compare")
+        print(f"warning: not compared, because these counts are for {name} and the recorded ones for {recorded_name}")
         return
     for kernel in sorted(before.keys() | counts.keys()):
         old, new = before.get(kernel), counts.get(kernel)
         if old is None or new is None:
-            print(f"warning: {kernel} is {'not recorded' if old is None else 'gone'}")
+            print(f"warning: {kernel} is {'not recorded' if old is None else 'recorded but no longer exists'}")
         elif new > TOLERANCE * old:
-            print(f"warning: {kernel} takes {new} instructions, {new / old:.2f} times the recorded")
+            print(f"warning: {kernel} takes {new} instructions, {new / old:.2f} times the recorded number")
     print(f"{len(counts)} kernels counted on {name}, {sum(counts.values())} instructions in all,"
           f" {sum(before.values())} recorded")
 

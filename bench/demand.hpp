@@ -1,4 +1,4 @@
-// What is timed must be right: everything is checked once before the clock runs.
+// Checks that a benchmark makes once before timing, so that it never times a wrong conversion.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 
 namespace framesink::bench {
 
-// Tells standard error what is wrong; the program then fails in the end.
+// Prints `what` on standard error if `isRight` is false; wasEverythingRight() then returns false.
 void demand(bool isRight, const char* what);
 
 bool wasEverythingRight();
 
-// The largest difference of two bytes at the same place.
+// The largest difference between bytes at the same index; 256 if the sizes differ.
 int distance(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b);
 
 }  // namespace framesink::bench

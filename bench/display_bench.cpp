@@ -1,10 +1,10 @@
-// What people see of a host that gives all it can: time per frame that reaches the screen, beside
-// other libraries' windows, and what an idle window costs.
+// Times each frame that reaches the screen when a host submits frames as fast as it can, compared
+// with other libraries' windows. Also times an idle window.
 //
-// Ours: the host submits a frame whenever the last was shown; frames are counted where SDL presents
-// them, and SDL waits for the X server there. Theirs: every call of their user's loop counts as a
-// frame shown. Every slice ends when its last frame is seen on the screen, so what the X server has
-// not drawn yet is paid for. One window is open at a time, in slices of 0.8 s by turns.
+// For framesink, the host submits a frame as soon as the last one was shown. A frame counts when SDL
+// has presented it and has waited for the X server. For a peer, every call that shows a picture
+// counts as a shown frame. The two take turns of 0.8 s, with one window open at a time. Each
+// turn ends when its last frame is on the screen, so it includes all drawing by the X server.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -25,7 +25,7 @@
 namespace framesink::bench {
 namespace {
 
-// Wide enough for a window of 1920 pixels with the window manager's frame.
+// Large enough for a window of 1920 x 1080 pixels with the window manager's frame.
 constexpr test::ScreenSize kScreen{2048, 1200};
 constexpr int kRounds = 5;
 constexpr int kWarmUpFrames = 5;
@@ -45,7 +45,7 @@ const Situation kSituations[] = {
      {{0, 0, kScreen.width, kScreen.height}, /*fullscreen=*/true}},
 };
 
-// Seconds per frame that `show` brings to the screen.
+// Returns the seconds per frame that `show` brings to the screen.
 template <class Show>
 double secondsPerFrame(const std::string& title, FrameSize size, const Show& show,
                        const std::function<void()>& pump) {
@@ -79,7 +79,7 @@ double theirSecondsPerFrame(const Situation& situation, const Peer& peer) {
       [&] { window->pump(); });
 }
 
-// Milliseconds per frame, medians of the slices.
+// Reports milliseconds per frame, as medians of the slices.
 void timeShownFrames(benchmark::State& state, const Situation& situation,
                      const std::optional<Peer>& peer) {
   std::vector<double> ours;
@@ -111,7 +111,7 @@ void addAllShownFrames() {
   if (all.empty()) addShownFrames("", std::nullopt);
 }
 
-// The window manager never ends: SDL has found it at its start.
+// Never ends the window manager, because SDL looks for one only when SDL starts.
 void startWindowManager(test::XServer& server) { new test::WindowManager(server); }
 
 }  // namespace

@@ -14,7 +14,7 @@ constinit std::atomic<bool> held{false};
 constinit std::atomic<bool> isParked{false};
 constinit thread_local bool isExempt = false;
 
-// SDL's function, which the one of that name in this program hides.
+// SDL's own function, which this program's function of the same name hides.
 template <class Function>
 Function* next(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -39,7 +39,7 @@ std::uint32_t presentedFrames() { return presented; }
 void awaitPresentedAfter(std::uint32_t count) { awaitAfter(presented, count); }
 std::uint32_t endedPasses() { return passes; }
 
-// The first pass to end may have begun before this call.
+// Waits for two passes, because the first may have begun before this call.
 void awaitIdleDisplay() {
   const std::uint32_t count = passes;
   awaitAfter(passes, count);

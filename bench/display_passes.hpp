@@ -1,26 +1,26 @@
-// What the display thread does, seen from the host's side: this program stands between the library
-// and SDL for two of SDL's functions.
+// Observes and holds the display thread. The program replaces two of SDL's functions, SDL_Delay and
+// SDL_RenderPresent, with its own, which call SDL's.
 #pragma once
 
 #include <cstdint>
 
 namespace framesink::bench {
 
-// Frames presented so far by SDL's software renderer: the X server has drawn each of them, for
-// SDL waits for that.
+// Frames that SDL's software renderer has presented so far. The X server has drawn each of them,
+// because SDL waits for that.
 std::uint32_t presentedFrames();
 
-// Returns when more than `count` frames have been presented. Sleeps meanwhile.
+// Sleeps until more than `count` frames have been presented.
 void awaitPresentedAfter(std::uint32_t count);
 
-// Ends of passes so far, counted at each pass's SDL_Delay.
+// Display passes that have ended so far, counted at each pass's SDL_Delay.
 std::uint32_t endedPasses();
 
-// Returns when a pass that began after this call has ended: all that was submitted is shown, and
-// the display thread sleeps.
+// Returns when a pass that began after this call has ended. Every frame submitted before the call is
+// shown then, and the display thread sleeps.
 void awaitIdleDisplay();
 
-// While one lives, the display thread stays in its SDL_Delay, where it holds no lock.
+// Keeps the display thread in its SDL_Delay, where it holds no lock, until destroyed.
 class DisplayThreadHold {
  public:
   DisplayThreadHold();
@@ -29,7 +29,7 @@ class DisplayThreadHold {
   DisplayThreadHold& operator=(const DisplayThreadHold&) = delete;
 };
 
-// The calling thread's own SDL_Delay is never held.
+// DisplayThreadHold does not hold the calling thread's SDL_Delay from now on.
 void exemptThisThreadFromHold();
 
 }  // namespace framesink::bench

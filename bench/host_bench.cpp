@@ -1,7 +1,7 @@
-// What a host pays for a frame: libUpdate of the shared library on threaded windows, beside two
-// memcpys of the frame and beside what a user of other libraries does to show the same planes.
-// Unless said otherwise nothing is timed before the display thread has shown its frame and sleeps,
-// and before the other library's window shows its own.
+// Times what a frame costs a host: libUpdate of the shared library on threaded windows, compared with
+// two memcpys of the frame and with the calls that show the same planes in other libraries' windows.
+// Except in paced_windows.cpp, timing starts only when the display thread has shown its frame and
+// sleeps, and when the other library's window shows its frame.
 #include <memory>
 #include <string>
 #include <vector>
@@ -66,8 +66,8 @@ void timeManyWindows(benchmark::State& state, int count) {
   state.SetLabel("two memcpys of each window's frame");
 }
 
-// The frames of ours and of the peer differ, and each side's two frames take turns, so that what is
-// waited for on the screen is really the frame just shown.
+// Two frames that take turns. All frames of framesink and the peer differ, so that a wait for a frame
+// on the screen cannot end with an earlier frame or with the other side's.
 class FrameTurns {
  public:
   FrameTurns(FramesinkDataType dataType, std::uint32_t number)

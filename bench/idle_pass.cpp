@@ -38,12 +38,12 @@ fs::path threadNamed(const std::string& name) {
   throw std::runtime_error("there is no thread \"" + name + "\"");
 }
 
-// The scheduler's count of what the thread has run, up to its last sleep.
+// The thread's processor time up to its last sleep, as the scheduler counts it.
 double cpuSeconds(const fs::path& thread) {
   return 1e-9 * std::stod(firstWordOf(thread / "schedstat"));
 }
 
-// Over a slice in which no other thread makes passes.
+// Measures for kSlice. No other thread may make passes meanwhile.
 double cpuSecondsPerPass(const fs::path& thread) {
   const std::uint32_t passes = endedPasses();
   const double seconds = cpuSeconds(thread);
@@ -51,7 +51,7 @@ double cpuSecondsPerPass(const fs::path& thread) {
   return (cpuSeconds(thread) - seconds) / (endedPasses() - passes);
 }
 
-// Polls SDL with the window open, as the display thread does.
+// A thread that polls SDL while the window is open, as the display thread does.
 class BareLoop {
  public:
   BareLoop() : mutex_(SDL_CreateMutex()), thread_([this] { run(); }) { id_.wait(0); }

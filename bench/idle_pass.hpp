@@ -1,12 +1,12 @@
-// What the display thread costs while nothing happens.
+// Times the display thread while nothing happens.
 #pragma once
 
 #include <benchmark/benchmark.h>
 
 namespace framesink::bench {
 
-// The processor's time per pass with one idle window, beside that of a bare loop that locks, polls
-// for an event, unlocks and sleeps as long.
+// Compares the processor time per pass, with one idle window, with that of a bare loop which locks,
+// polls for an event, unlocks and sleeps for as long.
 void timeIdlePass(benchmark::State& state);
 
 }  // namespace framesink::bench

@@ -1,5 +1,5 @@
-// Converts one small frame with each kernel and has callgrind write down what each took. Only to be
-// run by ./dev bench --instructions. Prints the instruction set that the kernels ran on.
+// Converts one small frame with each kernel and lets callgrind record the instructions of each. Prints
+// the instruction set of the kernels. Runs only under callgrind: `./dev bench --instructions`.
 #include <valgrind/callgrind.h>
 
 #include <cstdio>

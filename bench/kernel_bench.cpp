@@ -1,5 +1,5 @@
-// Every kernel of the table that the checks walk, on one frame in column-major planes, beside
-// memcpy of as many bytes as it reads and writes.
+// Times every kernel in the tests' table on one frame in column-major planes, compared with memcpy of
+// as many bytes as the kernel reads and writes.
 #include <benchmark/benchmark.h>
 
 #include <cstring>

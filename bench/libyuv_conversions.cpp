@@ -1,4 +1,4 @@
-// Colour conversions and packing beside libyuv's.
+// Compares colour conversions and packing with libyuv's.
 #include <benchmark/benchmark.h>
 #include <libyuv.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kHalf = kWidth / 2;
 
-// The planes taken row by row, pixel by pixel, as bytes B, G, R, A.
+// Converts the planes, read as row-major ones, to bytes B, G, R, A for each pixel.
 std::vector<std::uint8_t> argbOf(const Conversion& ycbcr) {
   std::vector<std::uint8_t> argb;
   for (int pixel = 0; pixel < kPixels; ++pixel) {
@@ -34,7 +34,7 @@ std::vector<std::uint8_t> argbOf(const Conversion& ycbcr) {
   return argb;
 }
 
-// Ours reads column-major planes, theirs the same bytes as row-major ones: as much of each.
+// framesink reads column-major planes; libyuv reads the same bytes as row-major planes.
 void besideI422ToArgb(benchmark::State& state) {
   Conversion ours("YcbcrToRgb", kUint8, kColumnMajor);
   demand(ours.isRight(), "YCbCr to RGB planes");

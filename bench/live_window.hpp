@@ -1,4 +1,4 @@
-// A window of the library, as a host makes and feeds it.
+// A window that is opened and fed as a host does it, through the library's exports.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace framesink::bench {
 
-// Where a window is to be on the screen; without a width it gets the frame's size.
+// The requested place of a window. With width 0 the window gets the frame's size.
 struct WindowPlace {
   test::Geometry geometry;
   bool fullscreen = false;
 };
 
-// Threaded. On the screen from the end of the constructor to the end of the destructor.
+// A threaded window. The constructor returns when it is on the screen, the destructor when it is gone.
 class LiveWindow {
  public:
   LiveWindow(const std::string& name, FrameSize size, FramesinkDataType dataType,
@@ -24,7 +24,7 @@ class LiveWindow {
   LiveWindow& operator=(const LiveWindow&) = delete;
 
   const std::string& name() const { return name_; }
-  // One libUpdate.
+  // Calls libUpdate once.
   void update(const ColumnMajorFrame& frame);
 
  private:

@@ -1,4 +1,4 @@
-// The frame that every conversion is measured on.
+// The size of the frame that all conversion benchmarks use.
 #pragma once
 
 #include "oracle.hpp"

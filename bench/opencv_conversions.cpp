@@ -1,4 +1,4 @@
-// Samples to 8 bits beside OpenCV's conversion of one matrix type to another, on one thread.
+// Compares conversion to 8 bits with OpenCV's conversion between matrix types, on one thread.
 #include <benchmark/benchmark.h>
 
 #include <opencv2/core.hpp>
@@ -13,7 +13,7 @@
 namespace framesink::bench {
 namespace {
 
-// The natural range of a matrix type onto 0..255.
+// Maps the natural range of a matrix type to 0..255.
 struct Scaling {
   int type;
   double factor;

@@ -4,8 +4,8 @@
 
 #include "peer_windows.hpp"
 
-// What a user of OpenCV does with column-major planes: doubles to bytes, transpose, merge, imshow,
-// waitKey. OpenCV's window draws within waitKey(1): the picture is on the screen when it returns.
+// Shows column-major planes as a user of OpenCV does: convert doubles to bytes, transpose, merge,
+// imshow, waitKey. OpenCV draws in waitKey(1), so the picture is on the screen when that returns.
 namespace framesink::bench {
 namespace {
 
@@ -39,7 +39,7 @@ class OpenCvWindow : public PeerWindow {
   void pump() override { cv::waitKey(1); }
 
  private:
-  // OpenCV takes a column for a row. Doubles become bytes first: the less is moved afterwards.
+  // OpenCV reads a column as a row. Doubles become bytes first, so that transposing moves less.
   const cv::Mat& bytesOf(const ColumnMajorFrame& frame, std::size_t plane) {
     const auto [width, height] = frame.size();
     void* const samples = const_cast<void*>(frame.plane(plane));

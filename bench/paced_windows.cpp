@@ -24,7 +24,7 @@ double quantileOf(std::vector<double> seconds, double quantile) {
   return seconds[static_cast<std::size_t>(rank)];
 }
 
-// One window, and memory of its own for the memcpys as the window has.
+// A window, and separate memory for the memcpys, as large as the window's.
 struct FedWindow {
   FedWindow(int index, const ColumnMajorFrame& frame)
       : window("ours " + std::to_string(index), frame.size(), FRAMESINK_UINT8,
@@ -41,7 +41,7 @@ struct FedWindow {
 
 }  // namespace
 
-// The display thread and the X server draw meanwhile, whichever of the two is being timed.
+// The display thread and the X server draw while either of the two is being timed.
 void timePacedWindows(benchmark::State& state, FrameSize size) {
   const ColumnMajorFrame frame(size, FRAMESINK_UINT8, 1);
   std::vector<std::unique_ptr<FedWindow>> windows;

@@ -1,4 +1,4 @@
-// The rare slow frame of a host that feeds four live windows.
+// Times the slowest frames of a host that feeds four live windows.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -7,12 +7,12 @@
 
 namespace framesink::bench {
 
-// Four frames a round, sixty rounds a second: 10,080 samples of either kind.
+// Four frames per round at 60 rounds per second give 10,080 samples each of libUpdate and memcpy.
 inline constexpr int kPacedRounds = 2520;
 
-// Counters `ours` and `other` are the 99.9th percentiles; `ours_p50` and `other_p50` the medians.
-// `rounds_per_second` tells whether the machine kept up, `presented_per_second` how many frames of
-// the four windows together were drawn meanwhile.
+// Sets `ours` and `other` to the 99.9th percentiles, and `ours_p50` and `other_p50` to the medians.
+// `rounds_per_second` is below 60 if the machine did not keep up. `presented_per_second` counts the
+// frames that were drawn in all four windows.
 void timePacedWindows(benchmark::State& state, FrameSize size);
 
 }  // namespace framesink::bench

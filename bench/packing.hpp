@@ -1,4 +1,4 @@
-// A frame to pack for the screen.
+// Packs a frame of random bytes into the texture's pixels.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ struct Packing {
   Packing();
   void run();
 
-  // Packs once and compares with the layout's own words.
+  // Packs once and compares every pixel with its definition, 0xFFRRGGBB.
   bool isRight();
 };
 

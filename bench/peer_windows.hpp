@@ -1,4 +1,4 @@
-// The windows of other libraries that show frames, used as those libraries' users use them.
+// Windows of other libraries, which the benchmarks use as those libraries' users do.
 #pragma once
 
 #include <memory>
@@ -13,9 +13,9 @@ namespace framesink::bench {
 class PeerWindow {
  public:
   virtual ~PeerWindow() = default;
-  // From the host's column-major planes to the peer's call that shows a picture.
+  // Converts the host's column-major planes and calls the peer's function that shows a picture.
   virtual void show(const ColumnMajorFrame& frame) = 0;
-  // Lets the peer draw what it has not drawn yet.
+  // Lets the peer finish drawing.
   virtual void pump() = 0;
 };
 
@@ -25,12 +25,12 @@ struct Peer {
                                       const WindowPlace& place);
 };
 
-// Each in a shared library of its own.
+// Each peer is in a separate shared library.
 extern __attribute__((visibility("default"))) const Peer kOpenCv;
 extern __attribute__((visibility("default"))) const Peer kCImg;
 extern __attribute__((visibility("default"))) const Peer kCImgSharing;
 
-// All of them; none, and a word on standard error, in a build without FRAMESINK_BENCH_PEERS.
+// Returns all peers. Without FRAMESINK_BENCH_PEERS, returns none and prints so on standard error.
 std::vector<Peer> peers();
 
 }  // namespace framesink::bench

@@ -8,7 +8,7 @@ std::vector<Peer> peers() {
 #if FRAMESINK_BENCH_PEERS
   return {kOpenCv, kCImg, kCImgSharing};
 #else
-  std::fprintf(stderr, "built without FRAMESINK_BENCH_PEERS: other libraries are left out\n");
+  std::fprintf(stderr, "not compared with other libraries: built without FRAMESINK_BENCH_PEERS\n");
   return {};
 #endif
 }

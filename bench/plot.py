@@ -1,4 +1,4 @@
-"""The plot of docs/performance.md."""
+"""Draws the plot of docs/performance.md."""
 
 import matplotlib
 
@@ -25,7 +25,7 @@ def draw_kernels(axes, results):
 
 
 def draw_lines(axes, places, lines):
-    """Lines through `places`: (label, values)."""
+    """Draws one line per (label, values), with `places` on the horizontal axis."""
     for label, values in lines:
         axes.plot(places, values, marker="o", label=label)
     axes.set_ylim(bottom=0)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks several times and prints one table; with the peers, whose figures the page needs,
-writes docs/performance.md and its plot, too.
+"""Runs the benchmarks several times and prints the tables. With --peers it also writes docs/performance.md
+and its plot, which need the peers' figures.
 
-Each benchmark times ours and something else by turns and reports both medians and their ratio. What is
-told here is the median of the rounds' ratios, and the least and the greatest of them.
+Each benchmark times framesink and something else by turns and reports both medians and their ratio. The table
+shows the median, the least and the greatest of the rounds' ratios.
 """
 
 import argparse
@@ -26,7 +26,7 @@ NATURAL_RANGE = "0 to 65535"  # of uint16
 
 
 class Results:
-    """(benchmark, what it is compared with) -> the counters of each round."""
+    """Maps (benchmark, what it is compared with) to the counters of each round."""
 
     def __init__(self):
         self.rounds = defaultdict(list)
@@ -49,7 +49,7 @@ class Results:
 
 
 def run(build, program, *arguments, ranges=None):
-    """The program's JSON. A wrong result ends everything."""
+    """Returns the program's JSON. Exits if the program found a wrong result or used other ranges than asked for."""
     environment = dict(os.environ)
     if ranges:
         environment["LD_LIBRARY_PATH"] = str(build / "tests/convert" / f"{ranges}_ranges")
@@ -59,7 +59,7 @@ def run(build, program, *arguments, ranges=None):
         sys.exit(f"{program} failed with status {done.returncode}")
     in_force = json.loads(done.stdout)["context"].get("uint16 range", NATURAL_RANGE)
     if (in_force == NATURAL_RANGE) != (ranges is None):
-        sys.exit(f"{program} ran with the range {in_force}")
+        sys.exit(f"{program} ran with the uint16 range {in_force}")
     return done.stdout
 
 
@@ -77,13 +77,13 @@ def measure(build, rounds):
 
 
 def target_rows(results, peers):
-    """The table of targets: name, compared with, ours, other, ratio, least to greatest, limit."""
+    """Yields the rows of the table of targets, in the order of TARGET_HEAD."""
     for target in targets.TARGETS:
         found = target.ratios(results)
         if not found and not peers and target.needs_peer():
             continue
         if not found:
-            sys.exit(f"no figures for {target.name} beside {target.other}")
+            sys.exit(f"no figures for {target.name} compared with {target.other}")
         middle = statistics.median(found)
         yield [target.name, target.other, target.ours(results), target.others(results),
                f"{middle:.3f}", f"{min(found):.3f} to {max(found):.3f}", f"{target.limit:.3f}",
@@ -114,21 +114,28 @@ def first_line(*command):
     return subprocess.run(command, stdout=subprocess.PIPE, text=True).stdout.splitlines()[0]
 
 
-TARGET_HEAD = ["what", "beside", "ours", "other", "ratio", "least to greatest", "at most", "met"]
-KERNEL_HEAD = ["kernel", "ms", "memcpy, ms", "ratio"]
+TARGET_HEAD = ["what", "compared with", "ours, ms", "other, ms", "ratio", "least to greatest", "at most", "met"]
+KERNEL_HEAD = ["kernel", "ours, ms", "memcpy, ms", "ratio"]
 
-PAGE_TEXT = """# What it costs
+PAGE_TEXT = """# Performance
 
-Written by `./dev bench --peers`; do not edit.
+`./dev bench --peers` writes this page; do not edit it.
 Machine: {cpu}, {cores} cores. Compiler: {compiler}.
 
-Frames of 1920x1080 in column-major planes unless said otherwise, one thread, windows on Xvfb. Times are
-in milliseconds.
+The *libUpdate* rows show the time that one frame costs a host. Every row compares framesink with one of these:
 
-Every row compares two things that took turns: ours and the limit that memory sets (memcpy of as many
-bytes), ours and a peer that was asked for the same picture, or two of ours. Results were compared with
-the right bytes, and windows with the pixels on the screen, before the clock ran. The ratio is the median
-of {rounds} rounds. Times depend on the machine, ratios much less.
+- memcpy of the same number of bytes, which is the limit that memory sets,
+- another library that shows the same picture,
+- a plain loop that does the same work,
+- other work of framesink itself.
+
+The two sides take turns, so that other load on the machine slows both. Before the benchmarks time anything,
+they compare the results with the correct bytes and the windows with the pixels on the screen. Times are in
+milliseconds. The ratio, our time divided by the other time, is the median of {rounds} rounds. A target is met
+if the ratio is at most the limit in its row. Times depend on the machine, ratios much less.
+
+Frames have 1920x1080 pixels in column-major planes unless a row names another size or layout. Conversions run
+on one thread. Windows open on Xvfb.
 
 {targets}
 
@@ -136,13 +143,13 @@ of {rounds} rounds. Times depend on the machine, ratios much less.
 
 ## Every kernel
 
-Beside memcpy of as many bytes as the kernel reads and writes.
+The table compares each kernel with memcpy of as many bytes as the kernel reads and writes.
 
 {kernels}
 
 ## Frame sizes and windows
 
-![Kernels beside memcpy, cost per pixel over frame sizes, cost of a round over windows](images/performance.png)
+![Kernels and memcpy, cost per pixel by frame size, cost of a round by number of windows](images/performance.png)
 """
 
 

@@ -14,8 +14,8 @@ void addBenchmark(const std::string& name, int iterations,
       ->UseManualTime();
 }
 
-// The server is never destroyed but dies with the process: the library and its peers keep their
-// connections to the very end.
+// Never destroys the server, because the library and its peers keep their connections until the
+// process ends. The server ends with the process.
 int runOnXServer(int count, char** arguments, test::ScreenSize screen,
                  const std::function<void(test::XServer&)>& prepare) {
   benchmark::Initialize(&count, arguments);

@@ -1,4 +1,4 @@
-// Registered benchmarks on an X server of the program's own.
+// Runs registered benchmarks on an X server that the program starts.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,12 +10,12 @@
 
 namespace framesink::bench {
 
-// `body` reports its times itself, over `iterations` turns.
+// Registers `body`, which runs `iterations` turns and reports its times itself.
 void addBenchmark(const std::string& name, int iterations,
                   std::function<void(benchmark::State&)> body);
 
-// Starts the server, makes `prepare` and runs what was added. The program's exit status: 1 when
-// something did not show what it should, with the reason on standard error.
+// Starts the server, calls `prepare` and runs the registered benchmarks. Returns the program's exit
+// status. It is 1, with the reason on standard error, if a window did not show the right frame.
 int runOnXServer(
     int count, char** arguments, test::ScreenSize screen,
     const std::function<void(test::XServer&)>& prepare = [](test::XServer&) {});

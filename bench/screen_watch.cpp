@@ -9,7 +9,7 @@ namespace {
 using test::Geometry;
 using test::Image;
 
-// Where the window has the frame's pixels.
+// Maps the frame's pixels to the window's.
 class Placement {
  public:
   Placement(int width, int height, FrameSize frame)

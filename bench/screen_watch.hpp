@@ -1,4 +1,4 @@
-// Whether a frame is on the screen, asked of the X server.
+// Asks the X server whether a frame is on the screen.
 #pragma once
 
 #include <functional>
@@ -11,16 +11,17 @@ namespace framesink::bench {
 
 class ScreenWatch {
  public:
-  // The window of that title. Throws std::runtime_error when it does not come.
+  // Waits for the window with this title. Throws std::runtime_error if it does not open.
   explicit ScreenWatch(const std::string& title);
 
-  // True when the window shows the frame: every pixel where the window has the frame's size;
-  // otherwise the middle of every block of the frame, as large as fits, in the window's middle.
+  // True if the window shows the frame. In a window of the frame's size it compares every pixel. In
+  // any other window it compares the middle of every block of the scaled and centred frame.
   bool shows(const ColumnMajorFrame& frame);
-  // Looks at one block that no two frames have in the same colour. Cheap.
+  // Compares one block only, whose colour differs from frame to frame. Fast.
   bool hasArrived(const ColumnMajorFrame& frame);
 
-  // Calls `pump` and looks, until the frame is there. Throws std::runtime_error after a deadline.
+  // These call `pump` and hasArrived() or shows() until the frame is on the screen. They throw
+  // std::runtime_error after a deadline.
   void awaitArrival(const ColumnMajorFrame& frame, const std::function<void()>& pump);
   void requireShown(const ColumnMajorFrame& frame, const std::function<void()>& pump);
 

@@ -1,4 +1,4 @@
-"""What every release is held to: ratios, never times."""
+"""The targets of every release. They are ratios, because times depend on the machine."""
 
 MEMCPY = "memcpy of the same bytes"
 TWO_MEMCPYS = "two memcpys of the frame"
@@ -6,7 +6,7 @@ CONVERT_TO = "OpenCV convertTo"
 
 
 class Target:
-    """The ratio that a benchmark reports itself."""
+    """A limit for the ratio that the benchmark itself reports."""
 
     def __init__(self, name, other, limit):
         self.name, self.other, self.limit = name, other, limit
@@ -29,7 +29,10 @@ class Target:
 
 
 class OtherRange(Target):
-    """A kernel in another range than the natural one, each in memcpys of the same bytes."""
+    """A limit for a kernel's time in another range, relative to its time in the natural range.
+
+    Both times are counted in memcpys of the same bytes.
+    """
 
     def __init__(self, kernel, limit):
         super().__init__(f"{kernel} in another range", "the natural range", limit)
@@ -87,40 +90,42 @@ TARGETS = [
 
 NOTES = """How the rows are measured:
 
-- *In another range*: the kernel in a process whose pixkit declares other ranges, beside the same kernel in
-  a process with the natural ones, each counted in memcpys of its own process. The ratio is that of the two
-  counts.
-- *YCbCr uint8 to RGB planes*: ours reads column-major planes, libyuv as many bytes of row-major ones; it
-  writes four bytes a pixel where ours writes three, and rounds differently (checked: by 3 steps at most).
-- *libUpdate*: the display thread has shown its last frame and sleeps, and the peer's window shows its own,
-  before either is timed; the memory of both has left the caches by then. The peer is given the same
-  column-major planes: OpenCV converts doubles to bytes, transposes, merges, `imshow`, `waitKey(1)`; CImg
-  transposes, normalises doubles, `display`.
-- *p99.9 of four windows*: 60 rounds a second, more than 10,000 updates, the memcpys right after each update
-  in the same thread, with everything drawing meanwhile.
-- *Shown frames*: slices of 0.8 s by turns, one window open at a time. Ours counts what SDL has presented,
-  the peers every call; each slice ends when its last frame is seen on the screen.
-- *Idle pass*: processor time of the display thread a pass, beside lock, `SDL_PollEvent`, unlock,
-  `SDL_Delay(1)` in a bare loop on the same window.
+- *In another range*: the kernel runs in a process whose pixkit declares other sample ranges, and in a process
+  with the natural ranges. Each process divides the kernel's time by the time of its own memcpy. The ratio is
+  the first of these quotients divided by the second.
+- *YCbCr uint8 to RGB planes*: framesink reads column-major planes; libyuv reads the same number of bytes from
+  row-major planes. framesink writes three bytes per pixel, libyuv four. libyuv rounds differently; the benchmark
+  checks that the results differ by at most 3 of 255.
+- *libUpdate*: timing starts when the display thread has shown its last frame and sleeps, and the peer's window
+  shows its own frame. By then the memory of both has left the caches. framesink and the peer get the same
+  column-major planes. For OpenCV, the benchmark converts doubles to bytes, transposes, merges, and calls `imshow`
+  and `waitKey(1)`. For CImg, it transposes and calls `display`, which normalises doubles.
+- *p99.9 of four windows*: the 99.9th percentile of more than 10,000 updates, at 60 rounds per second. The memcpys
+  follow each update in the same thread. The display thread draws the windows while the host's thread is timed.
+- *Shown frames*: the two libraries take turns of 0.8 s, with one window open at a time. For framesink, the
+  benchmark counts the frames that SDL presented; for a peer, it counts every call. Each turn ends when its last
+  frame is on the screen.
+- *Idle pass*: the processor time that the display thread uses per pass. The bare loop locks a mutex, calls
+  `SDL_PollEvent`, unlocks the mutex and calls `SDL_Delay(1)`, with the same window open.
 
-Windows are drawn without OpenGL wherever the user's environment does not ask for it: a run of *shown
-frames* for this alone took 4.2 ms a frame as the library sets it, and 12.1 ms with
-`SDL_FRAMEBUFFER_ACCELERATION=1` (Mesa's software OpenGL).
+The library draws windows without OpenGL unless the user's environment asks for OpenGL. In a separate run, a
+frame of *shown frames* took 4.2 ms with the library's setting. The same frame took 12.1 ms with
+`SDL_FRAMEBUFFER_ACCELERATION=1`, which selected Mesa's software OpenGL.
 
-Where a target is missed, or was in one run and not in another:
+Why some targets are missed in this run or in others:
 
-- *RGB planes single* and *RGB planes double*: both sides wait for memory, ours a hundredth this side of the
-  limit or that from run to run.
-- *YCbCr to RGB beside libyuv*: our bytes are those of 14 bits after the point, which takes two words of 16
-  bits for each colour; libyuv has 6 bits after the point and one word. On AVX2 that is 4.3 instructions a
-  pixel for ours and 2.3 for libyuv's (callgrind, 320x240). Single precision was tried before and took three
-  times as long.
-- *YCbCr to YUY2 beside libyuv*, *packing beside libyuv*: by some hundredths, and not in every run. Both
-  move bytes only and differ in how they shuffle them. Pairs of luma packed as words brought YUY2 from 1.15
-  to 1.10 of libyuv; aligned stores would gain a hundredth more.
-- *libUpdate beside OpenCV's and CImg's windows*: the two copies that a frame needs at least (the row above
-  with two memcpys) are all that libUpdate costs. The factor is what the peer takes for its own work on this
-  machine over those two copies.
-- *Shown frames beside OpenCV and CImg*: a frame is packed, then SDL clears, copies and presents it and waits
-  for the X server, and the display thread sleeps 1 ms. Sleep and SDL alone take most of the frame's time;
-  packing is the row *planes to ARGB8888*. Beside CImg the limit was met in other runs (0.46)."""
+- *RGB planes single* and *RGB planes double*: both sides wait for memory. From run to run, the ratio is a hundredth
+  above or below the limit.
+- *YCbCr uint8 to RGB planes*: framesink computes with 14 fractional bits, which take two 16-bit words per colour.
+  libyuv computes with 6 fractional bits, which take one. On AVX2 framesink executes 4.3 instructions per pixel and
+  libyuv 2.3 (callgrind, 320x240). An earlier version in single precision took three times as long.
+- *YCbCr uint8 to YUY2* and *planes to ARGB8888*, compared with libyuv: some runs miss these targets by a few
+  hundredths. Both libraries only move bytes and differ in how they shuffle them. Packing pairs of luma as words
+  lowered the ratio for YUY2 from 1.15 to 1.10. Aligned stores would lower it by another hundredth.
+- *libUpdate*, compared with OpenCV and CImg: libUpdate takes hardly longer than the two copies that every frame
+  needs (see the row that compares it with two memcpys). The ratio therefore depends on how long the peer's own
+  work takes on this machine.
+- *Shown frames*, compared with OpenCV and CImg: for every frame the library packs the planes; then SDL clears,
+  copies and presents the picture and waits for the X server; then the display thread sleeps for 1 ms. The sleep
+  and SDL take most of this time. The row *planes to ARGB8888* has the time for packing. Other runs met the target
+  of *shown frames* for CImg (0.46)."""

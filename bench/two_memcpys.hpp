@@ -1,5 +1,5 @@
-// What memory itself takes for what libUpdate must do: one pass from the host's planes into a
-// buffer, one from there into another.
+// The memory traffic that libUpdate cannot avoid: one copy from the host's planes into a buffer, and
+// one copy from there into another buffer.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -12,8 +12,8 @@
 
 namespace framesink::bench {
 
-// The bytes of a frame of uint8, into as many buffers as a window has: the second copy goes into
-// two of them by turns.
+// Copies a uint8 frame between as many buffers as a window has. The second copy alternates between
+// two buffers.
 class TwoMemcpys {
  public:
   explicit TwoMemcpys(FrameSize size) : middle_(3 * size.pixels()), last_{middle_, middle_} {}

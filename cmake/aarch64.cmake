@@ -1,5 +1,5 @@
-# 64-bit ARM with Debian's cross compiler; programs run under qemu. Libraries are those that
-# aarch64_packages.sh has built.
+# Builds for 64-bit ARM with Debian's cross compiler. Programs run under qemu. aarch64_packages.sh builds the
+# libraries.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)

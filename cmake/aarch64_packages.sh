@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds Highway and GoogleTest for 64-bit ARM: build/aarch64/packages/root.
+# Builds Highway and GoogleTest for 64-bit ARM in build/aarch64/packages/root.
 set -euo pipefail
 toolchain=$(cd "$(dirname "$0")" && pwd)/aarch64.cmake
 packages=${toolchain%/cmake/*}/build/aarch64/packages

@@ -1,32 +1,33 @@
-# Sourced by aarch64_packages.sh and windows_packages.sh: builds libraries for another machine from Debian's
-# sources, in the versions that are installed for this one, into $packages/root, which is kept until one of them
-# changes. Apt gets lists of its own there; the machine's configuration, lists and architectures stay as they are.
-# Expects `toolchain`, CMake's toolchain file, and `packages`, the folder for all of this.
+# Builds libraries for another architecture from Debian's sources; aarch64_packages.sh and windows_packages.sh
+# source this file. It builds the versions that are installed on this machine into $packages/root. A later run
+# keeps $packages/root if versions and scripts are unchanged. Apt uses its own lists below $packages, so the
+# machine's configuration, lists and architectures do not change.
+# The caller sets `toolchain` to CMake's toolchain file, and `packages` to the folder for all of this.
 
 die() {
   printf '%s: %s\n' "${0##*/}" "$*" >&2
   exit 1
 }
 
-# The machine's Debian repositories, for sources.
+# Prints the machine's Debian repositories as entries for sources.
 source_list() {
   apt-get indextargets --release-info 'Created-By: Packages' 'Origin: Debian' --format \
     'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(REPO_URI) $(RELEASE) $(COMPONENT)' | sort -u
 }
 
-# apt-get with configuration and state of its own. Nothing is installed: no user of apt's own is needed.
+# Runs apt-get with separate configuration and state. It needs no sandbox user, because it installs nothing.
 private_apt_get() {
   apt-get -qq -o Dir::Etc::sourcelist="$packages/apt/sources.list" -o Dir::Etc::sourceparts=/dev/null \
     -o Dir::State="$packages/apt/state" -o Dir::State::lists="$packages/apt/lists" \
     -o Dir::Cache="$packages/apt/cache" -o APT::Sandbox::User= "$@"
 }
 
-# fetch SOURCE_PACKAGE...: unpacks them in the wanted versions into the folder `sources`.
+# fetch SOURCE_PACKAGE...: unpacks these packages into the folder `sources`, in the versions that `versions` lists.
 fetch() {
   local name
   mkdir -p "$packages"/apt/{state,lists/partial,cache/archives/partial} "$packages/sources"
   source_list >"$packages/apt/sources.list"
-  [ -s "$packages/apt/sources.list" ] || die "apt knows no repository of Debian's; run apt-get update"
+  [ -s "$packages/apt/sources.list" ] || die "apt has no Debian repository; run apt-get update"
   private_apt_get update
   for name in "$@"; do
     (cd "$packages/sources" && private_apt_get source "$(grep "^$name=" <<<"$versions")" >"$packages/fetch.log" 2>&1) || {
@@ -55,8 +56,8 @@ cross_build_highway() {
     -DHWY_ENABLE_TESTS=OFF -DBUILD_TESTING=OFF
 }
 
-# begin INSTALLED_PACKAGE...: sets `versions` to those of their sources; ends the script when the root has these
-# and was built by the present scripts.
+# begin INSTALLED_PACKAGE...: sets `versions` to the versions of their source packages and a checksum of the scripts.
+# Ends the script if $packages/root was built from the same versions by the same scripts.
 begin() {
   versions=$(dpkg-query -W -f '${source:Package}=${source:Version}\n' "$@" && cat "${BASH_SOURCE[@]}" "$toolchain" | sha256sum)
   [ "$(cat "$packages/root/versions" 2>/dev/null)" = "$versions" ] && exit

@@ -1,4 +1,4 @@
-# The host's own pixkit as target `pixkit`.
+# Defines the target `pixkit` from the host's own media library in FRAMESINK_PIXKIT.
 find_path(PIXKIT_INCLUDE_DIR pixkit/pixkit.h PATHS ${FRAMESINK_PIXKIT}/include NO_DEFAULT_PATH REQUIRED)
 find_library(PIXKIT_LIBRARY pixkit PATHS ${FRAMESINK_PIXKIT}/lib NO_DEFAULT_PATH REQUIRED)
 add_library(pixkit SHARED IMPORTED GLOBAL)

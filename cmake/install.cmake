@@ -1,10 +1,10 @@
-# What `cmake --install` puts where, by component: library, development, tools, python.
+# Installation rules for `cmake --install`, by component: library, development, tools, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/framesink)
 
-# The library finds the stand-in beside itself; whatever the loader's path has first takes its place.
+# The library finds the stand-in pixkit in its own folder. One that is earlier on the loader's path replaces it.
 set_target_properties(framesink PROPERTIES INSTALL_RPATH $ORIGIN)
 install(TARGETS framesink
   EXPORT framesinkTargets
@@ -26,7 +26,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/framesinkConfigVersion.cmak
 install(
   FILES ${CMAKE_BINARY_DIR}/framesinkConfig.cmake ${CMAKE_BINARY_DIR}/framesinkConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT development)
-# Relative, so that an installed tree may be moved.
+# The path to the prefix is relative, so that an installed tree can be moved.
 file(RELATIVE_PATH pc_to_prefix /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
 configure_file(packaging/framesink.pc.in ${CMAKE_BINARY_DIR}/framesink.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/framesink.pc
@@ -41,11 +41,11 @@ if(FRAMESINK_PLAY)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions COMPONENT tools)
 endif()
 
-# Nothing of it is built. Debian's Python looks there when the prefix is /usr.
+# The Python package needs no build. Debian's Python searches this folder if the prefix is /usr.
 set(python_folder lib/python3/dist-packages)
 install(DIRECTORY bindings/python/framesink DESTINATION ${python_folder} COMPONENT python
   PATTERN __pycache__ EXCLUDE)
-# What pip and importlib.metadata know it by.
+# pip and importlib.metadata find the package by this file.
 configure_file(bindings/python/egg-info.in ${CMAKE_BINARY_DIR}/framesink.egg-info @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/framesink.egg-info
   DESTINATION ${python_folder} RENAME framesink-${PROJECT_VERSION}.egg-info COMPONENT python)

@@ -1,4 +1,4 @@
-# Debian packages by CPack, one per component of cmake/install.cmake: `./dev package` makes and checks them.
+# Makes one Debian package per component of cmake/install.cmake, with CPack. `./dev package` builds and checks them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME framesink)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -13,8 +13,8 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_COMPONENTS_ALL)
 
-# debian_package(COMPONENT NAME SECTION SUMMARY DESCRIPTION): names the package of a component and gives
-# it the documents that every package has.
+# debian_package(COMPONENT NAME SECTION SUMMARY DESCRIPTION): sets the names and texts of a component's package and
+# installs the documents that every package includes.
 function(debian_package component name section summary description)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${name} PARENT_SCOPE)
@@ -31,7 +31,7 @@ function(debian_package component name section summary description)
   endif()
 endfunction()
 
-# zip(FILE NAME): compresses without the time of day: the same bytes whenever it is done.
+# zip(FILE NAME): compresses FILE without a timestamp, so that the result is always the same.
 function(zip file name)
   execute_process(COMMAND gzip -9n INPUT_FILE ${CMAKE_SOURCE_DIR}/${file}
     OUTPUT_FILE ${CMAKE_BINARY_DIR}/${name}.gz COMMAND_ERROR_IS_FATAL ANY)
@@ -42,20 +42,20 @@ zip(packaging/changelog changelog.Debian)
 debian_package(library libframesink1 libs "live windows for the frames of a running model"
 "A host loads one library, calls eleven C functions and hands over planes
 of samples in any of nine types. The library scales, converts and displays
-them on a thread of its own, and the model never waits for a window.")
+them on its own thread, and the model never waits for a window.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
-# The loader's cache by trigger, and what packages of linked hosts depend on.
+# The trigger updates the loader's cache; shlibs is the dependency for packages of hosts that link the library.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
   ${CMAKE_SOURCE_DIR}/packaging/triggers ${CMAKE_SOURCE_DIR}/packaging/shlibs)
 
 debian_package(development libframesink-dev libdevel "live windows for running models (development files)"
 "Header, CMake package and pkg-config file of framesink, for hosts that
-link the library or load it by its header.")
+link the library or load it at run time.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libframesink1 (= ${PROJECT_VERSION}-1)")
 
 debian_package(tools framesink-tools video "live windows for running models (player)"
 "framesink-play shows videos, images, raw samples or a built-in model
-through the framesink library, and tells what is wrong when nothing is seen.")
+through the framesink library, and diagnoses windows that do not appear.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libframesink1 (= ${PROJECT_VERSION}-1)")
 
@@ -65,7 +65,7 @@ in live windows.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
   "python3 (>= 3.11), python3-numpy, libframesink1 (= ${PROJECT_VERSION}-1)")
-# Compiled files come with the package and go with it.
+# postinst compiles the Python files, and prerm removes the compiled files.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${CMAKE_SOURCE_DIR}/packaging/python/postinst ${CMAKE_SOURCE_DIR}/packaging/python/prerm)
 

@@ -1,4 +1,4 @@
-# FRAMESINK_SANITIZE applies to everything that is built here, tests included.
+# Applies FRAMESINK_SANITIZE to all targets of this project, including tests.
 if(FRAMESINK_SANITIZE)
   add_compile_options(-fsanitize=${FRAMESINK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${FRAMESINK_SANITIZE})

@@ -1,5 +1,5 @@
-# 64-bit Windows with Debian's cross compiler; programs run under Wine. Libraries are those that
-# windows_packages.sh has built. What the compiler brings (C++, threads) is linked statically.
+# Builds for 64-bit Windows with Debian's cross compiler. Programs run under Wine. windows_packages.sh builds the
+# libraries. The compiler's own libraries (C++, threads) are linked statically.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
@@ -8,8 +8,8 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
 set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
-# Windows aligns stacks to 16 bytes, and this compiler believes that wider vectors kept there are
-# aligned all the same. The assembler makes their moves take any address.
+# Windows aligns stacks to 16 bytes only, but this compiler assumes aligned addresses for wider vectors on the stack.
+# With this option the assembler makes their moves accept any address.
 set(CMAKE_C_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
 set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
 

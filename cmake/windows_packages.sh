@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds SDL (a DLL), Highway, GoogleTest and CLI11 for 64-bit Windows: build/windows/packages/root.
+# Builds SDL (as a DLL), Highway, GoogleTest and CLI11 for 64-bit Windows in build/windows/packages/root.
 set -euo pipefail
 toolchain=$(cd "$(dirname "$0")" && pwd)/windows.cmake
 packages=${toolchain%/cmake/*}/build/windows/packages

@@ -1,8 +1,8 @@
-# Target windows_zip: what a host on Windows needs, in one file.
+# Target windows_zip: packs everything that a host on Windows needs into one file.
 set(zip_folder ${CMAKE_BINARY_DIR}/framesink-${PROJECT_VERSION}-win64)
 set(zip_file ${CMAKE_BINARY_DIR}/framesink-${PROJECT_VERSION}-win64.zip)
 configure_file(${CMAKE_SOURCE_DIR}/cmake/windows_readme.txt.in windows_readme.txt @ONLY NEWLINE_STYLE DOS)
-# Whose work is inside, as its licences ask for it.
+# The licences of the included software require these copies of their texts.
 file(GLOB sdl_source ${FRAMESINK_WINDOWS_BUILD}/packages/sources/libsdl2-*/LICENSE.txt)
 file(GLOB highway_source ${FRAMESINK_WINDOWS_BUILD}/packages/sources/highway-*/LICENSE)
 file(GLOB cli11_source ${FRAMESINK_WINDOWS_BUILD}/packages/sources/cli11-*/LICENSE)

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# wine.sh PROGRAM [ARGUMENT...]: runs a Windows program under Wine, which has a home of its own in build/windows/wine.
-# wine.sh --start: makes that home ready, and keeps its server until --stop; the first program otherwise waits for both.
-# Whatever an earlier run has left there is ended.
-# Its screen is as large as DISPLAY's then, whichever programs are given later; without DISPLAY 1024 x 768.
-# wine.sh --stop: ends whatever still runs there.
+# wine.sh PROGRAM [ARGUMENT...]: runs a Windows program under Wine, whose prefix is build/windows/wine.
+# wine.sh --start: ends all processes of an earlier run, prepares the prefix and starts its server, which runs until
+# --stop. Without --start the first program waits for both. The screen size is fixed at this time for all programs:
+# that of DISPLAY, or 1024 x 768 if DISPLAY is unset.
+# wine.sh --stop: ends all processes of the prefix.
 set -euo pipefail
 WINEPREFIX=$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine
-# Off: messages, and what Wine would install or start by itself (other runtimes, a browser, a debugger).
+# Switches off messages, and everything that Wine would install or start: other runtimes, a browser, a debugger.
 export WINEPREFIX WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml,winedbg.exe='
-unset SDL_VIDEODRIVER  # this machine's, where a test sets it
+unset SDL_VIDEODRIVER  # a test may have set it for this machine's SDL
 wine=/usr/lib/wine/wine64
 server=/usr/lib/wine/wineserver64
 stop() { [ ! -d "$WINEPREFIX" ] || "$server" --kill --wait || true; }

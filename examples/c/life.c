@@ -1,6 +1,6 @@
-/* Conway's Game of Life on a torus, in a window of its own until it is closed.
+/* Shows Conway's Game of Life on a torus in a window, until you close the window.
  *
- *     life [GENERATIONS]     stops after so many; the last one stays to be looked at
+ *     life [GENERATIONS]     stops after GENERATIONS and keeps showing the last one
  *
  *     cc -std=c11 -Iinclude examples/c/life.c -Lbuild/release/lib -lframesink -o life */
 #define _POSIX_C_SOURCE 200809L /* nanosleep */
@@ -14,12 +14,12 @@
 
 enum { ROWS = 180, COLUMNS = 320, SCALE = 3 };
 
-/* Column by column, as the library shows them: the cell of row r and column c is [c][r]. */
+/* Cells are column-major, as the library requires: [c][r] is the cell in row r and column c. */
 typedef uint8_t Cells[COLUMNS][ROWS];
 
 static const char* const kName = "examples/life";
 
-/* About a third of the cells are alive; the same ones in every run. */
+/* Makes about a third of the cells alive, the same ones in every run. */
 static void scatter(Cells cells) {
   uint32_t random = 1;
   for (int column = 0; column < COLUMNS; ++column) {
@@ -54,7 +54,7 @@ static void* openDisplay(void) {
                                   .heights = {ROWS},
                                   .dataType = FRAMESINK_BOOLEAN,
                                   .layout = 1};
-  char error[FRAMESINK_ERROR_BYTES + 1] = ""; /* a full buffer has no terminating zero */
+  char error[FRAMESINK_ERROR_BYTES + 1] = ""; /* the longest messages have no terminating zero */
   void* const block = libCreate(error, 0, kName, "Life", 0, &cells, 1, 100, 100, 1, COLUMNS * SCALE,
                                 ROWS * SCALE, 0, 0, 0);
   if (block == NULL) {

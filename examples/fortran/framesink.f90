@@ -1,18 +1,19 @@
-! framesink's C interface for Fortran. Arrays are column-major here as there: plane(row, column), no copies.
-! Names and titles are C strings: "name" // c_null_char. include/framesink/framesink.h has the contract.
+! framesink's C interface for Fortran; include/framesink/framesink.h describes the functions.
+! Planes are arrays plane(row, column). They need no copy, because Fortran and framesink are both column-major.
+! Names and titles are C strings: "name" // c_null_char.
 module framesink
   use, intrinsic :: iso_c_binding
   implicit none
 
-  ! Sample types. Unsigned ones have no kind of their own: their bits go into the signed kind of that size.
+  ! Sample types. Fortran has no unsigned kinds; store unsigned samples in the signed kind of the same size.
   integer(c_int32_t), parameter :: framesink_double = 0, framesink_single = 1, framesink_int8 = 2, &
     framesink_uint8 = 3, framesink_int16 = 4, framesink_uint16 = 5, framesink_int32 = 6, framesink_uint32 = 7, &
     framesink_boolean = 8
 
   integer, parameter :: framesink_error_bytes = 1024
-  ! Width and height of an update: those of the description.
+  ! Passed to lib_update as width and height, this selects those of the description.
   integer(c_int32_t), parameter :: framesink_configured_size = -1
-  ! x and y of a window: the system chooses.
+  ! Passed to lib_create as window_x and window_y, this lets the window system choose the position.
   integer(c_int32_t), parameter :: framesink_position_undefined = int(z'1FFF0000', c_int32_t)
 
   type, bind(c) :: input_description
@@ -52,7 +53,7 @@ module framesink
       character(kind=c_char), intent(inout) :: error_message(*)
     end subroutine
 
-    ! Planes by c_loc; those that are not needed are c_null_ptr.
+    ! Pass planes with c_loc, and c_null_ptr for planes that are not needed.
     subroutine lib_update(block, error_message, plane1, plane2, plane3, width, height) bind(c, name="libUpdate")
       import
       type(c_ptr), value :: block
@@ -71,7 +72,7 @@ module framesink
       type(c_ptr), value :: block
     end subroutine
 
-    ! 1 when the window of that name is open.
+    ! Returns 1 if a window of this name is open, otherwise 0.
     integer(c_int8_t) function is_player_open(name) bind(c, name="isPlayerOpen")
       import
       character(kind=c_char), intent(in) :: name(*)

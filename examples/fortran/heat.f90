@@ -1,6 +1,6 @@
-! Heat spreads over a plate: the bottom edge is hot, the others are cold. Shown until the window is closed.
+! Shows heat that spreads over a plate with a hot bottom edge and cold other edges, until you close the window.
 !
-!     heat [STEPS]     stops after so many; the last one stays to be looked at
+!     heat [STEPS]     stops after STEPS and keeps showing the last one
 !
 !     gfortran examples/fortran/framesink.f90 examples/fortran/heat.f90 -Lbuild/release/lib -lframesink -o heat
 program heat
@@ -44,7 +44,7 @@ program heat
 
 contains
 
-  ! Each point takes the mean of its four neighbours.
+  ! Sets each point to the mean of its four neighbours.
   subroutine spread()
     plate(2:rows-1, 2:columns-1) = 0.25d0 * ((plate(1:rows-2, 2:columns-1) + plate(3:rows, 2:columns-1)) &
       + (plate(2:rows-1, 1:columns-2) + plate(2:rows-1, 3:columns)))
@@ -71,7 +71,7 @@ contains
     if (usleep(16000_c_int) /= 0) continue
   end subroutine
 
-  ! -1, which never comes, unless the first argument says how many.
+  ! Returns the first argument; without one, returns -1, which the number of steps never reaches.
   integer function steps_asked_for() result(count)
     character(20) :: argument
     count = -1

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Two substances that feed and eat each other make spots that divide (the Gray-Scott model), in three windows:
-each substance for itself, and both as colours.
+"""Shows the Gray-Scott model in three windows: one for each of its two substances, and one for both as colours.
+
+Substance U is fed, and V consumes it. Spots of V form and divide.
 
     FRAMESINK_LIBRARY=build/release/lib/libframesink.so.1 PYTHONPATH=bindings/python \
         python3 examples/python/reaction_diffusion.py
@@ -17,12 +18,12 @@ from framesink import Display
 
 SIZE = 256
 STEPS_PER_FRAME = 12
-FEED, KILL = np.float32(0.0367), np.float32(0.0649)  # spots that divide
+FEED, KILL = np.float32(0.0367), np.float32(0.0649)  # values for which spots divide
 SPREAD_U, SPREAD_V = np.float32(0.2), np.float32(0.1)
 
 
 def start():
-    """U everywhere, V in some square spots."""
+    """Returns U everywhere, and V in some square spots."""
     u = np.ones((SIZE, SIZE), np.float32, order="F")
     v = np.zeros_like(u)
     for row, column in np.random.default_rng(1).integers(10, SIZE - 10, (20, 2)):
@@ -32,7 +33,7 @@ def start():
 
 
 def frames():
-    """U and V of every frame."""
+    """Yields U and V of every frame."""
     u, v = start()
     while True:
         yield u, v
@@ -41,19 +42,19 @@ def frames():
 
 
 def step(u, v):
-    """U is fed and eaten by V; V grows by what it eats and dies; both spread."""
+    """Returns U and V after one step: U is fed, V consumes U and decays, and both spread."""
     eaten = u * v * v
     return (u + SPREAD_U * curvature(u) - eaten + FEED * (1 - u),
             v + SPREAD_V * curvature(v) + eaten - (FEED + KILL) * v)
 
 
 def curvature(field):
-    """How much more the four neighbours hold; what leaves on one side comes in on the other."""
+    """Returns how much more the four neighbours hold than each point itself. Opposite edges are neighbours."""
     return np.roll(field, 1, 0) + np.roll(field, -1, 0) + np.roll(field, 1, 1) + np.roll(field, -1, 1) - 4 * field
 
 
 def colours(u, v):
-    """Dark blue where there is only U, to yellow where V has eaten it."""
+    """Returns colours from dark blue, where there is only U, to yellow, where V has consumed it."""
     picture = np.empty((SIZE, SIZE, 3), np.float32, order="F")
     picture[:, :, 0] = 1 - u
     picture[:, :, 1] = 2.5 * v
@@ -62,9 +63,9 @@ def colours(u, v):
 
 
 def main():
-    parser = argparse.ArgumentParser(description="Spots that divide.")
-    parser.add_argument("--frames", type=int, help="stop after so many; the last ones stay until a window is closed")
-    parser.add_argument("--headless", action="store_true", help="run without a screen, and end after the last frame")
+    parser = argparse.ArgumentParser(description="Shows spots that divide, in three windows.")
+    parser.add_argument("--frames", type=int, help="stop after FRAMES and show the last ones until you close a window")
+    parser.add_argument("--headless", action="store_true", help="run without a screen and end after the last frame")
     options = parser.parse_args()
     if options.headless:
         os.environ["SDL_VIDEODRIVER"] = "dummy"

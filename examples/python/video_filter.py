@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The edges in a clip, beside the clip: one made here, or a file that ffmpeg reads.
+"""Shows a clip and its edges in two windows. The clip is computed here, or it is a file that ffmpeg reads.
 
     FRAMESINK_LIBRARY=build/release/lib/libframesink.so.1 PYTHONPATH=bindings/python \
         python3 examples/python/video_filter.py --input clip.mp4
@@ -20,7 +20,7 @@ HEIGHT, WIDTH = 270, 480
 
 
 def made_clip():
-    """Three discs of light in red, green and blue that go round each other."""
+    """Yields pictures of three discs of light, red, green and blue, which circle each other."""
     rows, columns = np.mgrid[0:HEIGHT, 0:WIDTH]
     for number in itertools.count():
         picture = np.full((HEIGHT, WIDTH, 3), 30, np.uint8, order="F")
@@ -32,7 +32,7 @@ def made_clip():
 
 
 def read_clip(path):
-    """The pictures of a file, in this size, as ffmpeg decodes them: row by row."""
+    """Yields the pictures of a file, scaled to WIDTH x HEIGHT. ffmpeg decodes the file to row-major arrays."""
     command = ["ffmpeg", "-v", "error", "-i", path, "-vf", f"scale={WIDTH}:{HEIGHT}", "-f", "rawvideo",
                "-pix_fmt", "rgb24", "-"]
     size = HEIGHT * WIDTH * 3
@@ -40,7 +40,7 @@ def read_clip(path):
         try:
             while len(data := ffmpeg.stdout.read(size)) == size:
                 yield np.frombuffer(data, np.uint8).reshape(HEIGHT, WIDTH, 3)
-        except GeneratorExit:  # nobody wants the rest
+        except GeneratorExit:  # the caller needs no more pictures
             ffmpeg.kill()
             raise
     if ffmpeg.returncode != 0:
@@ -48,7 +48,7 @@ def read_clip(path):
 
 
 def edges(picture):
-    """How much each sample differs from those before it, along and across, four times as bright."""
+    """Returns four times the sum of each sample's differences from its left and upper neighbours."""
     samples = picture.astype(np.int16)
     along = np.abs(np.diff(samples, axis=1, prepend=samples[:, :1]))
     across = np.abs(np.diff(samples, axis=0, prepend=samples[:1]))
@@ -56,10 +56,10 @@ def edges(picture):
 
 
 def main():
-    parser = argparse.ArgumentParser(description="The edges in a clip.")
-    parser.add_argument("--input", help="a video that ffmpeg reads; without it a clip is made")
-    parser.add_argument("--frames", type=int, help="stop after so many; the last one stays until a window is closed")
-    parser.add_argument("--headless", action="store_true", help="run without a screen, and end after the last frame")
+    parser = argparse.ArgumentParser(description="Shows a clip and its edges in two windows.")
+    parser.add_argument("--input", help="a video that ffmpeg reads (default: a computed clip)")
+    parser.add_argument("--frames", type=int, help="stop after FRAMES and show the last one until you close a window")
+    parser.add_argument("--headless", action="store_true", help="run without a screen and end after the last frame")
     options = parser.parse_args()
     if options.headless:
         os.environ["SDL_VIDEODRIVER"] = "dummy"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Waves on a square pond: three drops fall in, and the waves run, cross and come back from the edges.
+"""Shows waves on a square pond. Three drops fall in; their waves cross and return from the edges.
 
     FRAMESINK_LIBRARY=build/release/lib/libframesink.so.1 PYTHONPATH=bindings/python python3 examples/python/wave.py
 """
@@ -15,12 +15,12 @@ from framesink import Display
 
 SIZE = 400
 STEPS_PER_FRAME = 4
-SPEED = 0.5  # points of the grid in a step; stable below 0.7
+SPEED = 0.5  # grid points per step; stable below 0.7
 DROPS = [(0.3, 0.3), (0.7, 0.4), (0.5, 0.8)]
 
 
 def pond():
-    """The water's height: flat but for the drops."""
+    """Returns the water's height, which is 0 except at the drops."""
     rows, columns = np.mgrid[0:SIZE, 0:SIZE] / SIZE
     height = np.zeros((SIZE, SIZE), order="F")
     for row, column in DROPS:
@@ -29,10 +29,10 @@ def pond():
 
 
 def frames():
-    """The picture of every frame: 0.5 is still water."""
+    """Yields the picture of every frame. 0.5 is still water."""
     now = pond()
     before = now.copy(order="F")
-    picture = np.empty_like(now)  # column by column in memory, as windows take it: nothing is copied
+    picture = np.empty_like(now)  # column-major, as Display needs it to show it without a copy
     while True:
         np.clip(0.5 + 0.8 * now, 0, 1, out=picture)
         yield picture
@@ -41,7 +41,7 @@ def frames():
 
 
 def step(now, before):
-    """The wave equation: acceleration is the curvature of the surface. The edges stay at rest."""
+    """Returns the next height. The acceleration is proportional to the curvature; the edges stay at rest."""
     after = np.zeros_like(now)
     inside = now[1:-1, 1:-1]
     curvature = now[2:, 1:-1] + now[:-2, 1:-1] + now[1:-1, 2:] + now[1:-1, :-2] - 4 * inside
@@ -50,9 +50,9 @@ def step(now, before):
 
 
 def main():
-    parser = argparse.ArgumentParser(description="Waves on a square pond.")
-    parser.add_argument("--frames", type=int, help="stop after so many; the last one stays until its window is closed")
-    parser.add_argument("--headless", action="store_true", help="run without a screen, and end after the last frame")
+    parser = argparse.ArgumentParser(description="Shows waves on a square pond.")
+    parser.add_argument("--frames", type=int, help="stop after FRAMES and show the last one until you close its window")
+    parser.add_argument("--headless", action="store_true", help="run without a screen and end after the last frame")
     options = parser.parse_args()
     if options.headless:
         os.environ["SDL_VIDEODRIVER"] = "dummy"

@@ -1,4 +1,4 @@
-/* The README's lines of C in a program; status 0 if their window is open in the end. */
+/* Runs the README's C example. The status is 0 if the example's window is open at the end. */
 #include <framesink/framesink.h>
 
 static double red[640 * 480], green[640 * 480], blue[640 * 480];

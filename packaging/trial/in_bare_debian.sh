@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# in_bare_debian.sh [FOLDER]: has newcomer.sh use FOLDER's packages in a bare Debian 12, made in TMPDIR; without
-# FOLDER tells only whether that can be. Needs root, debootstrap and a mirror: FRAMESINK_DEBIAN_MIRROR, or
-# Debian's. What is mounted and started for it is seen by nobody else, and ends with it.
+# in_bare_debian.sh [FOLDER]: makes a bare Debian 12 in TMPDIR and runs newcomer.sh there with the packages of FOLDER.
+# Without FOLDER it only checks that this is possible. It needs root, debootstrap and a mirror: FRAMESINK_DEBIAN_MIRROR,
+# or Debian's. Its mounts and processes are invisible outside and end with the script.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 mirror=${FRAMESINK_DEBIAN_MIRROR:-http://deb.debian.org/debian}
@@ -11,15 +11,15 @@ die() {
   exit 1
 }
 
-# Runs a command that has mounts and processes of its own.
+# Runs a command with separate mounts and processes.
 apart() { unshare --mount --pid --fork --kill-child "$@"; }
 
-[ "$(id -u)" -eq 0 ] || die "only root can make a bare Debian and go there"
+[ "$(id -u)" -eq 0 ] || die "making a bare Debian needs root"
 command -v debootstrap >/dev/null || die "debootstrap is not installed"
 apart true 2>/dev/null || die "unshare is not allowed here"
 [ $# -eq 1 ] || exit 0
 packages=$1
-ls "$packages"/*.deb >/dev/null 2>&1 || die "there are none in $packages"
+ls "$packages"/*.deb >/dev/null 2>&1 || die "there are no packages in $packages"
 
 folder=$(mktemp -d)
 trap 'rm -rf --one-file-system "$folder"' EXIT
@@ -33,7 +33,7 @@ cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 mkdir "$root/trial"
 cp "$here"/* "$here/../../README.md" "$packages"/*.deb "$root/trial"
 
-# With an environment of a newcomer's own, but for the way to the mirror.
+# The environment is a newcomer's, except for the proxy to the mirror.
 newcomers=(HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin)
 [ -z "${http_proxy:-}" ] || newcomers+=("http_proxy=$http_proxy")
 # shellcheck disable=SC2016

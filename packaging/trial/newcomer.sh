@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# What a newcomer does, as root in a bare Debian 12: installs the packages that lie here, runs the README's
-# examples on a virtual display, builds with the library, plays, and removes the packages. Nothing may be left.
+# Does what a newcomer does, as root in a bare Debian 12: installs the packages in this folder, runs the README's
+# examples on a virtual display, builds with the library, runs framesink-play and removes the packages. Fails if
+# anything is left.
 set -euo pipefail
 cd "$(dirname "$0")"
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
@@ -9,7 +10,7 @@ step() {
   printf '%4d s  %s\n' "$SECONDS" "$*"
 }
 
-# Without what is only recommended: what packages depend on must do.
+# Installs no recommended packages, because the dependencies must be sufficient.
 apt_get() {
   apt-get -y -qq --no-install-recommends "$@" >apt.log 2>&1 || {
     cat apt.log
@@ -17,10 +18,10 @@ apt_get() {
   }
 }
 
-# The README's lines of a language.
+# Prints the README's code in a language.
 readme() { sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;p}" README.md; }
 
-# Every file and folder but what apt, dpkg and the loader write down of their own work.
+# Lists all files and folders except the records of apt, dpkg and the loader.
 everything() {
   find / -xdev \( -path "$PWD" -o -path /var/lib/apt -o -path /var/lib/dpkg -o -path /var/cache \
     -o -path /var/log -o -path /tmp \) -prune -o -print | sort
@@ -50,7 +51,7 @@ play() {
   framesink-play --duration 2
 }
 
-step "installing what a newcomer has: a compiler, CMake, a virtual display"
+step "installing a compiler, CMake and a virtual display"
 apt_get update
 apt_get install cmake gcc libc6-dev make pkg-config x11-utils xvfb
 everything >before.txt
@@ -70,17 +71,17 @@ read -r number <display || {
 }
 export DISPLAY=:$number
 
-step "the README's waves, and their window from the interpreter"
+step "running the README's Python example, and using its window from the interpreter"
 see_in_python
-step "the README's lines of C, by pkg-config and by CMake"
+step "building the README's C example with pkg-config and with CMake, and running it"
 build_and_run
-step "framesink-play"
+step "running framesink-play"
 play
 
-step "removing the packages, then what came with them"
+step "removing the packages, then their dependencies"
 apt_get purge "${packages[@]}"
 if everything | grep -E 'framesink|pixkit'; then
-  echo "is left"
+  echo "these files are left"
   exit 1
 fi
 apt_get autoremove --purge
@@ -90,4 +91,4 @@ if ! diff before.txt after.txt >left.txt; then
   cat left.txt
   exit 1
 fi
-step "nothing is left of $(comm -23 ours.txt before.txt | wc -l) files and folders"
+step "none of the $(comm -23 ours.txt before.txt | wc -l) installed files and folders is left"

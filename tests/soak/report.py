@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Draws the curves of a soak: soak.csv of the folder given becomes soak.png beside it. With --record the
-plot and what the soak said (soak.txt) become docs/soak.md, too."""
+"""Draws the curves of a soak test: reads soak.csv in the given folder and writes soak.png there. With --record
+it also writes docs/soak.md and its plot, with the test's output (soak.txt)."""
 
 import argparse
 import csv
@@ -23,7 +23,7 @@ def read(path):
 
 def draw_curve(axes, rows, curve):
     loads = max(int(row["load"]) for row in rows) + 1
-    # Lines end where the library is unloaded.
+    # Each load is a separate line, because the library is unloaded between them.
     for load in range(loads):
         own = [row for row in rows if int(row["load"]) == load]
         axes.plot([load + float(row["age"]) for row in own], [float(row[curve]) for row in own], color="C0",
@@ -48,23 +48,36 @@ def draw(rows, path):
     figure.savefig(path, dpi=80, metadata={"Software": None})
 
 
-PAGE = """# Hours of use
+PAGE = """# Soak test
 
-A host with eight windows, fed 33 times a second with frames of every kind and sample type, while a user closes,
-moves, resizes, maximises, iconifies and covers them in storms and presses Escape in full screen. Blocks are
-destroyed and made again, windows renamed and opened again, and the library is unloaded and loaded again; by turns
-without a window manager and with one. Half of the time SDL draws with OpenGL, threaded windows and synchronous ones
-by themselves; with threaded ones the library stays loaded. `./dev soak --minutes N --record`
-runs this and writes this page; recorded on {day}.
+`./dev soak --minutes N --record` runs this test and writes this page; do not edit it. Recorded on {day}.
 
-![What the host holds, over time](images/soak.png)
+The test runs a host for N minutes and fails if the host's memory, descriptors, threads or X resources grow. The host
+sends frames of every kind and sample type to eight windows, 33 times per second. Meanwhile:
+
+- A simulated user closes, moves, resizes, maximises, iconifies and covers the windows in quick bursts, and presses
+  Escape in full screen.
+- The host destroys its blocks and creates new ones, renames its windows and opens closed windows again.
+- The host unloads the library and loads it again.
+
+The test has three parts:
+
+| part | share of the time | windows | display |
+|---|---|---|---|
+| software | half | threaded and synchronous | without and with a window manager, in turn |
+| OpenGL-threaded | a quarter | threaded | with a window manager; the library stays loaded |
+| OpenGL-synchronous | a quarter | synchronous | without and with a window manager, in turn |
+
+![Resident memory, descriptors, threads and X resources of the host over time](images/soak.png)
 
 ```text
 {text}```
 
-Judged are medians: the last quarter of the run against the second, and the last quarter of each load against its
-second, all loads laid over each other. Colour maps are left out of the X resources: SDL 2.26 leaves one of each window
-behind until it is shut down.
+Each line of the output compares two medians. In the lines *quarters of the run* these are the medians of the second
+and the last quarter of the run. For the lines *quarters of each load* the test overlays all loads and compares the
+second and the last quarter of a load. A curve is flat if the median called *last* exceeds the one called *second* by
+at most the number after *may grow by*.
+The X resources do not include colour maps, because SDL 2.26 keeps one per window until SDL shuts down.
 """
 
 
