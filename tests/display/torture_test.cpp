@@ -20,6 +20,10 @@ namespace {
 constexpr std::uint32_t kThreadedWindows = 4;
 constexpr std::uint32_t kWindows = kThreadedWindows + 1;  // the last is synchronous
 
+// Thousands are usual in 2 s; a machine with 20 times the work that it can do once needed 12 s
+// for 22.
+constexpr int kFewestFrames = 4 * kWindows;
+
 std::chrono::milliseconds duration() {
   const auto seconds = environmentVariable("FRAMESINK_TORTURE_SECONDS");
   return std::chrono::seconds(seconds ? std::atoi(seconds->c_str()) : 2);
@@ -91,13 +95,15 @@ TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
     // A busy machine may need longer until there has been any torture.
     const auto lasts = [&] {
       const auto now = std::chrono::steady_clock::now();
-      return now < end || (now < end + kDeadline && (user.closed() == 0 || delivered <= 100));
+      const bool isEnough = user.closed() > 0 && delivered >= kFewestFrames;
+      return now < end || (now < end + kDeadline && !isEnough);
     };
     std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, lasts); });
     play(0, kThreadedWindows - 1, lasts);
     synchronousHost.join();
     EXPECT_GT(user.closed(), 0);
-    EXPECT_GT(delivered, 100);
+    EXPECT_GE(delivered, kFewestFrames);
+    RecordProperty("frames", delivered);
   }
   awaitWindows();
   for (std::uint32_t index = 0; index < kWindows; ++index) {
