@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,6 +19,10 @@ namespace {
 
 constexpr std::uint32_t kThreadedWindows = 4;
 constexpr std::uint32_t kWindows = kThreadedWindows + 1;  // the last is synchronous
+
+// Thousands are usual in 2 s; a machine with 20 times the work that it can do once needed 12 s
+// for 22.
+constexpr int kFewestFrames = 4 * kWindows;
 
 std::chrono::milliseconds duration() {
   const auto seconds = environmentVariable("FRAMESINK_TORTURE_SECONDS");
@@ -56,10 +61,23 @@ class TortureTest : public ManagedXTest {
     display.renamePlayer(player, titleOf(index));
     if (number % 512 == index) display.closePlayer(player);
   }
-  void play(std::uint32_t first, std::uint32_t last, std::chrono::steady_clock::time_point end) {
-    for (std::uint32_t number = 0; std::chrono::steady_clock::now() < end; ++number) {
+  template <class Predicate>
+  void play(std::uint32_t first, std::uint32_t last, Predicate lasts) {
+    for (std::uint32_t number = 0; lasts(); ++number) {
       for (std::uint32_t index = first; index <= last; ++index) step(index, number);
     }
+  }
+  // A window that is made later opens above those that are there.
+  void awaitWindows() {
+    for (std::uint32_t index = 0; index < kWindows; ++index) {
+      hasWindow(serverOf(index), players[index]);
+    }
+  }
+  std::string whatIsOnTop() {
+    const Window top = x.stackingTop();
+    std::ostringstream text;
+    text << "\"" << x.title(top) << "\" at " << x.geometry(top) << " is on top";
+    return text.str();
   }
 
   std::vector<std::uint32_t> players = std::vector<std::uint32_t>(kWindows);
@@ -74,13 +92,20 @@ TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
                             {.deeds = {Deed::kClose, Deed::kResize, Deed::kResize, Deed::kResize,
                                        Deed::kRaise, Deed::kMove, Deed::kMove, Deed::kMove}});
     const auto end = std::chrono::steady_clock::now() + duration();
-    std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, end); });
-    play(0, kThreadedWindows - 1, end);
+    // A busy machine may need longer until there has been any torture.
+    const auto lasts = [&] {
+      const auto now = std::chrono::steady_clock::now();
+      const bool isEnough = user.closed() > 0 && delivered >= kFewestFrames;
+      return now < end || (now < end + kDeadline && !isEnough);
+    };
+    std::thread synchronousHost([&] { play(kThreadedWindows, kThreadedWindows, lasts); });
+    play(0, kThreadedWindows - 1, lasts);
     synchronousHost.join();
-    EXPECT_GT(user.deeds(), 0);
     EXPECT_GT(user.closed(), 0);
-    EXPECT_GT(delivered, 100);
+    EXPECT_GE(delivered, kFewestFrames);
+    RecordProperty("frames", delivered);
   }
+  awaitWindows();
   for (std::uint32_t index = 0; index < kWindows; ++index) {
     SdlServer& display = serverOf(index);
     const std::uint32_t fresh = addPlayer(display, {.title = "fresh " + std::to_string(index)});
@@ -90,7 +115,8 @@ TEST_F(TortureTest, TheDisplayGoesOnUnharmed) {
       deliver(display, fresh, last);
       return x.pixels(window) == pictureOf(last);
     };
-    EXPECT_TRUE(waitUntil(isShown)) << "window " << index;
+    EXPECT_TRUE(waitUntil(isShown))
+        << "window " << index << " at " << x.geometry(window) << ", " << whatIsOnTop();
     display.closePlayer(fresh);
   }
 }

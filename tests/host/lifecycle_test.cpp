@@ -108,7 +108,7 @@ class RepeatedLoading : public Hosts {
 // closes a window.
 TEST_F(RepeatedLoading, IsHarmlessWhileAUserIsAtTheWindows) {
   ASSERT_TRUE(pointTo(120, 120));
-  HostProcess host("load_cycles_host", {cycles, "2", "unmeasured"}, environment);
+  HostProcess host("load_cycles_host", {cycles, "2", "unmeasured", "5"}, environment);
   int deeds = 0;
   const auto end = std::chrono::steady_clock::now() + deadline;
   while (host.isRunning() && std::chrono::steady_clock::now() < end) {
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(Count, RepeatedLoadingOfWindows, testing::Values(0, 1, 
                          testing::PrintToStringParamName());
 
 TEST_P(RepeatedLoadingOfWindows, LeavesLittleMemoryBehind) {
-  HostProcess host("load_cycles_host", {cycles, std::to_string(GetParam()), "measured"},
+  HostProcess host("load_cycles_host", {cycles, std::to_string(GetParam()), "measured", "5"},
                    environment);
   EXPECT_TRUE(host.endsWith(0, deadline));
   RecordProperty("memory", host.output());
