@@ -18,11 +18,13 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// What the display thread runs here: it waits until it is told to end.
+// What the display thread runs here: it waits until it is told to end, and after its farewell until
+// it is told to go.
 class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {
     mayEnd = true;
+    mayGo = true;
     endsInTime();
   }
 
@@ -41,10 +43,20 @@ class DisplayThreadTest : public DummyVideoTest {
   std::atomic<bool> began{false};
   std::atomic<bool> knewItself{false};
   std::atomic<bool> mayEnd{false};
+  // Static, as nothing synchronises the thread's last look at it with the end of the test.
+  static inline std::atomic<bool> mayGo{true};
 
  private:
+  // Thread-local: destroyed after the farewell, while the thread ends.
+  struct Going {
+    ~Going() {
+      while (!mayGo) std::this_thread::yield();
+    }
+  };
+
   static void body(void* argument) {
     auto* test = static_cast<DisplayThreadTest*>(argument);
+    thread_local const Going going{};
     test->began = true;
     while (!test->mayEnd) std::this_thread::yield();
   }
@@ -71,6 +83,18 @@ TEST_F(DisplayThreadTest, IsGoneWhenItsEndHasBeenAwaited) {
   mayEnd = true;
   EXPECT_TRUE(endsInTime());
   EXPECT_FALSE(thread.isRunning());
+  EXPECT_FALSE(isThere());
+}
+
+TEST_F(DisplayThreadTest, IsAwaitedAfterItsFarewellUntilItIsGone) {
+  mayGo = false;
+  start();
+  mayEnd = true;
+  ASSERT_TRUE(waitUntil([&] { return !thread.isRunning(); }));
+  EXPECT_FALSE(endsWithin(milliseconds(20)));
+  EXPECT_TRUE(isThere());
+  mayGo = true;
+  EXPECT_TRUE(endsInTime());
   EXPECT_FALSE(isThere());
 }
 

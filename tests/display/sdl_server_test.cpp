@@ -2,15 +2,22 @@
 #include "display/sdl_server.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "display/sdl_session.hpp"
 #include "events.hpp"
 #include "frames.hpp"
+#include "hold.hpp"
 #include "pass_stepper.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
@@ -31,6 +38,18 @@ class SdlServerTest : public ThreadedServerTest {
       if (call.thread != hostThread) rests.push_back(call.arguments[0]);
     }
     return rests;
+  }
+
+  // False as well when there is no answer within 10 s.
+  template <class Predicate>
+  static bool holdsInAFork(Predicate holds) {
+    const pid_t fork = ::fork();
+    if (fork == 0) {
+      ::alarm(10);
+      ::_exit(holds() ? 0 : 1);
+    }
+    int status = -1;
+    return ::waitpid(fork, &status, 0) == fork && status == 0;
   }
 };
 
@@ -63,10 +82,25 @@ TEST_F(SdlServerTest, AFurtherPlayerStartsNothing) {
   }
 }
 
+// All hosts reach the gate before one may start the server, so each has found it not started.
 TEST_F(SdlServerTest, StartsOneThreadForPlayersAddedAtTheSameTime) {
+  std::array<std::atomic<int>, 4> threads{};
   std::vector<std::thread> hosts;
-  for (int i = 0; i < 4; ++i) hosts.emplace_back([&] { addPlayer(server); });
+  {
+    const std::lock_guard gate(sdlGate);
+    for (auto& thread : threads) {
+      hosts.emplace_back([&] {
+        thread = static_cast<int>(currentThread());
+        addPlayer(server);
+      });
+    }
+    for (const auto& thread : threads) {
+      EXPECT_TRUE(waitUntil([&] { return thread != 0 && isAsleep(thread); }));
+    }
+    EXPECT_EQ(recorder.order(), Names{}) << "a host passed the gate";
+  }
   for (auto& host : hosts) host.join();
+  EXPECT_EQ(recorder.count("SDL_CreateMutex"), 1U);
   EXPECT_EQ(recorder.count("SDL_CreateThread"), 1U);
   for (std::uint32_t player = 0; player < 4; ++player) EXPECT_TRUE(hasWindow(server, player));
 }
@@ -412,6 +446,24 @@ TEST_F(SdlServerTest, AWaitEndsWhenTheLibraryIsLeaving) {
   EXPECT_TRUE(waitUntil([&] { return recorder.count("SDL_Delay") > 0; }));
   server.beginLeaving();
   host.join();
+}
+
+TEST_F(SdlServerTest, AWaitEndsInAForkTakenWhileTheWindowIsBeingMade) {
+  const Hold hold(recorder, "SDL_CreateWindow");
+  const std::uint32_t player = addPlayer(server);
+  ASSERT_TRUE(hold.isReached());
+  EXPECT_TRUE(holdsInAFork([&] {
+    server.renamePlayer(player, "another");
+    return !server.windowGeometry(player);
+  }));
+}
+
+// The held display thread owns the server's mutex; in the fork nobody ever unlocks it.
+TEST_F(SdlServerTest, AddsNobodyInAForkTakenDuringAPass) {
+  const Hold hold(recorder, "SDL_CreateWindow");
+  addPlayer(server);
+  ASSERT_TRUE(hold.isReached());
+  EXPECT_TRUE(holdsInAFork([&] { return addPlayer(server) == kNoPlayer; }));
 }
 
 TEST_F(SdlServerTest, AddsNobodyWhileTheLibraryIsLeaving) {

@@ -58,6 +58,15 @@ std::uint64_t timesAsleep(pid_t process, const std::string& thread) {
   return times;
 }
 
+bool isAsleep(int thread) {
+  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/status");
+  for (std::string word; file >> word;) {
+    std::string state;
+    if (word == "State:" && file >> state) return state == "S";
+  }
+  return false;
+}
+
 // A line of maps is "address permissions offset device inode path"; only a path holds a slash.
 bool isMapped(std::string_view part) {
   std::ifstream maps("/proc/self/maps");

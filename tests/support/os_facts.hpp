@@ -22,6 +22,9 @@ std::vector<std::string> threadNames();
 // on.
 std::uint64_t timesAsleep(pid_t process, const std::string& thread);
 
+// True when that thread of this process sleeps, for example because it waits for a lock.
+bool isAsleep(int thread);
+
 // True when a file whose path holds `part` is mapped, for example a loaded library.
 bool isMapped(std::string_view part);
 

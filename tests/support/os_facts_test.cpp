@@ -56,6 +56,25 @@ TEST(OsFacts, CountsHowOftenAThreadGoesToSleep) {
   EXPECT_EQ(times(), 0U);
 }
 
+TEST(OsFacts, KnowsWhetherAThreadSleeps) {
+  std::atomic<int> id{0};
+  std::atomic<bool> mayGo{false};
+  std::atomic<bool> restless{true};
+  std::thread thread([&] {
+    id = gettid();
+    while (restless) std::this_thread::yield();
+    mayGo.wait(false);
+  });
+  EXPECT_TRUE(waitUntil([&] { return id != 0; }));
+  EXPECT_TRUE(staysSo([&] { return !isAsleep(id); }));
+  restless = false;
+  EXPECT_TRUE(waitUntil([&] { return isAsleep(id); }));
+  mayGo = true;
+  mayGo.notify_all();
+  thread.join();
+  EXPECT_FALSE(isAsleep(id)) << "it is gone";
+}
+
 TEST(OsFacts, ContainsTheCallingThread) {
   const std::vector<int> ids = threadIds();
   EXPECT_TRUE(std::binary_search(ids.begin(), ids.end(), gettid()));
