@@ -11,10 +11,10 @@
 #include <random>
 
 #include "clips.hpp"
-#include "failure.hpp"
-#include "frame_planes.hpp"
+#include "frames/frame_planes.hpp"
 #include "player_process.hpp"
-#include "video_source.hpp"
+#include "system/failure.hpp"
+#include "video/video_source.hpp"
 
 namespace framesink::play {
 namespace {

@@ -28,7 +28,7 @@ TEST(PlayHelp, NamesEveryOptionAndExitStatus) {
 TEST(PlayVersion, TellsPlayerAndLibrary) {
   const Outcome outcome = runPlayer({"--version"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, StartsWith("framesink-play " PLAY_VERSION "\n"));
+  EXPECT_THAT(outcome.out, StartsWith("framesink-play " FRAMESINK_PLAY_VERSION "\n"));
   EXPECT_THAT(outcome.out, HasSubstr("framesink 7.8.9 of Feb  3 2021, " STUB_LIBRARY "\n"));
 }
 

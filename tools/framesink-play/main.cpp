@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "command_line.hpp"
-#include "display_check.hpp"
-#include "doctor.hpp"
-#include "failure.hpp"
-#include "library.hpp"
-#include "open_source.hpp"
-#include "player.hpp"
-#include "signals.hpp"
+#include "command_line/command_line.hpp"
+#include "doctor/doctor.hpp"
+#include "host/library.hpp"
+#include "showing/open_source.hpp"
+#include "showing/player.hpp"
+#include "system/display_check.hpp"
+#include "system/failure.hpp"
+#include "system/signals.hpp"
 
 namespace framesink::play {
 namespace {
