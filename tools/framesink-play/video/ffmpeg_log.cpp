@@ -12,15 +12,15 @@ namespace framesink::play {
 namespace {
 
 std::mutex watchMutex;
-ErrorFlag* watching = nullptr;  // behind watchMutex; null: no source calls FFmpeg now
+ErrorFlag* watching = nullptr;  // guarded by watchMutex; null: no source is calling FFmpeg
 
 void watch(ErrorFlag* flag) {
   const std::lock_guard lock(watchMutex);
   watching = flag;
 }
 
-// The flag of the decoder that logs; null for what is no decoder, or one of FFmpeg's own. Copies of
-// a decoder that FFmpeg makes for its threads know the flag, too.
+// Returns the flag of the decoder that logs. FFmpeg's copies of a decoder for its threads have it
+// too. Returns null for anything but a decoder, and for decoders that FFmpeg uses internally.
 ErrorFlag* flagOf(const void* context) {
   if (context == nullptr) return nullptr;
   if (*static_cast<const AVClass* const*>(context) != avcodec_get_class()) return nullptr;

@@ -1,4 +1,5 @@
-// Errors that FFmpeg logs, told to the source that they are about: some damage is told there only.
+// Assigns the errors that FFmpeg logs to the source that they are about. FFmpeg reports some damage
+// in its log only.
 #pragma once
 
 #include <atomic>
@@ -7,15 +8,15 @@ struct AVCodecContext;
 
 namespace framesink::play {
 
-// Set by FFmpeg's log, on any thread. Outlives the decoder that it is given to.
+// FFmpeg's log sets it, on any thread. It must outlive the decoder that it is given to.
 using ErrorFlag = std::atomic<bool>;
 
-// From now on errors about this decoder set `flag`, whichever of FFmpeg's threads finds them. To be
-// called before the decoder is opened.
+// Makes errors of this decoder set `flag`, on whichever of FFmpeg's threads they occur. Call it
+// before you open the decoder.
 void flagErrorsOf(AVCodecContext& decoder, ErrorFlag& flag);
 
-// While it lives, `flag` takes the errors that are about no such decoder: about files, formats and
-// pictures. The main thread's, and one at a time; stands in every function that calls FFmpeg.
+// While it lives, errors of files, formats and pictures set `flag`, because they name no such
+// decoder. Every function that calls FFmpeg holds one. Main thread only, one at a time.
 class ErrorWatch {
  public:
   explicit ErrorWatch(ErrorFlag& flag);

@@ -1,4 +1,4 @@
-// Stands in for video_source.cpp where FFmpeg's libraries are not wanted.
+// Replaces the rest of this folder in a player without FFmpeg.
 #include "sources/input_file.hpp"
 #include "video/video_source.hpp"
 

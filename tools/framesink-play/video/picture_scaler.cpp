@@ -17,14 +17,14 @@ namespace {
 
 constexpr int kFlags = SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_BITEXACT;
 
-// The formats of pictures by Kind; 8 bits, then 16 bits per component.
+// Picture formats by Kind, with 8 and with 16 bits per component.
 constexpr std::array<std::array<AVPixelFormat, 2>, 3> kFormats{{
     {AV_PIX_FMT_RGB24, AV_PIX_FMT_RGB48},
     {AV_PIX_FMT_GRAY8, AV_PIX_FMT_GRAY16},
     {AV_PIX_FMT_YUV422P, AV_PIX_FMT_YUV422P16},
 }};
 
-// The J formats are their namesakes in full range.
+// A J format is the format of the same name in full range.
 AVPixelFormat plainFormat(int format) {
   switch (format) {
     case AV_PIX_FMT_YUVJ420P:
@@ -42,7 +42,7 @@ AVPixelFormat plainFormat(int format) {
   }
 }
 
-// Grey and RGB without a word about their range are full range.
+// Grey has the full range unless the frame states another.
 bool isFullRange(const AVFrame& frame) {
   if (frame.color_range != AVCOL_RANGE_UNSPECIFIED) return frame.color_range == AVCOL_RANGE_JPEG;
   const AVPixelFormat format = plainFormat(frame.format);
@@ -57,7 +57,8 @@ void setOption(SwsContext* context, const char* name, int value) {
   }
 }
 
-// In 16 bits the studio range of YCbCr is 256 times that of 8 bits; grey and RGB fill the range.
+// Returns the code of 1.0. YCbCr codes of 16 bits are 256 times those of 8 bits; grey and RGB use all
+// 16 bits.
 double oneOf(Kind kind, bool deep) {
   if (!deep) return 255;
   return kind == Kind::kYcbcr422 ? 255 * 256 : 65535;
@@ -106,7 +107,7 @@ void PictureScaler::prepare(const Setup& setup, Kind kind) {
     context_.reset();
     throw Failure(kSourceTrouble, "its pixels are of a form that cannot be converted");
   }
-  // Grey is the luma of the source. Refused, harmlessly, where neither side is YCbCr.
+  // Grey keeps the luma of the source. The call fails, without effect, if neither side is YCbCr.
   const int* from = sws_getCoefficients(colourSpace);
   const int* to = kind == Kind::kIntensity ? from : sws_getCoefficients(SWS_CS_ITU601);
   sws_setColorspaceDetails(context, from, fullRange, to, toFullRange, 0, 1 << 16, 1 << 16);

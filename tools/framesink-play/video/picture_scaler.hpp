@@ -1,4 +1,4 @@
-// Decoded frames as RGB, grey or YCbCr 4:2:2 pictures of one size, by swscale.
+// Converts decoded frames to RGB, grey or YCbCr 4:2:2 pictures of one size with swscale.
 #pragma once
 
 #include <memory>
@@ -13,17 +13,17 @@ namespace framesink::play {
 
 class PictureScaler {
  public:
-  // The frame as a picture of the size `width` x `height`, where width is sentWidth. A frame that
-  // is one column wider loses that column; any other size is scaled. `deep`: 16 bits per component
-  // instead of 8. The codes stay until the next call. Throws Failure for what swscale cannot read.
+  // Returns the frame as a picture of `width` x `height`, where `width` is a sentWidth. A frame that
+  // is one column wider loses that column; any other size is scaled. `deep` asks for 16 bits per
+  // component instead of 8. The codes stay valid until the next call. Throws Failure if swscale
+  // cannot read the frame.
   //
-  // 8-bit pictures are what swscale gives as RGB24, as GRAY8 in full range, or as YUV422P in BT.601
-  // studio range, with bicubic interpolation of chroma, accurate rounding and full chroma
-  // interpolation.
+  // 8-bit pictures are swscale's RGB24, GRAY8 in full range, or YUV422P in BT.601 studio range, with
+  // bicubic interpolation of chroma, accurate rounding and full chroma interpolation.
   Picture scale(const AVFrame& frame, Kind kind, bool deep, int width, int height);
 
  private:
-  // All that decides about the conversion: source width, height, format, colour space and range;
+  // What decides the conversion: width, height, format, colour space and range of the source;
   // format, width and height of the result.
   using Setup = std::tuple<int, int, int, int, int, int, int, int>;
 

@@ -1,4 +1,4 @@
-// Videos and images, read by FFmpeg's libraries.
+// Videos, images and sequences of images, read by FFmpeg's libraries.
 #pragma once
 
 #include <memory>
@@ -8,10 +8,10 @@
 
 namespace framesink::play {
 
-// Opens a file, or standard input for "-", from the frame on that is due `begin` seconds after the
-// first. A name with a number's place in it ("frame-%04d.png") that is no file stands for a sequence
-// of images. Throws Failure when there is nothing to be shown. A read that is waiting for its input
-// ends when the player is asked to stop.
+// Opens a file, or standard input for "-", and skips the frames that are due before `begin` seconds.
+// A name with a number's place in it ("frame-%04d.png") names a sequence of images, unless a file
+// has that name. A stop signal ends a read that waits for input. Throws Failure if nothing can be
+// shown.
 std::unique_ptr<Source> makeVideoSource(const std::string& path, double begin);
 
 }  // namespace framesink::play
