@@ -1,4 +1,4 @@
-// Files and standard input as bytes.
+// Reads files and standard input as bytes.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace framesink::play {
 
 class BinaryInput {
  public:
-  // Opens a file, or standard input for "-"; isOpen and error tell whether that worked.
+  // Opens a file, or standard input for "-". Check isOpen afterwards.
   explicit BinaryInput(const std::string& path);
   ~BinaryInput();
   BinaryInput(const BinaryInput&) = delete;
@@ -16,11 +16,11 @@ class BinaryInput {
 
   bool isOpen() const { return descriptor_ >= 0; }
 
-  // Reads `count` bytes and returns how many there were: fewer at the end of the input, after an
-  // error, or when the player is asked to stop; on Windows a pipe has to bring bytes first.
+  // Reads `count` bytes and returns how many came: fewer at the end of the input, after an error,
+  // and after a stop signal. On Windows a pipe notices the signal only when bytes come.
   std::size_t read(std::byte* to, std::size_t count);
 
-  // Of the latest failure, as errno has it; 0: none.
+  // The errno of the latest failure; 0: none.
   int error() const { return error_; }
 
  private:

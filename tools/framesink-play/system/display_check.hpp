@@ -1,11 +1,10 @@
-// Whether windows can appear at all. The library tells a host nothing about its display, so the
-// player looks for itself.
+// Checks that there is a display. The library reports nothing about it to a host.
 #pragma once
 
 namespace framesink::play {
 
-// Throws Failure when no display server is named in the environment or none of those named answers.
-// Says nothing when SDL_VIDEODRIVER names a driver that needs no server.
+// Throws Failure if the environment names no display server, or if none of those named answers.
+// Does nothing if SDL_VIDEODRIVER names a driver that needs no server, and on Windows.
 void requireDisplay();
 
 }  // namespace framesink::play

@@ -34,7 +34,7 @@ bool answers(int family, const sockaddr* address, socklen_t bytes) {
   return connected;
 }
 
-// `path` may begin with a zero byte: Linux's abstract names.
+// A leading zero byte makes `path` one of Linux's abstract names.
 bool socketAnswers(const std::string& path) {
   sockaddr_un address{};
   if (path.size() >= sizeof address.sun_path) return false;
@@ -57,7 +57,7 @@ bool hostAnswers(const std::string& host, int port) {
   return any;
 }
 
-// `display` is [host]:number[.screen].
+// `display` has the form [host]:number[.screen].
 bool xServerAnswers(const std::string& display) {
   const auto colon = display.rfind(':');
   if (colon == std::string::npos) return false;

@@ -2,7 +2,7 @@
 
 namespace framesink::play {
 
-// Every session has a desktop.
+// Every session on Windows has a desktop.
 void requireDisplay() {}
 
 }  // namespace framesink::play

@@ -1,4 +1,4 @@
-// The ways in which framesink-play ends.
+// The exit statuses of framesink-play, and the exception that carries one.
 #pragma once
 
 #include <stdexcept>
@@ -8,7 +8,7 @@ namespace framesink::play {
 
 enum ExitStatus : int { kPlayed = 0, kSourceTrouble, kUsageTrouble, kLibraryTrouble, kNoDisplay };
 
-// Ends the player: `what` is told to the user in one line on standard error.
+// Ends the player with `status`. main prints `what` as one line on standard error.
 struct Failure : std::runtime_error {
   Failure(ExitStatus exitStatus, const std::string& what)
       : std::runtime_error(what), status(exitStatus) {}

@@ -1,28 +1,28 @@
-// The system's loader of shared libraries.
+// The operating system's loader of shared libraries.
 #pragma once
 
 #include <string>
 
 namespace framesink::play {
 
-// What the files of the library, and of those it brings along, are called on this system.
+// The file names of the library and of the two libraries that it uses.
 extern const char* const kLibraryName;
 extern const char* const kSdlName;
 extern const char* const kPixkitName;
 
-// What to ask the loader for: `asked` as the user gave it; empty: the library beside the build of
-// this program, else the loader's choice.
+// Returns the path to give to the loader for `asked`, the user's --library. If it is empty, that is
+// the library of this program's build, otherwise the bare kLibraryName.
 std::string loadPath(const std::string& asked);
 
-// Null on failure; loaderMessage() then tells why.
+// Both return null on failure; loaderMessage() then returns the reason.
 void* openLibrary(const std::string& path);
 void* findSymbol(void* library, const char* name);
 std::string loaderMessage();
 
 void closeLibrary(void* library);
 
-// The address of a symbol in a library that the process has loaded by now; null when one of them is
-// missing. The library is not kept loaded.
+// Returns the address of a symbol in a library that the process has already loaded, or null. Does
+// not keep the library loaded.
 void* findLoaded(const char* library, const char* symbol);
 
 }  // namespace framesink::play

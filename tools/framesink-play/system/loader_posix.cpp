@@ -12,7 +12,7 @@ const char* const kLibraryName = "libframesink.so.1";
 const char* const kSdlName = "libSDL2-2.0.so.0";
 const char* const kPixkitName = "libpixkit.so";
 
-// A name without a slash is looked for in the loader's path only.
+// A file in the current folder gets "./", because dlopen searches its own path for bare names.
 std::string loadPath(const std::string& asked) {
   std::error_code ignored;
   if (!asked.empty()) {

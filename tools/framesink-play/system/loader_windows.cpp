@@ -10,8 +10,8 @@ const char* const kLibraryName = "framesink.dll";
 const char* const kSdlName = "SDL2.dll";
 const char* const kPixkitName = "pixkit.dll";
 
-// The loader looks beside the program first. A file is given in full, so that the DLLs beside it
-// are found with it.
+// The loader searches the program's folder first. A file gets its absolute path, so that the loader
+// finds the DLLs in the file's folder too.
 std::string loadPath(const std::string& asked) {
   std::error_code ignored;
   if (asked.empty()) return kLibraryName;

@@ -1,13 +1,13 @@
-// Ctrl-C and its like: the player stops, cleans up, and then dies by the very signal it was sent.
+// Stop signals such as Ctrl-C: the player stops, cleans up, and ends by the signal it received.
 #pragma once
 
 namespace framesink::play {
 
-// From now on SIGINT, SIGTERM and SIGHUP only set the stop signal, once; a second one kills at
-// once. A signal that was ignored when the process began stays ignored.
+// Makes SIGINT, SIGTERM and SIGHUP set the stop signal. A second one ends the process at once. A
+// SIGHUP that was ignored at the start stays ignored. On Windows SIGBREAK replaces SIGHUP.
 void catchStopSignals();
 
-// The signal that asked the player to stop; 0: none so far.
+// Returns the signal that asked the player to stop; 0: none so far.
 int stopSignal();
 
 // Ends the process by the signal `number`.

@@ -20,7 +20,7 @@ void catchStopSignals() {
     if (number == SIGHUP && before.sa_handler == SIG_IGN) continue;
     struct sigaction action {};
     action.sa_handler = [](int caught) { stoppedBy = caught; };
-    // No SA_RESTART: a source that waits for a pipe is to notice.
+    // Without SA_RESTART the signal ends a read that waits for a pipe.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(number, &action, nullptr);
   }

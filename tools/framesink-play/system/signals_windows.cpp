@@ -11,8 +11,8 @@ volatile std::sig_atomic_t stoppedBy = 0;
 
 }  // namespace
 
-// SIGBREAK comes with Ctrl-Break and when the console is closed. The system forgets a handler once
-// it is called: a second signal ends the process.
+// Ctrl-Break and closing the console raise SIGBREAK. Windows removes a handler when it calls it, so
+// a second signal ends the process.
 void catchStopSignals() {
   for (const int number : {SIGINT, SIGTERM, SIGBREAK}) {
     std::signal(number, [](int caught) { stoppedBy = caught; });
