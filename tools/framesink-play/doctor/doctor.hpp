@@ -1,4 +1,4 @@
-// --doctor: what is here, and whether windows work; to be pasted into a bug report.
+// --doctor: a report on library, SDL, pixkit and display, to paste into a bug report.
 #pragma once
 
 #include "command_line/options.hpp"
@@ -6,8 +6,8 @@
 
 namespace framesink::play {
 
-// Writes the report to standard output, with a test window of one second, and returns the status to
-// end with.
+// Prints the report to standard output and returns the exit status. Shows a test window for one
+// second.
 ExitStatus runDoctor(const ProgramOptions& options);
 
 }  // namespace framesink::play
