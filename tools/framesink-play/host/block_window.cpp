@@ -9,11 +9,11 @@
 namespace framesink::play {
 namespace {
 
-// As window size: that of the frame.
+// A window size that means the frame's size.
 constexpr int kFrameSize = std::numeric_limits<std::int32_t>::max();
 
-// What the library has to say after a call. One byte more than it may write, for its longest texts
-// come without a terminator.
+// The error text of a call. One byte longer than the library may write, because its longest texts
+// have no terminator.
 class Message {
  public:
   char* buffer() { return text_.data(); }
@@ -60,11 +60,13 @@ BlockWindow::~BlockWindow() {
 
 bool BlockWindow::isOpen() const { return library_.isPlayerOpen(name_.c_str()) != 0; }
 
-void BlockWindow::update(const FramePlanes& planes) {
+BlockWindow::Duration BlockWindow::update(const FramePlanes& planes) {
+  const auto begin = std::chrono::steady_clock::now();
   Message message;
   library_.libUpdate(block_, message.buffer(), planes.plane(0), planes.plane(1), planes.plane(2),
                      FRAMESINK_CONFIGURED_SIZE, FRAMESINK_CONFIGURED_SIZE);
   if (!message.empty()) message.fail();
+  return std::chrono::steady_clock::now() - begin;
 }
 
 }  // namespace framesink::play

@@ -1,6 +1,7 @@
-// One block of the library with its window, for as long as the host runs its model.
+// One display block with its window, started until it is destroyed.
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "command_line/options.hpp"
@@ -21,8 +22,10 @@ struct WindowSettings {
 
 class BlockWindow {
  public:
-  // Creates and starts a block whose window opens at once, if at all. `library` must outlive it. Throws
-  // Failure when the library refuses.
+  using Duration = std::chrono::steady_clock::duration;
+
+  // Creates and starts the block, which opens its window unless the settings say otherwise.
+  // `library` must outlive it. Throws Failure if the library reports an error.
   BlockWindow(const Library& library, const WindowSettings& settings,
               const InputDescription& description);
   ~BlockWindow();
@@ -31,8 +34,9 @@ class BlockWindow {
 
   bool isOpen() const;
 
-  // Sends a frame. Throws Failure when the library has something to say.
-  void update(const FramePlanes& planes);
+  // Sends a frame and returns the time that this took. Throws Failure if the library reports an
+  // error.
+  Duration update(const FramePlanes& planes);
 
  private:
   const Library& library_;

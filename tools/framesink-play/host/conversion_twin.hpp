@@ -1,9 +1,8 @@
-// How much of a frame's host time is conversion. The library tells nobody, but a block whose window
-// was never opened converts its frames and does no more: every eighth frame goes to such a twin as
-// well, before or after the window by turns, and both are timed.
+// Measures how much of a frame's host time is conversion. A block whose window was never opened
+// only converts its frames. Every eighth frame therefore goes to such a twin too, alternately
+// before and after the window, and both are timed.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -15,17 +14,15 @@ namespace framesink::play {
 
 class ConversionTwin {
  public:
-  using Duration = std::chrono::steady_clock::duration;
-
-  // The twin of a block of that description. `library` must outlive it. Throws Failure.
+  // Makes the twin of a block with this description. `library` must outlive it. Throws Failure.
   ConversionTwin(const Library& library, const std::string& name,
                  const InputDescription& description);
 
-  // Sends a frame to `window` and returns the time that took; every eighth time to the twin, too.
-  Duration update(BlockWindow& window, const FramePlanes& planes);
+  // Sends a frame to `window`, and every eighth frame to the twin. Returns the window's time.
+  BlockWindow::Duration update(BlockWindow& window, const FramePlanes& planes);
 
-  // The twin's median time by that of the window, over the frames that both had; nothing without
-  // any.
+  // Returns the twin's median time divided by the window's, over the frames that both received.
+  // Returns nothing if there are none.
   std::optional<double> share() const;
 
  private:

@@ -1,4 +1,4 @@
-// The library as a host sees it: loaded by name, used through its public interface only.
+// The library as a host sees it: loaded by name, called through its public interface only.
 #pragma once
 
 #include <memory>
@@ -10,8 +10,8 @@ namespace framesink::play {
 
 class Library {
  public:
-  // Loads `path`; empty: kLibraryName beside the build of this program, else by the system's
-  // loader. Throws Failure when it cannot be loaded or lacks a symbol of the interface.
+  // Loads `path`, or the default library if `path` is empty (see loadPath). Throws Failure if the
+  // library cannot be loaded or lacks a symbol of the interface.
   explicit Library(const std::string& path);
 
   decltype(&::libCreate) libCreate = nullptr;

@@ -6,33 +6,30 @@
 namespace framesink::play {
 namespace {
 
-constexpr double kMedian = 0.5;
-constexpr double kNearlyAll = 0.99;
-
 std::string number(const char* format, double value) {
   std::array<char, 64> text;
   std::snprintf(text.data(), text.size(), format, value);
   return text.data();
 }
 
-// 0 while there is no more than one frame.
+// Frames per second; 0 with fewer than two frames.
 double rateOf(const Statistics& of) {
   return of.seconds > 0 ? static_cast<double>(of.frames - 1) / of.seconds : 0;
 }
 
 std::string textTimes(const TimeHistogram& times) {
   return number("%.3f ms median, ", times.quantile(kMedian)) +
-         number("%.3f ms p99, ", times.quantile(kNearlyAll)) +
+         number("%.3f ms p99, ", times.quantile(kPercentile99)) +
          number("%.3f ms max", times.quantile(1));
 }
 
 std::string jsonTimes(const TimeHistogram& times) {
   return number("{\"median\":%.6f,", times.quantile(kMedian)) +
-         number("\"p99\":%.6f,", times.quantile(kNearlyAll)) +
+         number("\"p99\":%.6f,", times.quantile(kPercentile99)) +
          number("\"max\":%.6f}", times.quantile(1));
 }
 
-// Names of files are bytes: those that are not plain ASCII are told as one character each.
+// File names are bytes. A byte that is not printable ASCII becomes one \u00XX escape.
 std::string jsonText(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : text) {

@@ -1,4 +1,4 @@
-// What --stats tells at the end.
+// The account that --stats prints at the end.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace framesink::play {
 
-// Of frames of one kind and type, over all their windows.
+// The frames of one kind and type, in all their windows.
 struct Statistics {
   std::string source;
   std::string kind;
@@ -22,14 +22,14 @@ struct Statistics {
   std::size_t windows;
   std::uint64_t frames;               // sent
   double seconds;                     // from the first frame sent to the last
-  TimeHistogram host;                 // what libUpdate took
-  TimeHistogram late;                 // how long after they were due frames were sent
-  std::optional<double> conversions;  // their share of the host time
+  TimeHistogram host;                 // time in libUpdate
+  TimeHistogram late;                 // delay between due and sent
+  std::optional<double> conversions;  // share of the host time
 };
 
 void printText(std::ostream& out, const std::vector<Statistics>& all);
 
-// One object in one line, its times in milliseconds; what is not known is null.
+// Prints one object on one line. Times are in milliseconds, unknown values are null.
 void printJson(std::ostream& out, const std::vector<Statistics>& all);
 
 }  // namespace framesink::play

@@ -8,8 +8,6 @@ namespace framesink::play {
 namespace {
 
 constexpr std::chrono::milliseconds kRefresh{200};
-constexpr double kMedian = 0.5;
-constexpr double kNearlyAll = 0.99;
 
 double secondsBetween(StatusLine::Clock::time_point from, StatusLine::Clock::time_point to) {
   return std::chrono::duration<double>(to - from).count();
@@ -23,14 +21,14 @@ double rate(std::uint64_t frames, double seconds) {
 
 StatusLine::StatusLine() : terminal_(isatty(STDERR_FILENO) != 0) {}
 
-// The last word stands on a line of its own, in place of the live one.
+// Replaces the live line by the summary.
 StatusLine::~StatusLine() {
   if (frames_ == 0) return;
   std::fprintf(stderr, "%sframesink-play: %llu frame%s", terminal_ ? "\r" : "",
                static_cast<unsigned long long>(frames_), frames_ == 1 ? "" : "s");
   if (frames_ > 1) std::fprintf(stderr, ", %.1f fps", wholeRate());
   std::fprintf(stderr, ", host time per frame %.3f ms median, %.3f ms p99%s\n",
-               updates_.quantile(kMedian), updates_.quantile(kNearlyAll),
+               updates_.quantile(kMedian), updates_.quantile(kPercentile99),
                terminal_ ? "\x1b[K" : "");
 }
 
@@ -49,7 +47,7 @@ void StatusLine::refresh() {
   nextRefresh_ = now + kRefresh;
   std::fprintf(stderr, "\r%llu frames  %.1f fps  host %.3f ms median  %.3f ms p99\x1b[K",
                static_cast<unsigned long long>(frames_), recentRate(), updates_.quantile(kMedian),
-               updates_.quantile(kNearlyAll));
+               updates_.quantile(kPercentile99));
   std::fflush(stderr);
 }
 

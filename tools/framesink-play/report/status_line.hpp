@@ -1,4 +1,4 @@
-// The live status line on a terminal, and the one line at the end.
+// The live status line on a terminal, and the summary line at the end.
 #pragma once
 
 #include <chrono>
@@ -18,16 +18,14 @@ class StatusLine {
   StatusLine(const StatusLine&) = delete;
   StatusLine& operator=(const StatusLine&) = delete;
 
-  // One window took a frame in the time `spent`.
+  // Counts the time that one window took for a frame.
   void addUpdate(Clock::duration spent) { updates_.add(spent); }
 
-  // All windows have taken a frame.
+  // Counts a frame that all windows have.
   void addFrame();
 
-  // Rewrites the line, at most five times a second.
+  // Rewrites the live line, at most five times a second.
   void refresh();
-
-  std::uint64_t frames() const { return frames_; }
 
  private:
   double recentRate() const;
@@ -36,7 +34,7 @@ class StatusLine {
   bool terminal_;
   std::uint64_t frames_ = 0;
   TimeHistogram updates_;
-  std::deque<Clock::time_point> lastSecond_;  // when the latest frames were sent
+  std::deque<Clock::time_point> lastSecond_;  // send times of the latest frames
   Clock::time_point first_;
   Clock::time_point last_;
   Clock::time_point nextRefresh_;

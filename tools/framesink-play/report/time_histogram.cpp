@@ -15,7 +15,7 @@ double nanoseconds(TimeHistogram::Duration duration) {
 
 double milliseconds(TimeHistogram::Duration duration) { return nanoseconds(duration) / 1e6; }
 
-// Class i holds what is above kStep^(i - 1) and up to kStep^i nanoseconds.
+// Class i holds durations above kStep^(i - 1) and up to kStep^i nanoseconds.
 std::size_t classOf(TimeHistogram::Duration duration) {
   const double length = std::max(nanoseconds(duration), 1.0);
   return static_cast<std::size_t>(std::ceil(std::log(length) / std::log(kStep)));

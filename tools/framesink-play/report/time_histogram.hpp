@@ -1,4 +1,4 @@
-// Durations of any number of calls, in classes that are one per cent wide.
+// Counts durations in classes that are one per cent wide.
 #pragma once
 
 #include <chrono>
@@ -6,6 +6,10 @@
 #include <vector>
 
 namespace framesink::play {
+
+// The shares that reports ask for.
+inline constexpr double kMedian = 0.5;
+inline constexpr double kPercentile99 = 0.99;
 
 class TimeHistogram {
  public:
@@ -15,12 +19,13 @@ class TimeHistogram {
 
   std::uint64_t count() const { return count_; }
 
-  // The duration that `share` (above 0, up to 1) of all do not exceed, in milliseconds, at most one
-  // per cent too long; exact for the longest. 0 when there are none.
+  // Returns the duration in milliseconds that `share` (0 < share <= 1) of all durations do not
+  // exceed. The result is at most one per cent too long, and exact for share 1. 0 if nothing was
+  // added.
   double quantile(double share) const;
 
  private:
-  std::vector<std::uint64_t> counts_;  // by class, the shortest first
+  std::vector<std::uint64_t> counts_;  // per class, the shortest first
   std::uint64_t count_ = 0;
   Duration longest_{0};
 };

@@ -14,8 +14,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kRepeat = 33ms;       // between repeats of a held frame
-constexpr auto kForgivable = 250ms;  // a longer delay is not caught up with
+constexpr auto kRepeat = 33ms;       // between repeats of a held frame in synchronous windows
+constexpr auto kForgivable = 250ms;  // longer delays are not caught up
 constexpr auto kNever = Clock::time_point::max();
 
 Clock::time_point after(Clock::time_point from, double seconds) {
@@ -87,7 +87,7 @@ void Show::stepFrames() {
   due_ = std::min(nextFrame(), end_);
 }
 
-// Synchronous windows live only while they are sent something.
+// A synchronous window handles events only inside libUpdate, so its last frame is sent repeatedly.
 void Show::stepHold() {
   const auto now = Clock::now();
   if (now >= holdEnd_) return begin(Phase::kOver, kNever);
@@ -100,8 +100,7 @@ bool Show::advance() {
   return options_.loop && startAgain();
 }
 
-// Opens the source anew for another pass. An image stands still, and what is damaged is not shown
-// twice.
+// Opens the source again for another pass. Images and damaged sources are played once.
 bool Show::startAgain() {
   if (passFrames_ <= 1 || !source_->trouble().empty() || stopSignal() != 0) return false;
   passBegin_ += source_->time() + source_->interval();
@@ -126,7 +125,7 @@ Clock::time_point Show::nextFrame() {
   return now;
 }
 
-// The last frame is shown for as long as any other.
+// The last frame stays for one interval, like any other frame.
 Clock::time_point Show::lastFrameEnd() const {
   const double rate = options_.rate.value_or(1 / source_->interval());
   return std::min(end_, after(Clock::now(), 1 / rate));
@@ -183,9 +182,7 @@ Show::Clock::duration Show::update(View& view, BlockWindow& window) {
   if (view.twin && &window == view.windows.front().get()) {
     return view.twin->update(window, view.planes);
   }
-  const auto before = Clock::now();
-  window.update(view.planes);
-  return Clock::now() - before;
+  return window.update(view.planes);
 }
 
 bool Show::anyOpen() const {

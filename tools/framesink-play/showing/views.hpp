@@ -1,4 +1,4 @@
-// What is shown where: the kinds and types of frames, and their windows.
+// The windows of one source, grouped by the kind and type of their frames.
 #pragma once
 
 #include <memory>
@@ -19,15 +19,14 @@ namespace framesink::play {
 struct View {
   FramePlanes planes;
   std::vector<std::unique_ptr<BlockWindow>> windows;
-  std::unique_ptr<ConversionTwin> twin =
-      nullptr;                   // of the first window, when all is to be measured
-  TimeHistogram hostTimes = {};  // of frames sent
+  std::unique_ptr<ConversionTwin> twin = {};  // of the first window; null without --stats
+  TimeHistogram hostTimes = {};
 };
 
-// The name by which the library knows window `number` of the player, counted from 1.
+// Returns the library's name for window `number` of the player, counted from 1.
 std::string windowName(int number);
 
-// Opens all windows that the options ask for. The source must be at a frame. Throws Failure.
+// Opens all windows that the options ask for. The source must have a frame. Throws Failure.
 std::vector<View> openViews(const Options& options, const Library& library, const Source& source);
 
 }  // namespace framesink::play
