@@ -7,13 +7,13 @@ namespace framesink::play {
 
 bool isStandardInput(const std::string& file);
 
-// As messages name it.
+// The file's name in messages.
 std::string nameOf(const std::string& file);
 
-// Throws a Failure that names the file.
+// Throws a Failure whose message begins with the file's name.
 [[noreturn]] void failFor(const std::string& file, const std::string& what);
 
-// Throws Failure when the file is a folder.
+// Throws Failure if the file is a folder.
 void refuseFolder(const std::string& file);
 
 }  // namespace framesink::play

@@ -8,13 +8,11 @@
 namespace framesink::play {
 namespace {
 
-constexpr double kFrameSeconds = 1.0 / 60;
-
 struct Colour {
   double red, green, blue;
 };
 
-// Night blue to pale gold, in steps of like brightness.
+// Night blue to pale gold in even steps of brightness.
 constexpr std::array<Colour, 8> kGlow{{{.02, .03, .10},
                                        {.13, .07, .34},
                                        {.36, .08, .47},
@@ -36,7 +34,7 @@ Colour glow(double x) {
           blend(low.blue, high.blue, part)};
 }
 
-// BT.601 studio range, as parts of the 8-bit range.
+// BT.601 studio range, as fractions of the 8-bit range.
 constexpr double kCode = 1.0 / 255;
 double luma(double brightness) { return (16 + 219 * brightness) * kCode; }
 double chroma(double colour) { return (128 + 112 * colour) * kCode; }
@@ -52,8 +50,10 @@ class ModelSource final : public PictureSource {
   }
   int width() const override { return width_; }
   int height() const override { return height_; }
-  double time() const override { return static_cast<double>(frames_ - 1) * kFrameSeconds; }
-  double interval() const override { return kFrameSeconds; }
+  double time() const override {
+    return static_cast<double>(frames_ - 1) * SpiralField::kFrameSeconds;
+  }
+  double interval() const override { return SpiralField::kFrameSeconds; }
 
   Picture picture(Kind kind, bool) override {
     const int width = sentWidth(kind, width_);
@@ -102,7 +102,7 @@ class ModelSource final : public PictureSource {
     planes_[2][at] = colour.blue;
   }
 
-  // The colour of a pair of pixels is that of its left one.
+  // A pair of pixels has the colour of its left one.
   void paintPair(int row, int column, std::size_t at) {
     constexpr double kSaturation = 0.75;
     for (int i = 0; i < 2; ++i) {

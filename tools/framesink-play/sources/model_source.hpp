@@ -1,6 +1,5 @@
-// The built-in model, running live: a field of spiral waves, shown in false colour (rgb), as the
-// square of its amplitude (intensity), or with its phase as hue and its amplitude as brightness
-// (ycbcr422).
+// The built-in model, computed live: a field of spiral waves. RGB shows it in false colour,
+// intensity the square of its amplitude, YCbCr its phase as hue and its amplitude as brightness.
 #pragma once
 
 #include <memory>
@@ -14,7 +13,7 @@ inline constexpr int kModelHeight = 300;
 inline constexpr int kSmallestModel = 16;
 inline constexpr int kLargestModel = 4096;
 
-// Sizes in pixels, one cell of the field each; from kSmallestModel to kLargestModel.
+// Sizes in pixels, one per cell of the field, from kSmallestModel to kLargestModel.
 std::unique_ptr<Source> makeModelSource(int width, int height);
 
 }  // namespace framesink::play

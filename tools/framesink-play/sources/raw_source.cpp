@@ -28,8 +28,9 @@ class RawSource final : public Source {
     while (read()) {
       if (read_++ >= skipped_) return true;
     }
-    if (read_ <= skipped_ && trouble_.empty())
+    if (read_ <= skipped_ && trouble_.empty()) {
       trouble_ = read_ == 0 ? "is empty" : "ends before the place that --seek asks for";
+    }
     return false;
   }
 
@@ -49,7 +50,7 @@ class RawSource final : public Source {
   }
 
  private:
-  // Reads one frame; false at the end, which is to come between two frames.
+  // Reads one frame. Returns false at the end; an end within a frame is damage.
   bool read() {
     const std::size_t got = input_.read(frame_.data(), frame_.size());
     if (got == frame_.size()) return true;
@@ -66,7 +67,7 @@ class RawSource final : public Source {
   RawForm form_;
   double interval_;
   std::uint64_t skipped_;
-  std::uint64_t read_ = 0;  // frames, the skipped ones included
+  std::uint64_t read_ = 0;  // frames, including the skipped ones
   std::vector<std::byte> frame_;
   BinaryInput input_;
   std::string trouble_;

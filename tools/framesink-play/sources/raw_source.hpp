@@ -1,4 +1,4 @@
-// Raw samples from a file or a pipe, shown as they are.
+// Raw samples from a file or a pipe, sent as they are.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +10,9 @@
 
 namespace framesink::play {
 
-// Opens a file, or standard input for "-". Frames are due `interval` seconds apart; `skipped` of
-// them are read and left out at the beginning. Throws Failure when it cannot be opened. A read that
-// is waiting for its input ends when the player is asked to stop; on Windows one of a pipe waits on.
+// Opens a file, or standard input for "-". Frames are due `interval` seconds apart. The first
+// `skipped` frames are read and dropped. A stop signal ends a read that waits for input, except of a
+// pipe on Windows. Throws Failure if the file cannot be opened.
 std::unique_ptr<Source> makeRawSource(const std::string& path, const RawForm& form, double interval,
                                       std::uint64_t skipped);
 

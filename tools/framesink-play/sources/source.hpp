@@ -1,4 +1,4 @@
-// Where frames come from.
+// The interface of everything that produces frames.
 #pragma once
 
 #include <string>
@@ -12,25 +12,25 @@ class Source {
  public:
   virtual ~Source() = default;
 
-  // Moves on to the next frame, at first to the first; false at the end.
+  // Moves on to the next frame; the first call moves to the first. Returns false after the last one.
   virtual bool advance() = 0;
 
-  // Size of all frames in pixels; known once there is a frame.
+  // Size of all frames in pixels, valid once there is a frame.
   virtual int width() const = 0;
   virtual int height() const = 0;
 
-  // When the current frame is due, and how long it lasts; seconds, the first frame being due at 0.
+  // When the current frame is due and how long it lasts, in seconds. The first frame is due at 0.
   virtual double time() const = 0;
   virtual double interval() const = 0;
 
-  // Puts the current frame into planes of the size sentWidth(kind, width()) x height().
+  // Writes the current frame into planes of sentWidth(kind, width()) x height().
   virtual void fill(FramePlanes& planes) = 0;
 
-  // What was found damaged on the way; empty when all is well.
+  // Describes damage found so far; empty if there is none.
   virtual std::string trouble() const { return {}; }
 };
 
-// A source whose frames are pictures, which become samples of any kind and type.
+// A source of pictures, which can become samples of any kind and type.
 class PictureSource : public Source {
  public:
   void fill(FramePlanes& planes) final {
@@ -38,8 +38,8 @@ class PictureSource : public Source {
   }
 
  private:
-  // The current frame, sentWidth(kind, width()) x height(). Its codes stay until the next call of
-  // picture or advance. `deep` asks for more than 8 bits where the source has them.
+  // Returns the current frame, sentWidth(kind, width()) x height(). Its codes stay valid until the
+  // next call of picture or advance. `deep` asks for more than 8 bits if the source has them.
   virtual Picture picture(Kind kind, bool deep) = 0;
 };
 

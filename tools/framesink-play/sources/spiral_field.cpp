@@ -7,21 +7,20 @@
 namespace framesink::play {
 namespace {
 
-constexpr double kFrameSeconds = 1.0 / 60;
 constexpr int kStepsPerFrame = 5;
 constexpr double kTimeStep = 0.05;
 constexpr double kDiffusion = 3;  // per cell squared; sets the width of the waves
 constexpr double kC = 1.15;
 
-// Unrest begins where 1 + bc falls below zero, here at b = -0.87, in spirals somewhat earlier.
+// A uniform field is unstable below b = -0.87, where 1 + bc < 0; spirals are somewhat earlier.
 constexpr double kCalmestB = 0.05;
 constexpr double kWildestB = -0.40;
 constexpr double kSwingSeconds = 50;
 
-constexpr int kSeedCells = 40;   // between independent values of the noise,
-constexpr int kFewestSeeds = 4;  // of which each way there are so many at least
+constexpr int kSeedCells = 40;   // distance of independent values of the noise
+constexpr int kFewestSeeds = 4;  // per row and per column
 
-// Uniform in -0.5..0.5.
+// Returns a value at random between -0.5 and 0.5.
 double noise(unsigned& seed) {
   seed = seed * 1664525u + 1013904223u;
   return (seed >> 8) / static_cast<double>(1u << 24) - 0.5;
@@ -40,7 +39,7 @@ SpiralField::SpiralField(int width, int height)
   sow(v_, seed);
 }
 
-// Noise on a coarse grid, blended smoothly between its points.
+// Fills `field` with noise: values on a coarse grid, interpolated smoothly.
 void SpiralField::sow(Field& field, unsigned& seed) const {
   const int columns = std::max(kFewestSeeds, width_ / kSeedCells);
   const int rows = std::max(kFewestSeeds, height_ / kSeedCells);

@@ -3,8 +3,8 @@
 //
 //     dA/dt = A + (1 + ib) lap(A) - (1 + ic) |A|^2 A        A = u + iv
 //
-// on a torus, in doubles. Its defects turn like pinwheels for ever; b swings slowly between calm
-// and unrest, in which defects are born and die.
+// on a torus, in doubles. Its defects turn like pinwheels. b swings slowly between calm and unrest;
+// unrest makes and destroys defects.
 #pragma once
 
 #include <cstddef>
@@ -14,20 +14,22 @@ namespace framesink::play {
 
 class SpiralField {
  public:
-  // Sizes in cells. Begins with smooth noise, the same in every run.
+  static constexpr double kFrameSeconds = 1.0 / 60;
+
+  // Sizes in cells. The field begins as smooth noise, the same in every run.
   SpiralField(int width, int height);
 
-  // Moves on by the time of one frame, a 60th of a second of the show.
+  // Moves the field on by kFrameSeconds.
   void advance();
 
-  // Both parts of A at a cell; |A| stays within about 1.
+  // The real and the imaginary part of A at a cell. |A| stays below about 1.
   double u(int row, int column) const { return u_[cell(row, column)]; }
   double v(int row, int column) const { return v_[cell(row, column)]; }
 
  private:
   using Field = std::vector<double>;
 
-  // Rows and columns are bordered by one cell of their opposite side.
+  // Each side has a border of one cell, which repeats the opposite side.
   std::size_t cell(int row, int column) const {
     return static_cast<std::size_t>(row + 1) * stride_ + static_cast<std::size_t>(column + 1);
   }
