@@ -18,7 +18,7 @@ constexpr double kForever = std::numeric_limits<double>::infinity();
 constexpr double kMostSeconds = 1e8;
 constexpr double kMostRate = 1e9;  // frames per second
 constexpr int kMostWindows = 64;
-constexpr int kMostPixels = 20000;  // of a window, either way
+constexpr int kMostSide = 20000;  // pixels of a window
 
 [[noreturn]] void refuse(const std::string& option, const std::string& value,
                          const std::string& wanted) {
@@ -27,7 +27,7 @@ constexpr int kMostPixels = 20000;  // of a window, either way
 
 void parseSize(const std::string& text, Options& options) {
   const auto size = pairOf(text, 'x');
-  const auto fits = [](int pixels) { return pixels >= 1 && pixels <= kMostPixels; };
+  const auto fits = [](int pixels) { return pixels >= 1 && pixels <= kMostSide; };
   if (!size || !fits(size->first) || !fits(size->second)) {
     refuse("--size", text, "WIDTHxHEIGHT, each from 1 to 20000");
   }
@@ -211,7 +211,7 @@ void checkModelSize(const Options& options) {
 }  // namespace
 
 void addOptions(CLI::App& app, Options& options, ProgramOptions& program) {
-  // What is said of one source comes after what is said of all.
+  // The options of one FILE come after the common ones and override them.
   app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.add_option("FILE", options.source,
                  "A video, an image, a sequence of images (frame-%04d.png), or -\n"

@@ -1,4 +1,4 @@
-// The options as CLI11 knows them.
+// The definition of all options, for CLI11.
 #pragma once
 
 #include "command_line/options.hpp"
@@ -9,11 +9,11 @@ class App;
 
 namespace framesink::play {
 
-// Lets `app` read the options of one source, and those of the program, into the two records, which
-// must outlive it.
+// Makes `app` read the options of one source into `options` and those of the program into
+// `program`. Both must outlive `app`.
 void addOptions(CLI::App& app, Options& options, ProgramOptions& program);
 
-// Ends in Failure when the options do not go together.
+// Throws Failure if the options contradict each other.
 void checkOptions(const Options& options, bool hasKindOrType);
 
 }  // namespace framesink::play

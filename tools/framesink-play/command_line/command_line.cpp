@@ -35,7 +35,7 @@ struct SourceWords {
   Words options;
 };
 
-// The words that hold for all sources, and the sources with their own.
+// The words that apply to all sources, and each source with its own words.
 struct SplitLine {
   Words common;
   std::vector<SourceWords> sources;
@@ -46,9 +46,9 @@ class Help : public CLI::Formatter {
   std::string make_usage(const CLI::App*, std::string) const override { return kUsage; }
 };
 
-// `app` knows the options of one source, which `options` and `program` are to take.
+// Sets `app` up to read one source's words into `options` and `program`.
 void describe(CLI::App& app, Options& options, ProgramOptions& program) {
-  app.allow_windows_style_options(false);  // a file's path may begin with a slash
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   const auto help = std::make_shared<Help>();
   help->column_width(21);
   app.formatter(help);
@@ -56,7 +56,7 @@ void describe(CLI::App& app, Options& options, ProgramOptions& program) {
   addOptions(app, options, program);
 }
 
-// "--hold" takes the next word only when it is a number.
+// True if `next` is the argument of option `word`. --hold takes a number only.
 bool takesNext(const CLI::App& app, const std::string& word, const std::string& next) {
   if (word == "--hold") return finiteNumber(next).has_value();
   const CLI::Option* option = app.get_option_no_throw(word);
@@ -92,11 +92,11 @@ SplitLine split(const CLI::App& app, const Words& words) {
   throw Failure(kUsageTrouble, what + " (--help tells more)");
 }
 
-// Reads the words of one source. False when the user asked for help, which is printed.
+// Reads the words of one source. For --help, prints the help and returns false.
 bool parse(Words words, Options& options, ProgramOptions& program) {
   CLI::App app(kDescription, "framesink-play");
   describe(app, options, program);
-  std::ranges::reverse(words);  // as CLI11 wants them
+  std::ranges::reverse(words);  // CLI11 parses from the back
   try {
     app.parse(std::move(words));
   } catch (const CLI::CallForHelp&) {
@@ -140,7 +140,6 @@ void checkDumps(const std::vector<Options>& sources) {
   }
 }
 
-// Tells each source which windows the others have.
 void countWindows(std::vector<Options>& sources) {
   int windows = 0;
   for (Options& options : sources) {

@@ -1,4 +1,4 @@
-// The command line as a whole: what the user asks of the program, and of each source.
+// Reads the command line of the program.
 #pragma once
 
 #include <optional>
@@ -11,12 +11,12 @@ namespace framesink::play {
 
 struct CommandLine {
   ProgramOptions program;
-  std::vector<Options> sources;  // one at least: the model, when there is no FILE
+  std::vector<Options> sources;  // without a FILE the model alone
 };
 
-// Reads the command line. Options before the first FILE hold for all of them, those after a FILE
-// for that one only, except those of the program. Nothing when the user only asked for help, which
-// is then printed. Throws Failure for what cannot be understood.
+// Options before the first FILE apply to every FILE, options after a FILE to that one only. Options
+// of the program may stand anywhere. For --help, prints the help and returns nothing. Throws Failure
+// if the command line is wrong.
 std::optional<CommandLine> parseCommandLine(int argc, char** argv);
 
 }  // namespace framesink::play

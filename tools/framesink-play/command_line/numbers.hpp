@@ -1,4 +1,4 @@
-// Numbers on the command line.
+// Numbers in the command line's words.
 #pragma once
 
 #include <charconv>
@@ -9,7 +9,7 @@
 
 namespace framesink::play {
 
-// The whole text as a number; nothing when it is anything else.
+// Returns the number that `text` spells, or nothing if `text` holds anything else.
 template <class Number>
 std::optional<Number> wholeNumber(const std::string& text) {
   Number number{};
@@ -24,7 +24,7 @@ inline std::optional<double> finiteNumber(const std::string& text) {
   return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
-// Two whole numbers with `separator` between them.
+// Returns two integers that `separator` divides, or nothing.
 inline std::optional<std::pair<int, int>> pairOf(const std::string& text, char separator) {
   const auto middle = text.find(separator);
   if (middle == std::string::npos) return std::nullopt;

@@ -1,4 +1,4 @@
-// What the user asks for: of one source, and of the program.
+// What the user asks for: the options of one source and those of the program.
 #pragma once
 
 #include <cstdint>
@@ -21,38 +21,38 @@ struct Place {
 
 struct Options {
   std::string source;          // empty: the built-in model; "-": standard input
-  std::optional<RawForm> raw;  // of the source's samples, which names kind and type
+  std::optional<RawForm> raw;  // contains kind and type; excludes --kind and --type
   std::optional<Kind> kind;
-  const SampleType* type = nullptr;  // null: not asked for
+  const SampleType* type = nullptr;  // null: no --type
   Layout layout = Layout::kColumn;
-  int windows = 1;  // of each kind and type shown
+  int windows = 1;  // per kind and type
   bool synchronous = false;
   std::optional<Extent> size;
   std::optional<Place> position;
   bool fullscreen = false;
-  std::optional<double> rate;  // frames per second; infinite: as fast as possible
-  double seek = 0;             // seconds of the source that are left out
+  std::optional<double> rate;  // frames per second; infinite: "max"
+  double seek = 0;             // seconds of the source to skip
   bool loop = false;
   std::optional<std::uint64_t> frames;
   std::optional<double> duration;  // seconds
-  std::optional<double> hold;      // seconds; infinite: until the windows are closed
+  std::optional<double> hold;      // seconds; infinite: until the user closes the windows
   std::string title;
   std::string dumpFile;
 
-  bool measured = false;  // for statistics
+  bool measured = false;  // collect --stats
 
-  // Where this source stands among the others.
-  int windowsBefore = 0;
-  int windowsInAll = 1;
-  bool ownPosition = false;  // of the options of this source alone, not of all
-  bool ownFullscreen = false;
+  // Set from all sources together.
+  int windowsBefore = 0;       // of the sources that come first on the command line
+  int windowsInAll = 1;        // of all sources
+  bool ownPosition = false;    // --position follows this FILE
+  bool ownFullscreen = false;  // --fullscreen follows this FILE
 
-  // Without a word about them the model shows one window of each kind.
+  // The model without --kind and --type shows one window of each kind.
   bool isDemo() const { return source.empty() && !kind && type == nullptr; }
 };
 
 struct ProgramOptions {
-  std::string sharedLibrary;  // empty: the usual one
+  std::string sharedLibrary;  // empty: the default one
   std::string statistics;     // "text" or "json"; empty: none
   bool version = false;
   bool doctor = false;

@@ -1,4 +1,4 @@
-// The planes of one frame as a host would send them, with their description.
+// The planes of one frame as a host sends them, with their description.
 #pragma once
 
 #include <array>
@@ -14,19 +14,19 @@ namespace framesink::play {
 
 class FramePlanes {
  public:
-  // `width` must be even for YCbCr 4:2:2. Sizes in pixels.
+  // Sizes in pixels. `width` must be even for YCbCr 4:2:2.
   FramePlanes(Kind kind, const SampleType& type, Layout layout, int width, int height);
 
-  // The record that libCreate takes.
+  // Returns the record that libCreate requires.
   InputDescription description() const;
 
-  // Takes the samples over from a picture of the same kind and size.
+  // Converts a picture of the same kind and size into samples.
   void fill(const Picture& picture);
 
-  // Takes plane `index` over as it is.
+  // Copies samples of the same type into plane `index`.
   void copy(std::size_t index, const SampleGrid& samples);
 
-  // The samples of plane 0 to 2; null for a plane that the kind does not have.
+  // Returns the samples of plane 0 to 2, or null if the kind has no such plane.
   const void* plane(std::size_t index) const;
 
   // Writes all samples, plane after plane.

@@ -1,4 +1,4 @@
-// A picture as its source holds it: components row by row, before they become a host's planes.
+// The kinds of frames, and pictures as sources hold them before they become a host's planes.
 #pragma once
 
 #include <array>
@@ -31,8 +31,7 @@ inline constexpr std::array<KindInfo, 3> kKinds{{
 
 constexpr const KindInfo& infoOf(Kind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
 
-// The width in which a picture `width` columns wide is sent: YCbCr 4:2:2 has whole pairs of columns
-// only.
+// The width at which a picture of `width` columns is sent. YCbCr 4:2:2 drops an odd last column.
 constexpr int sentWidth(Kind kind, int width) {
   return kind == Kind::kYcbcr422 ? width & ~1 : width;
 }
@@ -41,7 +40,7 @@ constexpr int planeWidth(Kind kind, int plane, int width) {
   return kind == Kind::kYcbcr422 && plane > 0 ? width / 2 : width;
 }
 
-// One component, row by row. `codes` belongs to the source.
+// One component of a picture. The source owns `codes`.
 template <class Code>
 struct Grid {
   const Code* codes;
@@ -49,7 +48,7 @@ struct Grid {
   std::ptrdiff_t columnStep;  // codes from one column to the next
   int width;
   int height;
-  double one;  // the code that stands for 1.0, the top of a sample type's range
+  double one;  // the code of 1.0, which becomes the maximum of a sample type
 
   Code at(int row, int column) const { return codes[row * rowStep + column * columnStep]; }
 };

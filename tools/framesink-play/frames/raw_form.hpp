@@ -1,4 +1,4 @@
-// The form of raw samples: "640x480:double:rgb".
+// The form of raw samples: size, type, kind and order.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +13,14 @@ struct RawForm {
   int height;
   const SampleType* type;
   Kind kind;
-  // False: plane after plane, each column by column, as --dump-frame writes them. True: row by row
-  // with the components of a pixel together; YCbCr 4:2:2 as Y Cb Y Cr for each pair of pixels.
+  // False: one plane after another, each column by column, as --dump-frame writes them. True: row
+  // by row with the components of a pixel together, YCbCr 4:2:2 as Y Cb Y Cr per pixel pair.
   bool packed;
 
   std::size_t frameBytes() const;
 };
 
-// The samples of plane `plane` within a frame of that form that begins at `frame`.
+// Returns the samples of plane `plane` in the frame at `frame`, which has this form.
 SampleGrid planeOf(const RawForm& form, const std::byte* frame, int plane);
 
 }  // namespace framesink::play

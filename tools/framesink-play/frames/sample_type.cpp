@@ -11,7 +11,7 @@
 namespace framesink::play {
 namespace {
 
-// `bool` stands for the boolean type, which is one byte here as there.
+// `bool` represents the boolean type, which has one byte.
 static_assert(sizeof(bool) == 1);
 
 template <class Sample>
@@ -27,7 +27,7 @@ Sample toSample(double unit) {
   }
 }
 
-// The samples of all 8-bit codes.
+// Returns the sample of every 8-bit code.
 template <class Sample>
 std::array<Sample, 256> samplesOfBytes(double one) {
   std::array<Sample, 256> samples;
@@ -40,7 +40,7 @@ void storeGrid(const Grid<Code>& grid, Layout layout, Sample* plane, Convert con
   const bool columns = layout == Layout::kColumn;
   const std::ptrdiff_t rowStep = columns ? 1 : grid.width;
   const std::ptrdiff_t columnStep = columns ? grid.height : 1;
-  constexpr int kRows = 16;  // read together, so that the columns are written in runs
+  constexpr int kRows = 16;  // walked together, so that column-major writes come in runs
   for (int top = 0; top < grid.height; top += kRows) {
     const int bottom = std::min(top + kRows, grid.height);
     for (int column = 0; column < grid.width; ++column) {
@@ -64,7 +64,7 @@ void store(const Component& component, Layout layout, void* plane) {
   }
 }
 
-// `Bits` stands for any sample of its size.
+// `Bits` is an integer of the sample's size.
 template <class Bits>
 void copy(const SampleGrid& samples, Layout layout, void* plane) {
   const Grid<Bits> grid{reinterpret_cast<const Bits*>(samples.first),
@@ -82,7 +82,7 @@ using BitsOf = std::conditional_t<
     std::conditional_t<kBytes == 2, std::uint16_t,
                        std::conditional_t<kBytes == 4, std::uint32_t, std::uint64_t>>>;
 
-// A boolean may be any byte here.
+// Prints a boolean as its byte, because a range may hold any byte.
 template <class Sample>
 void print(std::ostream& out, const void* sample) {
   using Number = std::conditional_t<std::is_same_v<Sample, bool>, std::uint8_t, Sample>;

@@ -11,10 +11,10 @@
 
 namespace framesink::play {
 
-// How the samples of a plane follow one another.
+// The order of the samples in a plane: row by row or column by column.
 enum class Layout { kRow, kColumn };
 
-// One plane of samples of some type, in any order.
+// One plane of samples in memory, of any type and order.
 struct SampleGrid {
   const std::byte* first;
   std::ptrdiff_t rowStep;     // samples from one row to the next
@@ -27,18 +27,18 @@ struct SampleType {
   const char* name;
   std::uint32_t id;   // a FramesinkDataType
   std::size_t bytes;  // of one sample
-  // Writes a component as a plane of width x height samples of the type: 0 becomes the minimum of
-  // its range, `one` the maximum; integers are rounded to nearest, boolean is true from half on.
+  // Writes a component as a plane of this type. Code 0 becomes the minimum of the type's range,
+  // `one` its maximum. Integers are rounded to nearest; a boolean is true from 0.5.
   void (*store)(const Component& component, Layout layout, void* plane);
-  // Writes samples of the type as a plane, bit for bit.
+  // Copies samples of this type into a plane, bit for bit.
   void (*copy)(const SampleGrid& samples, Layout layout, void* plane);
-  // Writes one sample as a number.
+  // Prints one sample as a number.
   void (*print)(std::ostream& out, const void* sample);
 };
 
 std::span<const SampleType> sampleTypes();
 
-// The type of that name; null when there is none.
+// Returns the type called `name`, or null.
 const SampleType* findSampleType(std::string_view name);
 
 }  // namespace framesink::play

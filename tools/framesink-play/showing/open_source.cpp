@@ -9,10 +9,10 @@
 namespace framesink::play {
 namespace {
 
-constexpr double kRawRate = 25;      // frames per second, when nothing else is said
+constexpr double kRawRate = 25;      // frames per second, without --fps
 constexpr double kTolerance = 1e-6;  // frames
 
-// Raw samples have no pace of their own.
+// Raw samples have no timestamps: --fps sets how many frames --seek skips.
 std::unique_ptr<Source> openRaw(const Options& options) {
   double rate = options.rate.value_or(kRawRate);
   if (std::isinf(rate)) rate = kRawRate;

@@ -1,4 +1,4 @@
-// From the command line to a source.
+// Makes a source from the options.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,7 @@
 
 namespace framesink::play {
 
-// Opens what the options name, from the second that they ask for on. Throws Failure.
+// Opens the source that the options name, after the seconds that --seek skips. Throws Failure.
 std::unique_ptr<Source> openSource(const Options& options);
 
 }  // namespace framesink::play

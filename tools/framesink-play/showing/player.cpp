@@ -8,7 +8,7 @@
 namespace framesink::play {
 namespace {
 
-// At most, between looks at windows and signals.
+// The longest time without a look at windows and signals.
 constexpr std::chrono::milliseconds kNap{50};
 
 }  // namespace
@@ -35,7 +35,7 @@ void Player::run() {
   }
 }
 
-// The show that is due first; null when all are over.
+// Returns the show that is due first, or null if all are over.
 Show* Player::next() const {
   Show* first = nullptr;
   for (const auto& show : shows_) {

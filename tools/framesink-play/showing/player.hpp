@@ -1,5 +1,5 @@
-// Plays all sources of a command line at the same time, on one thread: while one of them waits for
-// its input, the others stand still, and closed windows go unnoticed.
+// Plays all sources of a command line at the same time, on one thread. While a source waits for its
+// input, the others stand still and closed windows go unnoticed.
 #pragma once
 
 #include <memory>
@@ -14,13 +14,13 @@ namespace framesink::play {
 
 class Player {
  public:
-  // Opens the sources' windows. Options and library must outlive the player. `sources` belong to
-  // `options` one by one. Throws Failure.
+  // Opens the windows of all sources. `sources[i]` belongs to `options[i]`. Options and library must
+  // outlive the player. Throws Failure.
   Player(const std::vector<Options>& options, const Library& library,
          std::vector<std::unique_ptr<Source>> sources);
 
-  // Returns when every show is over, or when a signal asks for it. Throws Failure when the library
-  // has something to say.
+  // Returns when every show is over or a signal has asked the player to stop. Throws Failure if the
+  // library reports an error.
   void run();
 
   const std::vector<std::unique_ptr<Show>>& shows() const { return shows_; }

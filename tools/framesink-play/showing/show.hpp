@@ -20,31 +20,31 @@ class Show {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // Moves the source to its first frame and opens the windows. Options, library and status must
-  // outlive the show. Throws Failure.
+  // Moves the source to its first frame and opens the windows. `options`, `library` and `status`
+  // must outlive the show. Throws Failure.
   Show(const Options& options, const Library& library, std::unique_ptr<Source> source,
        StatusLine& status);
 
-  // From now on time runs.
+  // Starts the show's clock.
   void start();
 
-  // After the end of the source and its hold, or when all windows are closed.
+  // True after the end of the source and of its hold, and once all windows are closed.
   bool isOver() const;
 
-  // When step is to be called next.
+  // The time at which to call step next.
   Clock::time_point due() const { return due_; }
 
-  // Does what is due: sends a frame, as a rule. A source that fails ends this show alone. Throws
-  // Failure of any other kind.
+  // Does what is due, usually sends a frame. A source that fails ends its own show only; any other
+  // Failure is thrown.
   void step();
 
-  // What the source found damaged, or why it failed; empty when all is well.
+  // Describes what is damaged in the source, or why it failed; empty if neither.
   std::string trouble() const { return failure_.empty() ? source_->trouble() : failure_; }
 
-  // Of each kind and type that is shown.
+  // One record for each kind and type that is shown.
   std::vector<Statistics> statistics() const;
 
-  // Writes the last frame that was sent to the first window.
+  // Writes the samples of the last frame of the first window.
   void dump(std::ostream& out) const { views_.front().planes.dump(out); }
 
  private:
@@ -69,18 +69,18 @@ class Show {
   std::unique_ptr<Source> source_;
   std::vector<View> views_;
   Phase phase_ = Phase::kFrames;
-  Clock::time_point end_;      // as far as the options limit the show's time
-  Clock::time_point start_;    // when the first frame would have been due, had no one been late
+  Clock::time_point end_;      // of --duration
+  Clock::time_point start_;    // due time of frame 0, moved on by delays that are not caught up
   Clock::time_point due_;      // of the next step
-  Clock::time_point holdEnd_;  // once the phase is kHold
+  Clock::time_point holdEnd_;  // valid in phase kHold
   std::uint64_t frames_ = 0;   // sent
   Clock::time_point firstSent_;
   Clock::time_point lastSent_;
   TimeHistogram late_;
-  double passBegin_ = 0;          // seconds that the source's earlier passes took
+  double passBegin_ = 0;          // seconds that earlier passes of the source took
   std::uint64_t passFrames_ = 0;  // sent in this pass
-  bool exhausted_ = false;        // the source has no further frame
-  std::string failure_;           // of the source, which ended the show
+  bool exhausted_ = false;        // the source has no more frames
+  std::string failure_;           // why the source failed and ended the show
 };
 
 }  // namespace framesink::play

@@ -16,11 +16,11 @@ struct Look {
   const SampleType* type;
 };
 
-// Three windows in a row, two rows on a screen of 1280 x 800 pixels; larger windows overlap.
+// A screen of 1280 x 800 pixels holds two rows of three windows. Larger windows overlap.
 constexpr Place kFirstPlace{20, 60};
 constexpr int kInRow = 3;
 constexpr Extent kWidestStep{400, 300};
-constexpr Extent kGap{20, 50};  // with room for the title bar
+constexpr Extent kGap{20, 50};  // leaves room for the title bar
 
 std::vector<Look> looksOf(const Options& options) {
   if (options.isDemo()) {
@@ -45,13 +45,14 @@ std::string titleOf(const Options& options, const Look& look, int copy) {
   return copy == 0 ? title : title + " (" + std::to_string(copy + 1) + ")";
 }
 
-// `steps` further on, as far as coordinates go.
+// Returns from + steps * step, or the largest coordinate if that is smaller.
 int stepped(int from, int steps, int step) {
   constexpr std::int64_t kFarthest = std::numeric_limits<int>::max();
   return static_cast<int>(std::min(from + std::int64_t{steps} * step, kFarthest));
 }
 
-// The place of a source's window `number`, counted from 0; a single one is the system's.
+// Returns the place of a source's window `number`, counted from 0. The window manager places a window
+// that stands alone and has no --position.
 std::optional<Place> placeOf(const Options& options, int number, Extent frame) {
   if (!options.position && !options.isDemo() && options.windowsInAll == 1) return std::nullopt;
   if (!options.ownPosition) number += options.windowsBefore;
