@@ -252,7 +252,7 @@ TEST(PlayPipe, OfAKindThatOnlyFilesCanBeReadOfIsTold) {
   const Scratch scratch;
   const std::string gif = (scratch / "large.gif").string();
   makeWithFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=640x480:rate=10", "-frames:v", "20", gif});
-  expectRefused("-", "standard input: damaged, cut short, or not to be read from a pipe",
+  expectRefused("-", "standard input: damaged, cut short, or not readable from a pipe",
                 Setting{.input = gif});
   EXPECT_EQ(runPlayer({gif, "--fps", "max"}).status, 0);
 }

@@ -173,21 +173,24 @@ void addProgramOptions(CLI::App& app, Options& options, ProgramOptions& program)
                  "they were sent, plane after plane")
       ->type_name("FILE");
   app.add_flag("--stats{text}", program.statistics,
-               "Tell at the end, on standard output, what was sent, how late,\n"
+               "Print at the end, on standard output, what was sent, how late,\n"
                "the host's time for a frame, and the share of conversion in it;\n"
-               "--stats=json tells it to programs")
+               "--stats=json prints JSON")
       ->check(CLI::IsMember({"text", "json"}).description(""))
       ->type_name("");
   app.add_flag("--doctor", program.doctor,
-               "Tell what is here and try a window for a second, for bug reports");
+               "Print a report for bug reports; opens a test window for a second");
   app.add_flag("--version", program.version, "Print the versions of player and library");
 }
 
 void checkRaw(const Options& options, bool hasKindOrType) {
   if (!options.raw) return;
-  if (options.source.empty())
-    throw Failure(kUsageTrouble, "--raw: which FILE? (- is standard input)");
-  if (hasKindOrType) throw Failure(kUsageTrouble, "--raw names kind and type itself");
+  if (options.source.empty()) {
+    throw Failure(kUsageTrouble, "--raw needs a FILE (- is standard input)");
+  }
+  if (hasKindOrType) {
+    throw Failure(kUsageTrouble, "--raw contains kind and type, and excludes --kind and --type");
+  }
 }
 
 void checkTime(const Options& options) {

@@ -17,16 +17,16 @@ constexpr const char* kDescription =
     "Shows a live model, videos, images or raw samples in framesink's windows, as a host would.";
 constexpr const char* kUsage =
     "Usage: framesink-play [OPTIONS] [FILE [OPTIONS]]...\n"
-    "Options before the first FILE hold for all of them, those after a FILE for that one only;\n"
-    "--library, --stats, --doctor and --version hold for the program wherever they stand.\n";
+    "Options before the first FILE apply to every FILE, options after a FILE to that one only.\n"
+    "--library, --stats, --doctor and --version apply to the program wherever they stand.\n";
 constexpr const char* kFooter =
     "Exit status:\n"
     "  0  played to the end, or every window was closed\n"
     "  1  the source cannot be read or is damaged, or --dump-frame cannot be written\n"
     "  2  the command line is wrong\n"
-    "  3  the library cannot be loaded or refuses the frames\n"
+    "  3  the library cannot be loaded or reports an error\n"
     "  4  there is no display\n"
-    "Stopped by Ctrl-C or another signal it cleans up and dies by that signal.";
+    "After Ctrl-C or another stop signal the player cleans up and ends by that signal.";
 
 using Words = std::vector<std::string>;
 
@@ -89,7 +89,7 @@ SplitLine split(const CLI::App& app, const Words& words) {
 
 [[noreturn]] void refuse(std::string what) {
   std::ranges::replace(what, '\n', ' ');
-  throw Failure(kUsageTrouble, what + " (--help tells more)");
+  throw Failure(kUsageTrouble, what + " (see --help)");
 }
 
 // Reads the words of one source. For --help, prints the help and returns false.

@@ -20,7 +20,7 @@ class Message {
   bool empty() const { return text_.front() == '\0'; }
   [[noreturn]] void fail() const {
     throw Failure(kLibraryTrouble,
-                  std::string("the library says: ") + (empty() ? "no block" : text_.data()));
+                  std::string("the library reports: ") + (empty() ? "no block" : text_.data()));
   }
 
  private:

@@ -131,7 +131,7 @@ void VideoStream::fail(const std::string& what) const { failFor(path_, what); }
 void VideoStream::failToOpen(int error) const {
   if (error == AVERROR_INVALIDDATA) fail("not a video or an image");
   if (isSystemError(error)) fail(messageOf(error));
-  if (isStandardInput(path_)) fail("damaged, cut short, or not to be read from a pipe");
+  if (isStandardInput(path_)) fail("damaged, cut short, or not readable from a pipe");
   fail("damaged or cut short, nothing can be read");
 }
 
