@@ -25,16 +25,11 @@ struct FrameShape {
   std::int32_t layout = 1;
 };
 
-struct Conversion {
-  std::int32_t inputKind;
-  std::int32_t outputFormat;
-};
-
-// Runs the kernel on an output that holds `before`; returns what it holds afterwards.
+// Runs the kernel on an output that holds `before` and returns the output.
 template <std::uint32_t Id>
-Bytes runKernel(Conversion conversion, const Planes<Id>& planes, Bytes before, FrameShape shape) {
-  const ConversionKernel kernel =
-      selectConversionKernel(conversion.inputKind, conversion.outputFormat, Id);
+Bytes runKernel(std::int32_t inputKind, std::int32_t outputFormat, const Planes<Id>& planes,
+                Bytes before, FrameShape shape) {
+  const ConversionKernel kernel = selectConversionKernel(inputKind, outputFormat, Id);
   kernel(planes[0].data(), planes[1].data(), planes[2].data(), before.data(), shape.width,
          shape.height, shape.layout);
   return before;
@@ -42,12 +37,12 @@ Bytes runKernel(Conversion conversion, const Planes<Id>& planes, Bytes before, F
 
 template <std::uint32_t Id>
 Bytes runToRgb(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
-  return runKernel<Id>({inputKind, kOutputRgbPlanes}, planes, std::move(before), shape);
+  return runKernel<Id>(inputKind, kOutputRgbPlanes, planes, std::move(before), shape);
 }
 
 template <std::uint32_t Id>
 Bytes runToYuy2(std::int32_t inputKind, const Planes<Id>& planes, Bytes before, FrameShape shape) {
-  return runKernel<Id>({inputKind, kOutputYuy2}, planes, std::move(before), shape);
+  return runKernel<Id>(inputKind, kOutputYuy2, planes, std::move(before), shape);
 }
 
 }  // namespace framesink

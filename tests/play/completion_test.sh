@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# completion_test.sh PLAYER COMPLETIONS PAGE: completions and manual page offer every option of --help, and no other.
+# completion_test.sh PLAYER COMPLETIONS PAGE: completions and manual page contain every option of --help and no other.
 set -euo pipefail
 player=$1 completions=$2 page=$3
 
@@ -16,10 +16,12 @@ source "$completions/framesink-play.bash"
 complete_words() {
   COMP_WORDS=(framesink-play "$@") COMP_CWORD=$#
   COMPREPLY=()
-  _framesink_play
+  _framesink_play "$player"
 }
 complete_words --
 expect_same bash "$(printf '%s\n' "${COMPREPLY[@]}" | options)"
+complete_words --st
+[ "${COMPREPLY[*]}" = '--stats --stats=json' ]
 complete_words --kind y
 [ "${COMPREPLY[*]}" = ycbcr422 ]
 complete_words --type u

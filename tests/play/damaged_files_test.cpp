@@ -11,10 +11,10 @@
 #include <random>
 
 #include "clips.hpp"
-#include "failure.hpp"
-#include "frame_planes.hpp"
+#include "frames/frame_planes.hpp"
 #include "player_process.hpp"
-#include "video_source.hpp"
+#include "system/failure.hpp"
+#include "video/video_source.hpp"
 
 namespace framesink::play {
 namespace {
@@ -252,7 +252,7 @@ TEST(PlayPipe, OfAKindThatOnlyFilesCanBeReadOfIsTold) {
   const Scratch scratch;
   const std::string gif = (scratch / "large.gif").string();
   makeWithFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=640x480:rate=10", "-frames:v", "20", gif});
-  expectRefused("-", "standard input: damaged, cut short, or not to be read from a pipe",
+  expectRefused("-", "standard input: damaged, cut short, or not readable from a pipe",
                 Setting{.input = gif});
   EXPECT_EQ(runPlayer({gif, "--fps", "max"}).status, 0);
 }

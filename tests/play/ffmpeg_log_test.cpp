@@ -1,4 +1,4 @@
-#include "ffmpeg_log.hpp"
+#include "video/ffmpeg_log.hpp"
 
 #include <gtest/gtest.h>
 

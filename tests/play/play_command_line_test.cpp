@@ -28,7 +28,7 @@ TEST(PlayHelp, NamesEveryOptionAndExitStatus) {
 TEST(PlayVersion, TellsPlayerAndLibrary) {
   const Outcome outcome = runPlayer({"--version"});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, StartsWith("framesink-play " PLAY_VERSION "\n"));
+  EXPECT_THAT(outcome.out, StartsWith("framesink-play " FRAMESINK_PLAY_VERSION "\n"));
   EXPECT_THAT(outcome.out, HasSubstr("framesink 7.8.9 of Feb  3 2021, " STUB_LIBRARY "\n"));
 }
 
@@ -63,13 +63,13 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongLine{"HugeRaw", {"a.raw", "--raw", "65536x65536:int8:rgb"}, "--raw"},
                     WrongLine{
                         "RawPairsOfOddWidth", {"a.raw", "--raw", "3x2:int8:ycbcr422"}, "--raw"},
-                    WrongLine{"RawWithoutFile", {"--raw", "4x2:uint8:rgb"}, "which FILE"},
+                    WrongLine{"RawWithoutFile", {"--raw", "4x2:uint8:rgb"}, "needs a FILE"},
                     WrongLine{"RawWithKind",
                               {"a.raw", "--raw", "4x2:uint8:rgb", "--kind", "rgb"},
-                              "names kind and type itself"},
+                              "excludes --kind and --type"},
                     WrongLine{"RawWithType",
                               {"a.raw", "--raw", "4x2:uint8:rgb", "--type", "int8"},
-                              "names kind and type itself"},
+                              "excludes --kind and --type"},
                     WrongLine{"NoWindow", {"--windows", "0"}, "--windows"},
                     WrongLine{"TooManyWindows", {"--windows", "65"}, "--windows"},
                     WrongLine{"SizeOfOneNumber", {"--size", "640"}, "--size"},

@@ -7,7 +7,7 @@
 #include "clips.hpp"
 #include "player_process.hpp"
 #include "support/wait_until.hpp"
-#include "video_source.hpp"
+#include "video/video_source.hpp"
 
 extern "C" {
 #include <libavutil/cpu.h>

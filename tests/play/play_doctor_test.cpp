@@ -19,9 +19,9 @@ TEST(PlayDoctor, TellsWhatIsHereAndThatAllIsWell) {
       runPlayer({"--doctor", "--library", REAL_LIBRARY},
                 Setting{.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}, .stubLibrary = false});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_THAT(outcome.out, StartsWith("framesink-play " PLAY_VERSION "\n"));
+  EXPECT_THAT(outcome.out, StartsWith("framesink-play " FRAMESINK_PLAY_VERSION "\n"));
   for (const char* part : {"library: " REAL_LIBRARY "\n",
-                           "  version: " PLAY_VERSION " of ",
+                           "  version: " FRAMESINK_PLAY_VERSION " of ",
                            "all 14",
                            "SDL: 2.",
                            "  video drivers:",

@@ -49,7 +49,7 @@ class PlayComplaint : public testing::TestWithParam<std::string> {};
 TEST_P(PlayComplaint, IsToldWithStatus3) {
   const Outcome outcome = runIn({{"STUB_COMPLAINT", GetParam()}}, {"--type", "uint8"});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.err, HasSubstr("framesink-play: the library says: stub trouble!!!"));
+  EXPECT_THAT(outcome.err, HasSubstr("framesink-play: the library reports: stub trouble!!!"));
   EXPECT_THAT(outcome.err, EndsWith("!!!\n"));
   EXPECT_THAT(outcome.callsOf("libDestroy"), SizeIs(GetParam() == "libCreate" ? 0 : 1));
   EXPECT_EQ(outcome.lastCall(), "unloaded");

@@ -1,4 +1,4 @@
-#include "spiral_field.hpp"
+#include "sources/spiral_field.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "time_histogram.hpp"
+#include "report/time_histogram.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// framesink-play: a host in miniature. It loads the library as a host does and shows it frames.
+// framesink-play, a host in miniature: it loads the library as a host does and sends it frames.
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -8,22 +8,22 @@
 #include <string>
 #include <vector>
 
-#include "command_line.hpp"
-#include "display_check.hpp"
-#include "doctor.hpp"
-#include "failure.hpp"
-#include "library.hpp"
-#include "open_source.hpp"
-#include "player.hpp"
-#include "signals.hpp"
+#include "command_line/command_line.hpp"
+#include "doctor/doctor.hpp"
+#include "host/library.hpp"
+#include "showing/open_source.hpp"
+#include "showing/player.hpp"
+#include "system/display_check.hpp"
+#include "system/failure.hpp"
+#include "system/signals.hpp"
 
 namespace framesink::play {
 namespace {
 
 constexpr const char* kUnwritable = ": cannot be written";
 
-// What is told after a signal is of no interest any more: the signal is why it ended.
-void tell(const std::string& what) {
+// Prints one line on standard error, unless a signal is the reason for the end.
+void complain(const std::string& what) {
   if (stopSignal() == 0) std::fprintf(stderr, "framesink-play: %s\n", what.c_str());
 }
 
@@ -41,7 +41,7 @@ std::vector<std::unique_ptr<Source>> openSources(const CommandLine& line) {
   return sources;
 }
 
-// Opened before anything is shown, so that a wrong path is told at once.
+// Runs before anything is shown, so that a wrong path fails at once.
 std::vector<std::ofstream> openDumps(const CommandLine& line) {
   std::vector<std::ofstream> dumps;
   for (const Options& options : line.sources) {
@@ -53,7 +53,7 @@ std::vector<std::ofstream> openDumps(const CommandLine& line) {
   return dumps;
 }
 
-// False when there was to be a dump that could not be written.
+// Returns false if a requested dump could not be written.
 bool dump(const Show& show, std::ofstream& out) {
   if (!out.is_open()) return true;
   show.dump(out);
@@ -70,7 +70,7 @@ void printStatistics(const Player& player, const std::string& form) {
   std::cout.flush();  // before a signal ends the process
 }
 
-// Returns a line for each source that was damaged and each dump that could not be written.
+// Plays all sources. Returns a line for each damaged source and each dump that was not written.
 std::vector<std::string> play(const CommandLine& line) {
   const Library library(line.program.sharedLibrary);
   auto sources = openSources(line);
@@ -88,9 +88,9 @@ std::vector<std::string> play(const CommandLine& line) {
   return troubles;
 }
 
-ExitStatus playAndTell(const CommandLine& line) {
+ExitStatus playAndComplain(const CommandLine& line) {
   const std::vector<std::string> troubles = play(line);
-  for (const std::string& trouble : troubles) tell(trouble);
+  for (const std::string& trouble : troubles) complain(trouble);
   return troubles.empty() ? kPlayed : kSourceTrouble;
 }
 
@@ -99,12 +99,12 @@ int run(int argc, char** argv) try {
   if (!line) return kPlayed;
   if (line->program.version) return printVersion(line->program);
   if (line->program.doctor) return runDoctor(line->program);
-  return playAndTell(*line);
+  return playAndComplain(*line);
 } catch (const Failure& failure) {
-  tell(failure.what());
+  complain(failure.what());
   return failure.status;
 } catch (const std::bad_alloc&) {
-  tell("out of memory");
+  complain("out of memory");
   return kSourceTrouble;
 }
 

@@ -1,4 +1,4 @@
-# Completion of framesink-play in bash.
+# Completion of framesink-play in bash. The options come from --help.
 _framesink_play() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} words
   case $before in
@@ -6,12 +6,9 @@ _framesink_play() {
     --type) words='double single int8 uint8 int16 uint16 int32 uint32 boolean' ;;
     --layout) words='column row' ;;
     --fps) words=max ;;
-    --raw | --windows | --size | --position | --title | --seek | --frames | --duration) return ;;
     *)
       [[ $word == -* ]] || return
-      words='-h --help --kind --type --layout --raw --windows --sync --size --position --fullscreen --title
-        --fps --seek --loop --frames --duration --hold --library --dump-frame --stats --stats=json --doctor
-        --version'
+      words="-h $("$1" --help 2>/dev/null | grep -oE -- '--[a-z-]+(=[a-z]+)?' | sort -u)"
       ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

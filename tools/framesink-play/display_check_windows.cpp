@@ -1,8 +1,0 @@
-#include "display_check.hpp"
-
-namespace framesink::play {
-
-// Every session has a desktop.
-void requireDisplay() {}
-
-}  // namespace framesink::play
