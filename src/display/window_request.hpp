@@ -13,9 +13,9 @@ namespace framesink {
 inline constexpr std::uint32_t kFrameSizeMarker = 0x7FFFFFFF;
 
 struct WindowRequest {
-  std::string title;
-  Size frameSize;
-  WindowGeometry geometry;  // its size counts with useWindowSize or fullscreen only
+  std::string title{};
+  Size frameSize{};
+  WindowGeometry geometry{};  // its size counts with useWindowSize or fullscreen only
   bool useWindowSize = false;
   bool fullscreen = false;
 

@@ -50,7 +50,7 @@ TEST(FrameSinkBlock, UnsupportedTypeIsThrownAsATextByTheStartStep) {
   for (const std::uint32_t type : {9U, 0x80000000U, 0xFFFFFFFFU}) {
     const InputDescription input = describe(kRgb, type, kFrame);
     BlockSettings settings;
-    settings.playerName = name();
+    settings.setup.name = name();
     FrameSinkBlock block(settings, &input);
     try {
       block.start();

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <utility>
 
-#include "display/host_calls.hpp"
 #include "display/server_instances.hpp"
 #include "host_block.hpp"
+#include "process/host_calls.hpp"
 #include "recorded_frame.hpp"
 #include "support/scoped_variable.hpp"
 
@@ -28,7 +28,7 @@ class LateCallsDeathTest : public testing::Test {
     EXPECT_EQ(isPlayerOpen(name.c_str()), 1);
     EXPECT_TRUE(endHostCalls());
   }
-  std::int32_t playerId() const { return videoWindowRegistry().playerIdOf(name); }
+  PlayerId playerId() const { return videoWindowRegistry().playerIdOf(name); }
   // What failed goes to standard error, where the test that started this process finds it.
   [[noreturn]] void leave() {
     libDestroy(block);
@@ -86,7 +86,7 @@ TEST_F(LateCallsDeathTest, TheRestOfABlocksLifeIsHarmless) {
 TEST_F(LateCallsDeathTest, AWindowIsNeitherOpenedNorRenamedNorForgotten) {
   const auto controlLate = [&] {
     outliveTheLibrary();
-    const std::int32_t before = playerId();
+    const PlayerId before = playerId();
     const std::array<std::uint32_t, 2> pair{60, 80};
     threadedServer().closePlayer(static_cast<std::uint32_t>(before));
     createVideoWindow(name.c_str(), 0, pair.data(), pair.data(), 0);

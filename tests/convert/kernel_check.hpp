@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "guarded_memory.hpp"
 #include "kernel_cases.hpp"
+#include "simd/guarded_memory.hpp"
 
 namespace framesink {
 

@@ -9,9 +9,8 @@
 #include <string>
 
 #include "display/sdl_server.hpp"
-#include "frames.hpp"
-#include "support/scoped_variable.hpp"
-#include "support/sdl_recorder.hpp"
+#include "support/dummy_video.hpp"
+#include "support/frames.hpp"
 #include "support/x_client.hpp"
 
 namespace framesink {
@@ -27,13 +26,6 @@ inline void PrintTo(const Position& position, std::ostream* out) {
 }  // namespace framesink
 
 namespace framesink::test {
-
-// SDL without a screen, watched: for what is asked of SDL, not for what a user sees.
-class DummyVideoTest : public testing::Test {
- protected:
-  ScopedVariable driver{"SDL_VIDEODRIVER", "dummy"};
-  SdlRecorder recorder;
-};
 
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};

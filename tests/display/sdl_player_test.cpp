@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "display_helpers.hpp"
-#include "frames.hpp"
 #include "process/sdl_session.hpp"
 #include "shown_frames.hpp"
 #include "support/allocations.hpp"
+#include "support/frames.hpp"
 #include "support/sdl_recorder.hpp"
 
 namespace framesink::test {

@@ -14,15 +14,15 @@
 #include <thread>
 #include <vector>
 
-#include "display/sdl_session.hpp"
 #include "events.hpp"
-#include "frames.hpp"
 #include "hold.hpp"
 #include "pass_stepper.hpp"
+#include "process/sdl_session.hpp"
 #include "server_fixtures.hpp"
 #include "shown_frames.hpp"
 #include "support/allocations.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/frames.hpp"
 #include "support/os_facts.hpp"
 #include "support/sdl_recorder.hpp"
 

@@ -8,10 +8,10 @@
 
 #include "display/sdl_window.hpp"
 #include "display_helpers.hpp"
-#include "frames.hpp"
 #include "process/sdl_session.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/foreign_leaks.hpp"
+#include "support/frames.hpp"
 #include "support/sdl_recorder.hpp"
 
 namespace framesink::test {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "display_helpers.hpp"
-#include "frames.hpp"
 #include "process/sdl_session.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/frames.hpp"
 #include "support/sdl_recorder.hpp"
 
 namespace framesink::test {

@@ -105,7 +105,7 @@ TEST_F(VideoWindowRegistryTest, ForgettingAnUnknownNameDoesNothing) {
 }
 
 TEST_F(VideoWindowRegistryTest, ForgettingARecordLeavesItsPlayer) {
-  const std::uint32_t player = playerOf(*openRecord("name"));
+  const std::uint32_t player = openRecord("name")->playerId;
   registry.unregisterVideoWindow("name");
   EXPECT_TRUE(threadedServer().hasOpenPlayer(player));
 }
@@ -297,7 +297,7 @@ TEST_F(VideoWindowRegistryTest, LooksAPlayerUpInTheServerThatTheFlagSelects) {
 // ---- Closing ----
 
 TEST_F(VideoWindowRegistryTest, ClosesThePlayerAndForgetsTheRecord) {
-  const std::uint32_t player = playerOf(*openRecord("a b"));
+  const std::uint32_t player = openRecord("a b")->playerId;
   registry.closeVideoWindow("a\nb");
   EXPECT_FALSE(threadedServer().hasOpenPlayer(player));
   EXPECT_EQ(registry.findVideoWindow("a b"), nullptr);

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "frames.hpp"
 #include "framesink/framesink.h"
+#include "support/frames.hpp"
 #include "support/sdl_clock.hpp"
 #include "support/sdl_recorder.hpp"
 

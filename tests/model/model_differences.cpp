@@ -50,10 +50,10 @@ bool isPlain(const std::uint8_t* planes, std::size_t samples, std::uint32_t colo
 }
 
 std::string differenceOf(const VideoWindow& found, const Record& record) {
-  if (found.playerId != record.player) {
-    return text("has player ", found.playerId, ", not ", record.player);
+  if (static_cast<int>(found.playerId) != record.player) {
+    return text("has player ", static_cast<int>(found.playerId), ", not ", record.player);
   }
-  if ((found.synchronous != 0) != record.synchronous) return "is of the other server";
+  if (found.synchronous != record.synchronous) return "is of the other server";
   const Size frame = sizeOf(record.frame);
   if (found.frameSize() != frame) return "has another frame size";
   const std::size_t samples = std::size_t{frame.width} * frame.height;

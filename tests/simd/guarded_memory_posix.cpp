@@ -1,4 +1,4 @@
-#include "guarded_memory.hpp"
+#include "simd/guarded_memory.hpp"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "guarded_memory.hpp"
+#include "simd/guarded_memory.hpp"
 
 namespace framesink {
 namespace {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "display_helpers.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/dummy_video.hpp"
 #include "support/os_facts.hpp"
 #include "support/sdl_recorder.hpp"
 #include "support/wait_until.hpp"

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "convert/guarded_memory.hpp"
-#include "frames.hpp"
+#include "simd/guarded_memory.hpp"
+#include "support/frames.hpp"
 
 namespace framesink::test {
 namespace {

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
-#include "display_helpers.hpp"
 #include "support/capture_stderr.hpp"
+#include "support/dummy_video.hpp"
 #include "support/scoped_variable.hpp"
 #include "support/sdl_recorder.hpp"
 #include "support/wait_until.hpp"

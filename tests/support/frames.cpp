@@ -1,4 +1,4 @@
-#include "frames.hpp"
+#include "support/frames.hpp"
 
 #include <random>
 
