@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -37,6 +38,12 @@ class DummyVideoTest : public testing::Test {
 
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};
+
+// None is a player's: as many pixels, one side alone shorter or longer.
+inline constexpr std::array kOtherSizes{
+    Size{kFrameSize.height, kFrameSize.width}, Size{kFrameSize.width, kFrameSize.height - 1},
+    Size{kFrameSize.width, kFrameSize.height + 1}, Size{kFrameSize.width - 1, kFrameSize.height},
+    Size{kFrameSize.width + 1, kFrameSize.height}};
 
 // What addPlayer is asked for.
 struct Opening {
