@@ -288,6 +288,29 @@ TEST(FrameSinkBlock, FrameWithTheRecordsSidesExchangedIsDropped) {
   EXPECT_EQ(recordedFrame(name()), blankFrame(kFrame));
 }
 
+// Sends a frame of that size to a record that another block has meanwhile set up for kFrame.
+void expectDroppedByTheRecordOfAnother(Size size) {
+  HostBlock first(describe(kRgb, FRAMESINK_UINT8, size));
+  HostBlock second(describe(kRgb, FRAMESINK_UINT8, kFrame));
+  const HostPlanes planes = randomPlanes(kRgb, FRAMESINK_UINT8, kFrame);
+  second.update(planes);
+  first.update(randomPlanes(kRgb, FRAMESINK_UINT8, size));
+  EXPECT_EQ(recordedFrame(name()), converted(kRgb, FRAMESINK_UINT8, planes, kFrame))
+      << size.width << "x" << size.height;
+}
+
+TEST(FrameSinkBlock, FrameOfTheRecordsHeightButAnotherWidthIsDropped) {
+  for (const std::uint32_t width : {kFrame.width - 1, kFrame.width + 1, 10 * kFrame.width}) {
+    expectDroppedByTheRecordOfAnother({width, kFrame.height});
+  }
+}
+
+TEST(FrameSinkBlock, FrameOfTheRecordsWidthButAnotherHeightIsDropped) {
+  for (const std::uint32_t height : {kFrame.height - 1, kFrame.height + 1, 10 * kFrame.height}) {
+    expectDroppedByTheRecordOfAnother({kFrame.width, height});
+  }
+}
+
 TEST(FrameSinkBlock, TwoBlocksWithOneNameAndSizeShareTheRecord) {
   HostBlock first(describe(kRgb, FRAMESINK_UINT8, kFrame));
   const HostBlock second(describe(kIntensity, FRAMESINK_DOUBLE, kFrame));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -29,6 +30,12 @@ namespace framesink::test {
 
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};
+
+// None is a player's: as many pixels, one side alone shorter or longer.
+inline constexpr std::array kOtherSizes{
+    Size{kFrameSize.height, kFrameSize.width}, Size{kFrameSize.width, kFrameSize.height - 1},
+    Size{kFrameSize.width, kFrameSize.height + 1}, Size{kFrameSize.width - 1, kFrameSize.height},
+    Size{kFrameSize.width + 1, kFrameSize.height}};
 
 // What a window is asked to be.
 struct Opening {

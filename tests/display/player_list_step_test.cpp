@@ -1,20 +1,14 @@
 // A reader of the player list that is interrupted at any instruction, by an owner who changes the
-// list right then. Needs a processor that can step through single instructions; the thread
-// sanitizer's own code cannot be interrupted so.
+// list right then.
+#include "support/interruption.hpp"
+
+#if defined(FRAMESINK_TESTS_CAN_INTERRUPT)
+
 #include <gtest/gtest.h>
-
-#include "display/tearing.hpp"
-
-#if defined(__x86_64__) && defined(__linux__) && !defined(FRAMESINK_THREAD_SANITIZER)
-
-#include <ucontext.h>
 
 #include <algorithm>
 #include <array>
-#include <csignal>
-#include <functional>
 #include <memory>
-#include <utility>
 
 #include "display/player_list.hpp"
 
@@ -31,48 +25,6 @@ struct KnownPlayer {
 };
 
 using Players = PlayerList<KnownPlayer>;
-
-// The processor's trap flag: a signal after each instruction.
-constexpr long long kTrapFlag = 0x100;
-
-// Lets `work` happen after a number of single instructions, in the midst of what this thread does.
-// That must not allocate.
-class Interruption {
- public:
-  Interruption(int instructions, std::function<void()> work)
-      : left_(instructions), work_(std::move(work)) {
-    current = this;
-    struct sigaction action {};
-    action.sa_sigaction = [](int, siginfo_t*, void* context) {
-      current->step(static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_EFL]);
-    };
-    action.sa_flags = SA_SIGINFO;
-    sigaction(SIGTRAP, &action, &previous_);
-    std::raise(SIGTRAP);
-  }
-  // True when the work was done before now.
-  bool end() {
-    ended_ = true;
-    return left_ < 0;
-  }
-  ~Interruption() { sigaction(SIGTRAP, &previous_, nullptr); }
-  Interruption(const Interruption&) = delete;
-  Interruption& operator=(const Interruption&) = delete;
-
- private:
-  void step(greg_t& flags) {
-    const bool goesOn = !ended_ && left_ > 0;
-    flags = goesOn ? flags | kTrapFlag : flags & ~kTrapFlag;
-    if (!ended_ && left_ == 0) work_();
-    left_ = left_ - 1;
-  }
-
-  static inline Interruption* current = nullptr;
-  volatile int left_;
-  volatile bool ended_ = false;
-  std::function<void()> work_;
-  struct sigaction previous_ {};
-};
 
 // A list, and a reader of it that is interrupted while it is made.
 class InterruptedReader {

@@ -245,8 +245,7 @@ TEST_F(SdlServerTest, AFrameOfAnotherSizeIsNotTaken) {
   PassStepper passes(recorder);
   ASSERT_TRUE(passes.runPass());
   recorder.forget();
-  deliver(server, player, noiseFrame({kFrameSize.height, kFrameSize.width}, 1));
-  deliver(server, player, noiseFrame({kFrameSize.width, kFrameSize.height - 1}, 1));
+  for (const Size size : kOtherSizes) deliver(server, player, noiseFrame(size, 1));
   ASSERT_TRUE(passes.runPass());
   EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }

@@ -142,7 +142,7 @@ TEST_F(SynchronousSdlServerTest, AFrameForNobodyStillDrains) {
 TEST_F(SynchronousSdlServerTest, AFrameOfAnotherSizeIsNotShownButDrains) {
   const std::uint32_t player = openDrawn();
   push(windowEvent(window, SDL_WINDOWEVENT_MOVED, 7, 8));
-  deliver(server, player, noiseFrame({kFrameSize.height, kFrameSize.width}, 1));
+  for (const Size size : kOtherSizes) deliver(server, player, noiseFrame(size, 1));
   EXPECT_EQ(drawings(), 0U);
   EXPECT_EQ(server.windowGeometry(player)->position, (Position{7, 8}));
 }
