@@ -1,4 +1,4 @@
-// Small frames as tests write them down: samples in, bytes out.
+// Runs kernels on small frames that a test writes out.
 #pragma once
 
 #include <array>
@@ -30,7 +30,7 @@ struct Conversion {
   std::int32_t outputFormat;
 };
 
-// Runs the kernel on an output that holds `before`; returns what it holds afterwards.
+// Runs the kernel on an output buffer that holds `before`; returns what the buffer holds then.
 template <std::uint32_t Id>
 Bytes runKernel(Conversion conversion, const Planes<Id>& planes, Bytes before, FrameShape shape) {
   const ConversionKernel kernel =
