@@ -1,4 +1,4 @@
-/* A host that is linked with the library: told by its import library alone where functions and strings are. */
+/* A host linked with the library; only the import library tells it where functions and data are. */
 #include <framesink/framesink.h>
 #include <stdio.h>
 
