@@ -95,8 +95,8 @@ TEST(ChildProcess, EndsItsChildOnDestruction) {
 
 // Forks, because the process that starts the child must die.
 TEST(ChildProcess, DiesWithTheProcessThatStartedIt) {
-  prctl(PR_SET_CHILD_SUBREAPER,
-        1);  // orphans become children of this process, which waits for them
+  // Orphans become children of this process, so that it can wait for them.
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
   std::array<int, 2> channel{};
   ASSERT_EQ(pipe(channel.data()), 0);
   const pid_t starter = fork();

@@ -5,7 +5,7 @@
 
 namespace framesink::test {
 
-// A new folder in the system's folder for temporary files; removed with its content.
+// A new folder in the operating system's folder for temporary files; removed with its content.
 class TemporaryFolder {
  public:
   TemporaryFolder();

@@ -9,7 +9,7 @@ namespace framesink::test {
 inline constexpr std::chrono::milliseconds kDeadline{10'000};
 
 // Limit for a step that must not wait for anything: 1 s. Sanitizers on a busy machine may take that
-// long by themselves; with them, the limit only tells endless waits and those of 20 s apart.
+// long by themselves, so with them the limit only catches waits of 20 s and endless ones.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr std::chrono::milliseconds kAtOnce{10'000};
 #else

@@ -1,4 +1,4 @@
-/* A host linked with the library; only the import library tells it where functions and data are. */
+/* A host linked with the library. It finds functions and data through the import library alone. */
 #include <framesink/framesink.h>
 #include <stdio.h>
 
