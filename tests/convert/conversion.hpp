@@ -11,18 +11,18 @@ namespace framesink {
 
 class Conversion {
  public:
-  // Planes of samples drawn from everything worth converting.
+  // Fills the planes from a SamplePool: edge cases and random samples.
   Conversion(const KernelCase& test, const oracle::Frame& frame);
 
-  // By the family's name, for example "RgbToRgb".
+  // `family` is a family's name, for example "RgbToRgb".
   Conversion(const char* family, std::uint32_t dataType, const oracle::Frame& frame);
 
-  // Other samples, spread evenly over the natural range.
+  // Replaces the samples with ones spread evenly over the natural range.
   void drawWithinRange();
 
   void run();
 
-  // Converts once and compares with the oracle.
+  // Converts once and compares the output with the oracle's.
   bool isRight();
 
   std::size_t bytesReadAndWritten() const;

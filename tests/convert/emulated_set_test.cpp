@@ -1,4 +1,5 @@
-// Shows what a run on the emulated processor is about. What it has besides, SVE, is not built.
+// Checks which instruction sets a run on the emulated processor covers. The processor also has SVE,
+// for which nothing is built.
 #include <gtest/gtest.h>
 
 #include <string>

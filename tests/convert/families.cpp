@@ -1,5 +1,5 @@
-// What each family may read and must be given room for: the exact figures, so that a test can
-// allocate not one sample more.
+// How many samples each family reads and how many output bytes it needs. The figures are exact, so
+// that tests can allocate not one sample more.
 #include "oracle.hpp"
 
 namespace framesink::oracle {
@@ -14,7 +14,7 @@ Extents extents(std::int64_t plane0, std::int64_t plane1, std::int64_t plane2,
 
 bool isEmpty(const Frame& frame) { return frame.width < 1 || frame.height < 1; }
 
-// Column-major frames are counted by their product alone: two negative sizes make a positive count.
+// The column-major path looks at the product alone: two negative sizes give a positive count.
 std::int64_t rgbSamples(const Frame& frame) {
   if (frame.layout == 0 && isEmpty(frame)) return 0;
   return std::int64_t{frame.width} * frame.height;
@@ -30,7 +30,7 @@ Extents intensityToRgb(const Frame& frame) {
   return extents(n, 0, 0, 3 * n);
 }
 
-// The last column of an odd width is not even read.
+// The last column of an odd width is not read.
 Extents ycbcrToRgb(const Frame& frame) {
   if (isEmpty(frame)) return {};
   const std::int64_t width = frame.width;
@@ -44,7 +44,7 @@ Extents ycbcrToRgb(const Frame& frame) {
   return extents(lastLine + 2 * pairs, pairs * height, pairs * height, lastLine + 6 * pairs);
 }
 
-// Row-major pairs overlap: the last one of the last line reaches one sample past an even plane.
+// Row-major pairs overlap: in an even plane the last pair reads one sample past the end.
 Extents rgbToYuy2(const Frame& frame) {
   if (isEmpty(frame)) return {};
   const std::int64_t n = std::int64_t{frame.width} * frame.height;
@@ -54,7 +54,7 @@ Extents rgbToYuy2(const Frame& frame) {
   return extents(samples, samples, samples, 4 * n);
 }
 
-// Row-major odd widths read far past the plane, up to almost twice its size.
+// Row-major frames of odd width are read far past the plane, up to almost twice its size.
 Extents intensityToYuy2(const Frame& frame) {
   if (isEmpty(frame)) return {};
   const std::int64_t width = frame.width;
@@ -66,7 +66,8 @@ Extents intensityToYuy2(const Frame& frame) {
   return extents(lastSample + 1, 0, 0, outputBytes);
 }
 
-// Odd widths (row-major: odd totals) read one luma sample past the end.
+// Frames of odd width read one luma column past the end; row-major frames with an odd number of
+// pixels read one luma sample past it.
 Extents ycbcrToYuy2(const Frame& frame) {
   const std::int64_t n = std::int64_t{frame.width} * frame.height;
   if (frame.layout == 0) {

@@ -1,5 +1,5 @@
-// The table that drives every check and every timing of the kernels: each family in each sample
-// type, on each instruction set that this machine has.
+// The table behind every check and every timing of a kernel: each family with each sample type, on
+// each instruction set of this machine.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,15 @@
 
 namespace framesink {
 
-// Vectors that the kernels can run on.
+// An instruction set that the kernels can run on.
 struct InstructionSet {
   std::string name;
-  std::int64_t target;  // Highway's number of it
+  std::int64_t target;  // Highway's number for it
 
-  void use() const;  // the kernels of this process run on it from now on
+  void use() const;  // From now on, all kernels of this process run on it.
 };
 
-// The best one first: what the library chooses by itself.
+// The best one, which the library chooses by itself, comes first.
 const std::vector<InstructionSet>& instructionSets();
 
 struct KernelCase {
@@ -30,8 +30,7 @@ struct KernelCase {
   ConversionKernel kernel() const;
 };
 
-// In the order of the families; the types whose samples have at least `smallest` and at most
-// `largest` bytes.
+// In the order of the families. Only types whose samples have `smallest` to `largest` bytes.
 std::vector<KernelCase> kernelCases(std::size_t smallest = 1, std::size_t largest = 8);
 
 // For example "RgbToYuy2Uint16".

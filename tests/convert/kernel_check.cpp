@@ -7,7 +7,7 @@
 namespace framesink {
 namespace {
 
-// Bytes around the output that must keep their content, where there is room before a guard page.
+// Bytes around the output that the kernel must not change, where a guard page leaves room for them.
 constexpr std::size_t kGuardBytes = 64;
 
 std::string described(const oracle::Frame& frame, Placement placement) {
@@ -46,7 +46,7 @@ std::uint8_t* KernelCheck::output(const oracle::Frame& frame, Placement placemen
   return output_.end() - placement.outputOffset - test_.family->extents(frame).outputBytes;
 }
 
-// A plane that the kind does not have is null.
+// Planes that the input kind does not have are null.
 std::array<const void*, 3> KernelCheck::planes(const oracle::Frame& frame, Placement placement) {
   std::array<const void*, 3> planes{};
   const std::size_t count = test_.family->inputKind == kInputIntensity ? 1 : planes.size();

@@ -1,4 +1,4 @@
-// One kernel, on every instruction set, against the oracle on one frame, byte for byte.
+// Compares one kernel, on every instruction set, with the oracle byte for byte.
 #pragma once
 
 #include <array>
@@ -12,16 +12,17 @@
 
 namespace framesink {
 
-// Where planes and output lie. The planes hold exactly the samples that may be read and the output
-// exactly the bytes that the caller must provide, so a touch beyond ends the process or shows in
-// the guard bytes. Writing to the planes ends the process, too.
+// Where planes and output lie. The planes hold exactly the samples that the kernel may read, the
+// output exactly the bytes that the caller must provide. An access beyond either ends the process
+// or changes the guard bytes; a write to the planes ends the process.
 struct Placement {
-  enum Side { kAtEnd, kAtBegin } side = kAtEnd;  // of memory that ends, or begins, at a guard page
-  std::size_t planeOffset = 0;                   // samples away from that page
-  std::size_t outputOffset = 0;                  // bytes away from it
+  // Whether to place them at the end or at the beginning of the guarded memory.
+  enum Side { kAtEnd, kAtBegin } side = kAtEnd;
+  std::size_t planeOffset = 0;   // distance from the guard page, in samples
+  std::size_t outputOffset = 0;  // distance from the guard page, in bytes
 };
 
-// Checks one kernel. Memory is kept from frame to frame.
+// Checks one kernel. The memory is allocated once, for all frames.
 class KernelCheck {
  public:
   // No frame may need more than `largestPlane` samples or `largestOutput` bytes, offsets included.
@@ -32,11 +33,11 @@ class KernelCheck {
   // Where to write the samples of plane 0, 1 or 2 for the next check.
   std::uint8_t* plane(std::size_t number, const oracle::Frame& frame, Placement placement);
 
-  // What the output holds before, byte by byte; a kernel leaves alone what the oracle leaves alone.
+  // What the output holds before the kernel runs. Bytes that the oracle leaves alone must keep it.
   std::vector<std::uint8_t>& background() { return background_; }
 
-  // Runs the oracle, and the kernel on each instruction set. Empty when all agree, else the first
-  // difference.
+  // Runs the oracle, and the kernel on each instruction set. Returns a description of the first
+  // difference, or an empty string.
   std::string difference(const oracle::Frame& frame, Placement placement);
 
  private:

@@ -1,4 +1,4 @@
-// Every kernel against the oracle, byte for byte, on frames of every shape and in every place.
+// Compares every kernel with the oracle byte for byte, for frames of many shapes and places.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,8 +41,8 @@ std::vector<Frame> framesOfEveryShape() {
   return frames;
 }
 
-// At a guard page on either side, and somewhere off it: over many frames at each of the 16 output
-// offsets and with planes at odd and even numbers of samples.
+// Against the guard page at either end, and once away from both. Over many frames, `turn` takes the
+// output through all 16 offsets and the planes through odd and even ones.
 std::vector<Placement> placements(std::size_t turn) {
   return {{.side = Placement::kAtEnd},
           {.side = Placement::kAtBegin},

@@ -55,7 +55,7 @@ TEST(KernelSelection, DataTypeAboveEightGivesNull) {
   }
 }
 
-// Boolean shares its sample size with uint8 but is scaled, not copied.
+// Booleans have the sample size of uint8 but are scaled instead of copied.
 TEST(KernelSelection, DataTypeEightGivesTheBooleanRgbKernel) {
   const std::uint8_t sample = 1;
   std::array<std::uint8_t, 3> out{7, 7, 7};
@@ -93,7 +93,7 @@ TEST(KernelSelection, UnknownOutputFormatGivesNull) {
   }
 }
 
-// The intensity kernel must not look at its second and third plane: they are null here.
+// The second and third plane are null: the intensity kernel must not read them.
 TEST(KernelSelection, IntensityForwardsItsFirstPlaneThreeTimesToTheRgbKernel) {
   std::mt19937 random(2);
   for (std::uint32_t dataType = 0; dataType < kDataTypeCount; ++dataType) {
@@ -118,10 +118,11 @@ TEST(KernelSelection, AllocatesNothing) {
 }
 
 TEST(KernelSelection, KernelsAllocateNothing) {
-  const std::vector<double> plane(70 * 9 + 1, 0.25);  // overlapping pairs reach one past an end
+  // Overlapping pairs read one sample past the end.
+  const std::vector<double> plane(70 * 9 + 1, 0.25);
   std::vector<std::uint8_t> out(4 * plane.size());
   const std::size_t before = test::allocationCount();
-  ASSERT_GT(before, 0U);  // The counter counts: the two vectors above are in it.
+  ASSERT_GT(before, 0U);  // The counter works: it has counted the two vectors above.
   forEachKernel([&](ConversionKernel kernel) {
     for (const std::int32_t layout : {1, 0}) {
       kernel(plane.data(), plane.data(), plane.data(), out.data(), 70, 9, layout);
@@ -130,7 +131,7 @@ TEST(KernelSelection, KernelsAllocateNothing) {
   EXPECT_EQ(test::allocationCount(), before);
 }
 
-// Each thread selects and runs every kernel on its own output, all at the same time.
+// Each thread selects and runs every kernel at the same time as the others, into its own output.
 TEST(KernelSelection, SelectionAndKernelsRunInSeveralThreadsAtOnce) {
   const std::vector<double> plane(70 * 9, 0.25);
   const auto convertAll = [&plane](std::vector<std::uint8_t>& outputs) {
@@ -149,7 +150,7 @@ TEST(KernelSelection, SelectionAndKernelsRunInSeveralThreadsAtOnce) {
   for (const auto& output : outputs) EXPECT_TRUE(output == expected);
 }
 
-// So that a check on every instruction set is not the same one again and again.
+// Otherwise a check "on every instruction set" would run the same code several times.
 TEST(InstructionSets, EachHasRowScalersOfItsOwn) {
   std::set<const void*> scalers;
   for (const InstructionSet& set : instructionSets()) {

@@ -1,5 +1,5 @@
-// Kernels keep no state: threads may convert at the same time, the very first calls included, in
-// which Highway looks what the machine has. The thread sanitizer watches.
+// Kernels keep no state, so threads may convert at the same time. That includes the process's first
+// calls, in which Highway detects the processor. Meant to run under the thread sanitizer.
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -11,7 +11,7 @@ namespace {
 
 // ---- one sample ----
 
-// Truncation toward zero, with the answer of x86 for what does not fit.
+// Truncates toward zero. NaN and values outside 32 bits give INT32_MIN, as on x86.
 std::int32_t truncateToInt32(double value) {
   if (!(value > -2147483649.0 && value < 2147483648.0)) {
     return std::numeric_limits<std::int32_t>::min();
@@ -26,7 +26,7 @@ std::uint32_t scale(float x, float min, float max) {
   return static_cast<std::uint32_t>(std::clamp(rounded, 0, 255));
 }
 
-// Sample converts pixkit's plain char ends of int8 to signed ones.
+// The cast to Sample is for int8: pixkit declares its ends as plain char, which may be unsigned.
 template <class Sample, int N>
 std::uint32_t scaleInRange(const void* sample) {
   return scale(static_cast<float>(*static_cast<const Sample*>(sample)),
@@ -73,7 +73,7 @@ void rgbToPlanes(const Plane& red, const Plane& green, const Plane& blue, std::u
     }
     return;
   }
-  // Every column is written over the one before; the first column of the output keeps the last one.
+  // Each column overwrites the one before, so the first output column ends up with the last one.
   for (std::int64_t j = 0; j < frame.width; ++j) {
     for (std::int64_t i = 0; i < frame.height; ++i) {
       const std::int64_t e = j * frame.height + i;
@@ -102,7 +102,7 @@ void ycbcrToPlanes(const Plane& luma, const Plane& cb, const Plane& cr, std::uin
     out[n + e] = pixel.green;
     out[2 * n + e] = pixel.blue;
   };
-  // The last column of an odd width belongs to no pair and is left alone.
+  // The last column of an odd width belongs to no pair, so its output keeps what it held.
   for (std::int64_t k = 0; k < frame.width / 2; ++k) {
     for (std::int64_t i = 0; i < height; ++i) {
       const std::int64_t first = 2 * k * height + i;
@@ -114,8 +114,8 @@ void ycbcrToPlanes(const Plane& luma, const Plane& cb, const Plane& cr, std::uin
   }
 }
 
-// Row-major planes to packed B, G, R. Lines begin `width` bytes apart, so each later one covers the
-// last two thirds of the one before.
+// Row-major planes to packed B, G, R. Lines start only `width` bytes apart, so each line overwrites
+// the last two thirds of the one before.
 void ycbcrToPackedLines(const Plane& luma, const Plane& cb, const Plane& cr, std::uint8_t* out,
                         const Frame& frame) {
   const std::int64_t width = frame.width;
@@ -164,13 +164,13 @@ std::int32_t crOf(std::int32_t red, std::int32_t green, std::int32_t blue) {
 
 std::int32_t lumaOfIntensity(std::int32_t intensity) { return ((219 * intensity + 128) >> 8) + 16; }
 
-// A negative width has neither pairs nor a last odd pixel.
+// A negative width has no odd pixel: its remainder is -1 or 0.
 bool hasOddPixel(const Frame& frame) { return frame.width % 2 == 1; }
 
 void rgbToYuy2(const Plane& red, const Plane& green, const Plane& blue, std::uint8_t* out,
                const Frame& frame) {
   Yuy2Writer writer(out);
-  // The second pixel lends its luma only.
+  // The second pixel contributes only its luma.
   const auto pair = [&](std::int64_t p, std::int64_t q) {
     writer.group(lumaOf(red[p], green[p], blue[p]), cbOf(red[p], green[p], blue[p]),
                  lumaOf(red[q], green[q], blue[q]), crOf(red[p], green[p], blue[p]));
@@ -184,7 +184,7 @@ void rgbToYuy2(const Plane& red, const Plane& green, const Plane& blue, std::uin
       }
       if (hasOddPixel(frame)) pair(r + (width - 1) * height, r + (width - 1) * height);
     } else {
-      // Pairs overlap: (0,1), (1,2), (2,3) and so on, as many as the even width has pixels.
+      // Pairs overlap: (0,1), (1,2), (2,3), ... There are as many as the even width has pixels.
       for (std::int64_t k = 0; k < width / 2 * 2; ++k) pair(r * width + k, r * width + k + 1);
       if (hasOddPixel(frame)) pair(r * width + width - 1, r * width + width - 1);
     }
@@ -196,7 +196,7 @@ void intensityToYuy2(const Plane& intensity, std::uint8_t* out, const Frame& fra
   const auto pair = [&](std::int32_t y0, std::int32_t y1) { writer.group(y0, 128, y1, 128); };
   const std::int64_t width = frame.width;
   const std::int64_t height = frame.height;
-  std::int64_t unread = 0;  // Row-major only: not moved past the odd sample of a line.
+  std::int64_t unread = 0;  // Row-major only. Does not advance past the odd sample of a line.
   for (std::int64_t r = 0; r < height; ++r) {
     if (frame.layout != 0) {
       for (std::int64_t k = 0; k < width / 2; ++k) {

@@ -1,6 +1,6 @@
-// The conversion rules once more, as plainly as they can be put: one sample, one pixel, one byte at
-// a time. Kernels are held against this byte for byte; it shares no code with them. The ranges of
-// the sample types are pixkit's, read at each call, so that any pixkit may stand behind it.
+// Restates the conversion rules as plainly as possible: one sample, one pixel, one byte at a time.
+// Tests compare kernels with it byte for byte, so it shares no code with them. It reads the ranges
+// of the sample types from pixkit at each call, so it works with any pixkit.
 #pragma once
 
 #include <array>
@@ -15,8 +15,8 @@ struct Frame {
   std::int32_t layout;
 };
 
-// What converting one frame may touch: samples read from each plane, bytes of the output that the
-// caller must provide (not all of them need be written).
+// What converting one frame may touch: the samples read from each plane, and the output bytes that
+// the caller must provide. Not all of those are written.
 struct Extents {
   std::array<std::size_t, 3> planeSamples;
   std::size_t outputBytes;
@@ -30,7 +30,7 @@ struct Family {
   Extents (*extents)(const Frame& frame);
 };
 
-// All families: those that write RGB planes first, then those that write packed YUY2.
+// All families: first those that write RGB planes, then those that write packed YUY2.
 extern const std::array<Family, 6> kFamilies;
 
 inline constexpr std::uint32_t kTypeCount = 9;
@@ -38,13 +38,13 @@ inline constexpr std::uint32_t kTypeCount = 9;
 std::size_t sampleBytes(std::uint32_t dataType);
 const char* typeName(std::uint32_t dataType);
 
-// The 8-bit value of the sample at `sample`.
+// The 8-bit value of the sample of type `dataType` at `sample`.
 std::uint32_t scaleTo8Bit(std::uint32_t dataType, const void* sample);
 
-// One triple in place, not clamped.
+// Converts one triple in place, without clamping.
 void ycbcrToRgb(std::int32_t& y, std::int32_t& cb, std::int32_t& cr);
 
-// What the kernel of (family, dataType) has to do.
+// Does what the kernel of (family, dataType) must do.
 void convert(const Family& family, std::uint32_t dataType, const std::array<const void*, 3>& planes,
              std::uint8_t* out, const Frame& frame);
 

@@ -1,4 +1,4 @@
-// The oracle against bytes written out by hand, where no kernel test has done so already.
+// The oracle against bytes written out by hand, where no kernel test covers them already.
 #include "oracle.hpp"
 
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ TEST(Oracle, Yuy2PairsTakeTheirChromaFromTheFirstPixel) {
 }
 
 TEST(Oracle, RowMajorRgbPairsOverlapInYuy2) {
-  // Line of red, white, blue, as above: (red, white), (white, blue), then blue alone.
+  // One line of red, white, blue, with the values above: (red, white), (white, blue), blue alone.
   EXPECT_EQ(convertUint8(kRgbToYuy2, {{255, 255, 0}, {0, 255, 0}, {0, 255, 255}}, {3, 1, 0}),
             (Bytes{81, 90, 234, 240, 234, 128, 41, 128, 41, 240, 41, 110}));
 }
@@ -55,12 +55,12 @@ TEST(Oracle, RgbToYuy2IsColumnMajorForLayout1Only) {
 }
 
 TEST(Oracle, RowMajorIntensityMapsTheSecondLumaTwice) {
-  // 255 becomes 234, and 234 becomes 216.
+  // Luma of 255 is 234; luma of that is 216.
   EXPECT_EQ(convertUint8(kIntensityToYuy2, {{255, 255}}, {2, 1, 0}), (Bytes{234, 128, 216, 128}));
 }
 
 TEST(Oracle, RowMajorIntensityOfOddWidthRunsAheadForItsLastPixel) {
-  // Line 0: pair (0, 1), last pixel at 2 + 2. Line 1: pair (2, 3), last pixel at 4 + 2 + 3.
+  // Line 0: pair (0, 1), last pixel at 2 + 2 = 4. Line 1: pair (2, 3), last pixel at 4 + 2 + 3 = 9.
   Bytes plane(10, 0);
   plane[4] = plane[9] = 255;
   EXPECT_EQ(convertUint8(kIntensityToYuy2, {plane}, {3, 2, 0}),
@@ -83,7 +83,8 @@ TEST(Oracle, RowMajorYcbcrRunsOnFromLineToLine) {
             (Bytes{1, 7, 2, 10, 3, 8, 4, 11, 5, 9, 6, 12}));
 }
 
-// With planes and output of exactly the extents, the address sanitizer sees any access beyond them.
+// Planes and output have exactly the size of the extents, so that the address sanitizer reports any
+// access beyond them.
 TEST(Oracle, StaysWithinTheExtentsOfEachFamily) {
   for (const Family& family : kFamilies) {
     for (const std::int32_t layout : {1, 0, 2}) {
@@ -101,7 +102,7 @@ TEST(Oracle, StaysWithinTheExtentsOfEachFamily) {
   }
 }
 
-// YUY2 is contiguous: every byte of the extents is written.
+// YUY2 output has no gaps, so every byte of it is written.
 TEST(Oracle, FillsTheWholeYuy2Output) {
   for (const Family* family : {&kRgbToYuy2, &kIntensityToYuy2, &kYcbcrToYuy2}) {
     for (const std::int32_t layout : {1, 0, 2}) {

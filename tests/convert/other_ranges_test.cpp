@@ -1,5 +1,5 @@
-// What sample scaling gives with ranges that are not the natural ones. The two suites need a pixkit
-// that declares those ranges, and run only with it: see CMakeLists.txt.
+// Sample scaling with ranges other than the natural ones. Each suite runs only with the pixkit that
+// declares its ranges: see CMakeLists.txt.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -62,7 +62,8 @@ TEST(OtherRanges, Uint8IsReturnedUnchanged) {
 
 TEST(OtherRanges, BooleanOneOfARangeUpToFourGives64) { EXPECT_EQ(scaleTo8Bit<kBoolean>(1), 64U); }
 
-// -1.91999997 lies at 8.5000014 steps of the range; as singles, sample and ends put it below 8.5.
+// -1.91999997 lies at 8.5000014 of 255 steps. With sample and ends narrowed to single precision it
+// lies below 8.5 and rounds down.
 TEST(OtherRanges, DoubleSampleAndEndsAreNarrowedBeforeTheyAreSubtracted) {
   EXPECT_EQ(scaleTo8Bit<kDouble>(-1.91999997), 8U);
   EXPECT_EQ(scaleTo8Bit<kDouble>(-1.9199), 9U);
@@ -100,7 +101,7 @@ TEST(NarrowRanges, SpanWithoutAFiniteReciprocalIsStillDividedBy) {
   EXPECT_EQ(scaleTo8Bit<kSingle>(0.0F), 0U);
   EXPECT_EQ(scaleTo8Bit<kSingle>(0x1p-141F), 128U);
   EXPECT_EQ(scaleTo8Bit<kSingle>(0x1p-140F), 255U);
-  EXPECT_EQ(scaleTo8Bit<kSingle>(1.0F), 0U);  // Infinitely far above.
+  EXPECT_EQ(scaleTo8Bit<kSingle>(1.0F), 0U);  // the division gives infinity
 }
 
 TEST(NarrowRanges, EndsOfSpansThatArePowersOfTwoGive0And255) {

@@ -41,7 +41,7 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 enum class Part { kProse, kFenced };
 
-// The lines of the page's prose, or those of its drawings and formulas, which stand in fences.
+// The lines inside the page's fences (drawings and formulas), or those outside them.
 std::vector<std::string> linesOf(Part part) {
   std::vector<std::string> lines;
   bool fenced = false;
@@ -55,13 +55,13 @@ std::vector<std::string> linesOf(Part part) {
 
 using Matches = std::vector<std::smatch>;
 
-// Every place of `text` that the expression matches. `text` must outlive the result.
+// All matches of the expression. They point into `text`, which must outlive them.
 Matches matchesIn(const std::string& text, const std::string& expression) {
   const std::regex regex(expression);
   return {std::sregex_iterator(text.begin(), text.end(), regex), {}};
 }
 
-// The cells of a table's row, without their code marks.
+// The cells of a table row, without back quotes.
 std::vector<std::string> cellsOf(const std::string& row) {
   std::vector<std::string> cells;
   for (const std::smatch& cell : matchesIn(row, R"(\|\s*`?([^|`]*?)`?\s*(?=\|))")) {
@@ -70,7 +70,7 @@ std::vector<std::string> cellsOf(const std::string& row) {
   return cells;
 }
 
-// The rows of the table whose head begins so, without head and rule.
+// The rows of the table whose header starts with `head`, without the header and the rule below it.
 std::vector<std::vector<std::string>> tableBelow(const std::string& head) {
   const std::vector<std::string> lines = linesOf(pageText());
   auto line = std::ranges::find_if(lines, [&](const auto& text) { return text.starts_with(head); });
@@ -93,7 +93,7 @@ struct Type {
   std::uint32_t (*scaled)(double);
   double min;
   double max;
-  bool isWhole;  // holds whole numbers only
+  bool isWhole;
   double smallest;
   double largest;
 };
@@ -148,7 +148,7 @@ TEST(NaturalPixelFormatsPage, TheTableOfValuesIsTrue) {
   }
 }
 
-// Such as `uint16 4095 -> 16`.
+// The page gives samples in the form `uint16 4095 -> 16`.
 TEST(NaturalPixelFormatsPage, EverySampleInTheTextBecomesWhatThePageSays) {
   const std::string page = pageText();
   const Matches samples = matchesIn(page, R"(`([a-z0-9]+) (\S+) -> (\d+)`)");
@@ -162,7 +162,7 @@ TEST(NaturalPixelFormatsPage, EverySampleInTheTextBecomesWhatThePageSays) {
   }
 }
 
-// The formula as the page gives it, with its own constants.
+// Computes the formula with the constants that the page prints in it.
 TEST(NaturalPixelFormatsPage, TheFormulaIsTheRule) {
   const std::string page = pageText();
   const Matches formulas = matchesIn(
@@ -192,7 +192,7 @@ Triple tripleIn(const std::string& cell) {
   return triple;
 }
 
-// What kernels make of one pair of pixels of that colour.
+// What kernels make of a pair of pixels of that colour.
 Triple rgbOf(const Triple& ycbcr) {
   const std::uint8_t y[]{static_cast<std::uint8_t>(ycbcr[0]), static_cast<std::uint8_t>(ycbcr[0])};
   const auto cb = static_cast<std::uint8_t>(ycbcr[1]);
@@ -266,7 +266,7 @@ std::vector<std::string> wordsAfter(const std::string& pattern) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
-// The pixels of the drawing as samples, found again where the kernel reads them.
+// Fills a plane as the drawing says and looks for each sample where the kernel reads that pixel.
 TEST(PixelFormatsPage, TheDrawingOfAPlaneIsTrue) {
   const auto samples = wordsAfter(R"(sample ([ \d]+)\n)");
   const auto pixels = wordsAfter(R"(pixel ([ \d]+)\n)");
@@ -276,7 +276,7 @@ TEST(PixelFormatsPage, TheDrawingOfAPlaneIsTrue) {
   for (std::size_t i = 0; i < 6; ++i) {
     plane[std::stoul(samples[i])] = static_cast<std::uint8_t>(std::stoul(pixels[i]));
   }
-  std::vector<std::uint8_t> packed(16);  // row by row, every pixel's value in a luma byte
+  std::vector<std::uint8_t> packed(16);  // row by row; the luma byte of a pixel holds its value
   const std::vector<std::uint8_t> chroma(4);
   plane.resize(8);
   selectConversionKernel(kInputYcbcr422, kOutputYuy2, kUint8)(
@@ -291,7 +291,7 @@ TEST(PixelFormatsPage, TheDrawingOfAPlaneIsTrue) {
   }
 }
 
-// Y13 is luma of row 1, column 3.
+// In the drawing, Y13 is the luma of row 1, column 3.
 TEST(PixelFormatsPage, TheDrawingOfPackedYuy2IsTrue) {
   const auto positions = wordsAfter(R"(byte ([ \d]+)\n)");
   const auto names = wordsAfter(R"(\n +(Y00 [^\n]+)\n)");
@@ -317,8 +317,8 @@ TEST(PixelFormatsPage, TheDrawingOfPackedYuy2IsTrue) {
 
 // ---- nothing else -------------------------------------------------------------------------------
 
-// Outside of tables, samples and drawings, which the tests above check whole, the page holds these
-// figures only: names, and what the sentence around them says of checked ones.
+// The tests above check tables, samples and drawings completely. The rest of the page may hold only
+// these figures, which are names or repeat checked ones.
 TEST(PixelFormatsPage, NoOtherFigureIsOnThePage) {
   std::string rest;
   for (const std::string& line : linesOf(Part::kProse)) {
@@ -352,7 +352,7 @@ TEST(PixelFormatsPage, NoOtherFigureIsOnThePage) {
   EXPECT_TRUE(matchesIn(rest, "\\d").empty()) << rest;
 }
 
-// Every line in a fence is one that a test above reads.
+// Fails if a fence holds a line that none of the tests above reads.
 TEST(PixelFormatsPage, NoOtherDrawingOrFormulaIsOnThePage) {
   const std::vector<std::string> lines = linesOf(Part::kFenced);
   EXPECT_FALSE(lines.empty());

@@ -42,7 +42,7 @@ TEST(PlanesToRgb, AllFivePixelsOfAFiveByOneFrameAreWritten) {
             (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
 }
 
-// Only when all three planes are one is it scaled once.
+// The kernel scales once only if all three planes are the same. Two equal planes are no such case.
 TEST(PlanesToRgb, AnyTwoPlanesMayBeOne) {
   const ConversionKernel kernel = selectConversionKernel(kInputRgb, kOutputRgbPlanes, kUint8);
   const Bytes a{1, 2};
@@ -114,7 +114,7 @@ TEST(PlanesToRgb, ColumnMajorPixelsAreCountedInSigned32Bits) {
   EXPECT_EQ(runToRgb<kUint8>(kInputRgb, planes, Bytes(3, 99), {65536, 32768}), Bytes(3, 99));
 }
 
-// Only the product counts in the column-major path.
+// The column-major path looks only at the product of the sizes.
 TEST(PlanesToRgb, ColumnMajorFrameOfTwoNegativeSizesIsConvertedByTheirProduct) {
   const Planes<kUint8> planes{
       {{1, 2, 3, 4, 5, 6}, {7, 8, 9, 10, 11, 12}, {13, 14, 15, 16, 17, 18}}};

@@ -22,7 +22,7 @@ Bytes intensity(const Samples<kUint8>& plane, std::size_t room, FrameShape shape
   return runToYuy2<kUint8>(kInputIntensity, {{plane, {}, {}}}, Bytes(room, 99), shape);
 }
 
-// Frames that give nothing in any layout.
+// Sizes for which no layout produces output.
 constexpr std::pair<std::int32_t, std::int32_t> kEmptySizes[]{
     {2, 0}, {2, -1}, {0, 2}, {-2, 2}, {-3, 2}, {-1, -1}, {kLowest, 1}, {1, kLowest}};
 
@@ -58,14 +58,14 @@ TEST(RgbToYuy2, WidthOneGivesOneGroupALine) {
 }
 
 TEST(RgbToYuy2, PairsOfTheSecondPathOverlap) {
-  // Black, red, blue, white; the last group's second pixel lies one sample past the planes.
+  // Black, red, blue, white. The last group takes its second pixel from one sample past the planes.
   const Planes<kUint8> planes{{{0, 255, 0, 255, 0}, {0, 0, 0, 255, 0}, {0, 0, 255, 255, 255}}};
   EXPECT_EQ(rgb(planes, 16, {4, 1, 0}),
             (Bytes{16, 128, 81, 128, 81, 90, 41, 240, 41, 240, 234, 110, 234, 128, 41, 128}));
 }
 
 TEST(RgbToYuy2, EachLineOfTheSecondPathStartsAtItsOwnFirstPixel) {
-  // Two lines of black, red, blue and white, red, black.
+  // Two lines: black, red, blue; then white, red, black.
   const Planes<kUint8> planes{
       {{0, 255, 0, 255, 255, 0}, {0, 0, 0, 255, 0, 0}, {0, 0, 255, 255, 0, 0}}};
   EXPECT_EQ(rgb(planes, 24, {3, 2, 0}),
@@ -119,8 +119,8 @@ TEST(IntensityToYuy2, TheSecondPathMapsTheSecondLumaTwice) {
             (Bytes{234, 128, 216, 128, 16, 128, 30, 128}));
 }
 
-// Line 0 reads samples 0, 1 and for its last group 2 + 2; line 1 goes on with 2, 3, then
-// 4 + 2 + 3 = 9.
+// Line 0 reads samples 0 and 1, and 2 + 2 = 4 for its last group. Line 1 continues with 2 and 3,
+// and reads 4 + 2 + 3 = 9.
 TEST(IntensityToYuy2, TheSecondPathReadsTheLastSampleOfAnOddWidthFarAhead) {
   EXPECT_EQ(intensity({0, 0, 255, 255, 100, 9, 9, 9, 9, 200}, 16, {3, 2, 0}),
             (Bytes{16, 128, 30, 128, 102, 128, 102, 128, 234, 128, 216, 128, 187, 128, 187, 128}));
@@ -169,9 +169,8 @@ TEST(RgbToYcbcr, ConvertsATripleInPlace) {
 
 TEST(RgbToYcbcr, RoundsTowardMinusInfinityAndDoesNotClamp) {
   std::int32_t y = -1, cb = 0, cr = 3;
-  rgbToYcbcr(
-      y, cb,
-      cr);  // (-65 + 75 + 128) >> 8 = 0; (38 + 336 + 128) >> 8 = 1; (-112 - 54 + 128) >> 8 = -1
+  // (-65 + 75 + 128) >> 8 = 0; (38 + 336 + 128) >> 8 = 1; (-112 - 54 + 128) >> 8 = -1
+  rgbToYcbcr(y, cb, cr);
   EXPECT_EQ((std::array{y, cb, cr}), (std::array{16, 129, 127}));
   y = cb = cr = 1000;
   rgbToYcbcr(y, cb, cr);

@@ -1,6 +1,6 @@
-// The ranges that the tests' pixkits declare. The stand-in's are the natural ones; the others
-// differ from them in every type, so that a range that was written down instead of read gives
-// itself away.
+// The ranges that the tests' pixkits declare. The stand-in declares the natural ones. The other
+// sets differ from those in every type, so that a range that is hard-coded instead of read is
+// noticed.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,8 @@ inline constexpr RangeSet kNaturalRanges{.name = "natural",
                                          .uint32s = wholeType<std::uint32_t>(),
                                          .booleans = {0, 1}};
 
-// Ends that single precision cannot hold, one range upside down, no span a power of two but one.
+// Ends that single precision cannot represent, a reversed range, and only one span that is a power
+// of two.
 inline constexpr RangeSet kOtherRanges{.name = "other",
                                        .doubles = {-2.1, 3.3},
                                        .singles = {10.0F, 20.0F},
@@ -55,8 +56,8 @@ inline constexpr RangeSet kOtherRanges{.name = "other",
                                        .uint32s = {1000, 4000000001U},
                                        .booleans = {0, 4}};
 
-// Equal ends, ends that become equal in single precision, a span without a finite reciprocal, and
-// powers of two that do not begin at zero.
+// Equal ends, ends that are equal in single precision, a span whose reciprocal is infinite, and
+// spans that are powers of two and do not begin at zero.
 inline constexpr RangeSet kNarrowRanges{.name = "narrow",
                                         .doubles = {1.0, 1.0 + 1e-12},
                                         .singles = {0.0F, 0x1p-140F},
@@ -68,8 +69,8 @@ inline constexpr RangeSet kNarrowRanges{.name = "narrow",
                                         .uint32s = {4294967295U, 4294967295U},
                                         .booleans = {1, 1}};
 
-// So wide that what narrowing makes of samples too large for single precision shows; a span that is
-// infinite; ranges upside down.
+// A range wide enough to show how samples too large for single precision are scaled, an infinite
+// span, and reversed ranges.
 inline constexpr RangeSet kWideRanges{.name = "wide",
                                       .doubles = {0.0, 1e38},
                                       .singles = {-3e38F, 3e38F},

@@ -1,5 +1,5 @@
-// Shows whose ranges a run of these tests is really about: FRAMESINK_TEST_RANGES names the set that
-// the loaded pixkit is expected to declare; without it, the natural one.
+// Checks that the loaded pixkit declares the ranges that this run is meant to test:
+// FRAMESINK_TEST_RANGES names the set; without it, the natural one is expected.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

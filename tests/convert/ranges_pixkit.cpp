@@ -1,4 +1,4 @@
-// A pixkit with the ranges of the set that RANGE_SET names. It takes the stand-in's place at load.
+// A pixkit that declares the set RANGE_SET. Tests load it in place of the stand-in.
 #include "pixkit/pixkit.h"
 #include "range_sets.hpp"
 

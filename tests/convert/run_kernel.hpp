@@ -1,4 +1,4 @@
-// Small frames as tests write them down: samples in, bytes out.
+// Runs kernels on small frames that a test writes out.
 #pragma once
 
 #include <array>
@@ -25,7 +25,7 @@ struct FrameShape {
   std::int32_t layout = 1;
 };
 
-// Runs the kernel on an output that holds `before` and returns the output.
+// Runs the kernel on an output buffer that holds `before`; returns what the buffer holds then.
 template <std::uint32_t Id>
 Bytes runKernel(std::int32_t inputKind, std::int32_t outputFormat, const Planes<Id>& planes,
                 Bytes before, FrameShape shape) {

@@ -14,7 +14,7 @@
 namespace framesink::oracle {
 namespace {
 
-// Where 255 times the position in the range, plus 0.5, leaves the 32-bit integers.
+// From this position on (0 to 1 is the range), 255 times the position plus 0.5 exceeds 32 bits.
 constexpr double kPositionPastInt32 = 2147483648.0 / 255.0;
 
 template <class Sample>
@@ -28,7 +28,7 @@ Sample nearestSample(double value) {
   }
 }
 
-// Doubles near `value`: as narrowing to single sees them, and right at the ties of that narrowing.
+// Doubles near `value`: its neighbours in single precision, and those around the ties between them.
 void addNeighbours(std::vector<double>& samples, double value) {
   const double infinity = std::numeric_limits<double>::infinity();
   const auto nearest = static_cast<float>(value);
@@ -51,8 +51,8 @@ void addNeighbours(std::vector<float>& samples, double value) {
   }
 }
 
-// Wide steps because large 32-bit samples are rounded to multiples of up to 256 in single
-// precision.
+// The wide steps are for large 32-bit samples, which single precision rounds to multiples of up to
+// 256.
 template <class Sample>
 void addNeighbours(std::vector<Sample>& samples, double value) {
   for (const double step : {0, 1, 2, 63, 64, 65, 127, 128, 129, 255, 256, 257}) {
@@ -61,7 +61,7 @@ void addNeighbours(std::vector<Sample>& samples, double value) {
   }
 }
 
-// NaNs with payloads, quiet and signalling, and denormals: all by their bits.
+// Quiet and signalling NaNs with payloads, and denormals.
 void addBitPatterns(std::vector<double>& samples) {
   for (const std::uint64_t bits : std::initializer_list<std::uint64_t>{
            0x7FF0000000000001U, 0x7FF8DEADBEEF0001U, 0x7FFFFFFFFFFFFFFFU, 0x000FFFFFFFFFFFFFU,

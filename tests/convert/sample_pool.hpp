@@ -1,5 +1,5 @@
-// Samples worth converting: the ends of the type and of its range, the neighbourhoods of every
-// value at which the 8-bit result changes, what is not a number, and random ones.
+// Samples that find errors: the ends of the type and of its range, the neighbours of every value at
+// which the 8-bit result changes, NaNs and infinities, and random ones.
 #pragma once
 
 #include <cstddef>

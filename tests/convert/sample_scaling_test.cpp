@@ -98,7 +98,7 @@ TEST(NaturalSampleScaling, AboveTheRangeGives255) {
   EXPECT_EQ(scaleTo8Bit<kSingle>(8000000.0F), 255U);
 }
 
-// 8421504 x 255 is the last single below 2^31; the next product rounds to 2^31.
+// 8421504 × 255 is the last such product below 2^31; 8421505 × 255 rounds to 2^31.
 TEST(NaturalSampleScaling, SingleTooFarAboveTheRangeGives0) {
   EXPECT_EQ(scaleTo8Bit<kSingle>(8421504.0F), 255U);
   EXPECT_EQ(scaleTo8Bit<kSingle>(8421505.0F), 0U);
@@ -106,15 +106,15 @@ TEST(NaturalSampleScaling, SingleTooFarAboveTheRangeGives0) {
 }
 
 TEST(NaturalSampleScaling, DoubleTooFarAboveTheRangeGives0) {
-  EXPECT_EQ(scaleTo8Bit<kDouble>(8421504.5), 255U);  // A tie, narrowed to 8421504.
+  EXPECT_EQ(scaleTo8Bit<kDouble>(8421504.5), 255U);  // a tie, which narrowing rounds to 8421504
   EXPECT_EQ(scaleTo8Bit<kDouble>(8421504.6), 0U);
-  EXPECT_EQ(scaleTo8Bit<kDouble>(1e300), 0U);  // Infinite once narrowed.
+  EXPECT_EQ(scaleTo8Bit<kDouble>(1e300), 0U);  // infinite in single precision
 }
 
 TEST(NaturalSampleScaling, HalvesRoundUp) {
   EXPECT_EQ(scaleTo8Bit<kSingle>(0.5F), 128U);
   EXPECT_EQ(scaleTo8Bit<kSingle>(justBelow(0.5F)), 127U);
-  EXPECT_EQ(scaleTo8Bit<kSingle>(2.5F / 255), 3U);  // Times 255 it is 2.5 again: up, not to even.
+  EXPECT_EQ(scaleTo8Bit<kSingle>(2.5F / 255), 3U);  // × 255 is 2.5 again: rounds up, not to even
 }
 
 TEST(NaturalSampleScaling, DoubleIsNarrowedToSingleBeforeItIsScaled) {
@@ -122,7 +122,7 @@ TEST(NaturalSampleScaling, DoubleIsNarrowedToSingleBeforeItIsScaled) {
   EXPECT_EQ(scaleTo8Bit<kDouble>(0.5 - 1e-6), 127U);
 }
 
-// ---- whatever the ranges are ----
+// ---- any ranges ----
 
 TEST(SampleScaling, NanGives0) {
   EXPECT_EQ(scaleTo8Bit<kDouble>(kDoubleNan), 0U);

@@ -1,4 +1,4 @@
-// Every kernel against the oracle, on every sample that there is.
+// Compares every kernel with the oracle for every possible sample.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,14 +16,14 @@ namespace {
 
 using oracle::Frame;
 
-// One block of a walk over the type. Samples of one plane follow one another down its columns.
+// A walk converts the type in frames of this shape; samples follow one another down the columns.
 constexpr Frame kBlock{2048, 128, 1};
 
 class WholeType : public testing::TestWithParam<KernelCase> {
  protected:
-  // The planes walk the type together: each block goes on where the one before ended, and within it
-  // each plane where the plane before ended. Of types of one or two bytes every plane of the first
-  // block holds them all.
+  // The planes walk the type together: plane 1 continues where plane 0 ended, plane 2 where plane 1
+  // ended, and the next block where this one ended. For types of one or two bytes, each plane of
+  // the first block already holds every sample.
   void walk() {
     const oracle::Extents extents = GetParam().family->extents(kBlock);
     KernelCheck check(GetParam(), extents.planeSamples[0], extents.outputBytes);
@@ -61,7 +61,7 @@ void walkSamples() {
 
 class SampleWalk : public testing::TestWithParam<std::uint32_t> {};
 
-// The rule for single samples, which the second paths of the kernels go by.
+// Walks the rule for single samples, which the kernels' second paths use.
 TEST_P(SampleWalk, GivesTheOraclesValueForEverySample) {
   constexpr auto kWalks = tableOfSampleTypes([]<std::uint32_t Id>() { return walkSamples<Id>; });
   kWalks[GetParam()]();
@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(Large, SampleWalk, testing::Values(kDouble, kSingle, kI
 
 class EveryTriple : public testing::TestWithParam<KernelCase> {};
 
-// One frame for each value of the first plane: the others hold every pair of bytes. Pixels that
+// One frame for each value of the first plane; the other two hold every pair of bytes. Pixels that
 // share chroma are equal.
 void walkTriples(const KernelCase& test, const Frame& triples) {
   const oracle::Extents extents = test.family->extents(triples);
@@ -97,7 +97,7 @@ TEST_P(EveryTriple, OfBytesIsConvertedAsTheOracleConvertsIt) {
   walkTriples(GetParam(), {512, 256, 1});
 }
 
-// The second path, where its lines do not overlap.
+// The row-major path, for the families whose lines do not overlap there.
 TEST_P(EveryTriple, OfBytesIsConvertedInRowsToo) {
   if (GetParam().family->outputFormat == kOutputYuy2) walkTriples(GetParam(), {512, 256, 0});
 }

@@ -12,18 +12,18 @@ namespace {
 constexpr std::uint32_t kDoubles = 0;
 constexpr std::uint64_t kSingles = std::uint64_t{1} << 32;
 
-// Magnitudes whose ties are all taken, as bit patterns of singles without their sign.
+// Magnitudes, as bit patterns of singles without sign, above which every tie is taken.
 constexpr std::uint32_t kFirstDense = (127U - 12) << 23;       // 2^-12
 constexpr std::uint32_t kDenseCount = (25U + 12) << 23;        // up to 2^25
 constexpr std::uint32_t kStride = 4099;                        // a prime
 constexpr std::uint32_t kSparseCount = 0x7F800000U / kStride;  // below infinity
 
-// Of each tie: the double below, the tie, the double above; with either sign.
+// For each tie: the double below, the tie and the double above, each with either sign.
 constexpr std::uint64_t kPerTie = 6;
 
 double tieAbove(std::uint32_t magnitude, std::uint64_t kind) {
   const double here = std::bit_cast<float>(magnitude);
-  // The one above the largest single would be 2^128.
+  // Above the largest single is infinity; the tie is with 2^128.
   const double next = magnitude == 0x7F7FFFFFU ? 0x1p128 : std::bit_cast<float>(magnitude + 1);
   const double tie = (here + next) / 2;
   const double sample = kind % 3 == 0   ? std::nextafter(tie, 0.0)
@@ -58,7 +58,7 @@ void fillFromWholeType(std::uint32_t dataType, std::uint64_t first, std::size_t 
       const double sample = doubleNumber(number);
       std::memcpy(plane + i * bytes, &sample, bytes);
     } else {
-      std::memcpy(plane + i * bytes, &number, bytes);  // the low bytes: x86 and ARM alike
+      std::memcpy(plane + i * bytes, &number, bytes);  // the low bytes, on x86 and ARM
     }
     if (++number == size) number = 0;
   }

@@ -1,4 +1,4 @@
-// Samples in numbered order, so that a test can walk a whole type.
+// Numbers the samples of a type, so that a test can walk all of them.
 #pragma once
 
 #include <cstddef>
@@ -6,13 +6,13 @@
 
 namespace framesink {
 
-// How many there are: every bit pattern of a type of up to four bytes. Of doubles, which are
-// narrowed to single precision first: every single, and around the tie between every two
-// neighbouring singles of magnitude 2^-12 to 2^25 the tie and the doubles next to it; of the other
-// magnitudes every 4099th tie.
+// The number of samples: every bit pattern of a type of up to four bytes. Doubles are narrowed to
+// single precision first, so their walk takes every single, and the ties between neighbouring
+// singles together with the doubles next to each tie: every tie of magnitude 2^-12 to 2^25, and
+// every 4099th of all others.
 std::uint64_t wholeTypeSize(std::uint32_t dataType);
 
-// Writes `count` samples from number `first` on; numbers wrap at wholeTypeSize.
+// Writes `count` samples, starting with number `first`; numbers wrap at wholeTypeSize.
 void fillFromWholeType(std::uint32_t dataType, std::uint64_t first, std::size_t count,
                        std::uint8_t* plane);
 

@@ -40,7 +40,7 @@ TEST(WholeTypes, DoublesBeginWithEverySingle) {
   EXPECT_TRUE(std::isnan(samples<double>(0, 0xFFFFFFFFU, 1)[0]));
 }
 
-// The tie above 2^-12 comes first; then the next single's.
+// The first tie is the one above 2^-12, the second belongs to the next single.
 TEST(WholeTypes, DoublesGoOnWithTheTiesOfTheirNarrowing) {
   const auto some = samples<double>(0, 1ULL << 32, 12);
   const double tie = 0x1p-12 + 0x1p-36;
@@ -57,7 +57,7 @@ TEST(WholeTypes, DoublesCoverTheTiesUpTo2To25) {
   const auto last = samples<double>(0, (1ULL << 32) + dense - 6, 7);
   EXPECT_LT(last[2], 0x1p25);
   EXPECT_EQ(static_cast<float>(last[2]), 0x1p25F);
-  EXPECT_LT(last[6], 1e-44);  // and then begin anew, in strides, with the smallest
+  EXPECT_LT(last[6], 1e-44);  // after 2^25 come the sparse ties, the smallest first
 }
 
 TEST(WholeTypes, DoublesEndBelowInfinityAndBeginAgain) {

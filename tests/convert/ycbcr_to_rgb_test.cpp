@@ -19,7 +19,7 @@ Bytes runUint8(const Planes<kUint8>& planes, const Bytes& before, FrameShape sha
   return runToRgb<kUint8>(kInputYcbcr422, planes, before, shape);
 }
 
-// Two pixels of the same y, cb and cr; the R, G and B of the first.
+// Red, green and blue that the kernel gives for two equal pixels.
 Bytes pixelOf(std::uint8_t y, std::uint8_t cb, std::uint8_t cr) {
   const Bytes out = runUint8({{{y, y}, {cb}, {cr}}}, Bytes(6, 99), {2, 1});
   EXPECT_EQ(out[0], out[1]);
@@ -49,7 +49,7 @@ TEST(YcbcrToRgb, AllSamples255GiveClampedRedAndBlue) {
   EXPECT_EQ(pixelOf(255, 255, 255), (Bytes{255, 125, 255}));
 }
 
-// Green from chroma alone: -6419 x 32 and -13320 x 32, each in 2.14.
+// The chroma terms of green: -6419 × 32 and -13320 × 32, in 2.14 fixed point.
 TEST(YcbcrToRgb, CbAndCrBothTakeFromGreen) {
   EXPECT_EQ(pixelOf(126, 160, 128)[1], 116);
   EXPECT_EQ(pixelOf(126, 128, 160)[1], 102);
@@ -150,14 +150,14 @@ TEST(YcbcrToRgb, SecondPathTakesTheChromaOfEachPairOfItsLine) {
             (Bytes{51, 52, 255, 51, 128, 128, 128, 128, 128, 128, 51, 52, 255, 51, 52, 255}));
 }
 
-// Lines begin two bytes apart: of the first one only its first two bytes remain.
+// Lines start two bytes apart, so the second line leaves only the first two bytes of the first.
 TEST(YcbcrToRgb, LinesOfTheSecondPathOverlap) {
   const Planes<kUint8> planes{{{235, 235, 126, 126}, {128, 128}, {128, 128}}};
   EXPECT_EQ(runUint8(planes, Bytes(12, 99), {2, 2, 0}),
             (Bytes{255, 255, 128, 128, 128, 128, 128, 128, 99, 99, 99, 99}));
 }
 
-// The odd pixel of each line is skipped; the next line is read from its own beginning.
+// The odd pixel of a line is skipped; the next line still starts at its own first sample.
 TEST(YcbcrToRgb, SecondPathSkipsTheLastPixelOfAnOddWidth) {
   const Planes<kUint8> planes{{{235, 235, 16, 126, 126, 16}, {128, 128}, {128, 128}}};
   EXPECT_EQ(

@@ -10,12 +10,12 @@ ROOT = Path(__file__).parents[2]
 DOCUMENTS = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md")),
              ROOT / "bindings/python/README.md"]
 FENCE = "```"
-DEADLINE = 120.0  # seconds for what a block computes, on a busy machine
+DEADLINE = 120.0  # seconds that a block may take on a busy machine
 
 
 class Block(NamedTuple):
     document: str
-    line: int  # of its first line of code, counted from 1
+    line: int  # the number of its first line of code, counted from 1
     language: str
     text: str
 
@@ -29,7 +29,7 @@ def name_of(document):
 
 
 def blocks_in(document):
-    """Its fenced blocks from top to bottom."""
+    """The document's fenced blocks from top to bottom."""
     lines = enumerate(document.read_text().splitlines(keepends=True), start=1)
     for number, line in lines:
         if line.startswith(FENCE):
@@ -39,12 +39,12 @@ def blocks_in(document):
                     break
                 code.append(inner)
             else:
-                raise ValueError(f"{name_of(document)}:{number}: a block without an end")
+                raise ValueError(f"{name_of(document)}:{number}: this block has no end")
             yield Block(name_of(document), number + 1, line.rstrip()[len(FENCE):], "".join(code))
 
 
 def running_text(document):
-    """What is in none of its blocks."""
+    """The document without its blocks."""
     return re.sub(f"^{FENCE}.*?^{FENCE}$", "", document.read_text(), flags=re.MULTILINE | re.DOTALL)
 
 
@@ -53,7 +53,7 @@ def all_blocks():
 
 
 def each_block_in(language, not_of=()):
-    """Lets a test run once for each block in that language, and name it."""
+    """Runs a test once for each block in that language, with the block's place as the test's id."""
     blocks = [pytest.param(block, id=block.place) for block in all_blocks()
               if block.language == language and block.document not in not_of]
     return pytest.mark.parametrize("block", blocks)

@@ -1,6 +1,6 @@
-"""Every block of C in the documents compiles without a warning and runs.
+"""Every block of C in the documents compiles without warnings and runs.
 
-A block without a main of its own is the middle of one; CONTEXTS has what stands around it.
+A block without a main function is the middle of a program. CONTEXTS gives the rest.
 """
 
 import os
@@ -29,11 +29,11 @@ CONTEXTS = {
 
 
 def program_of(block):
-    """The block as a program; what the compiler says of it has the document's lines."""
+    """The block as a program. Compiler messages give the document's line numbers."""
     if "int main(" in block.text:
         return f'#line {block.line} "{block.document}"\n{block.text}'
     if block.document not in CONTEXTS:
-        pytest.fail(f"{block.place} is no program: CONTEXTS in c_blocks_test.py must tell what stands around it")
+        pytest.fail(f"{block.place} has no main function: add the rest of the program to CONTEXTS in c_blocks_test.py")
     context = CONTEXTS[block.document]
     lines = block.text.splitlines(keepends=True)
     head = next(number for number, line in enumerate(lines) if line.strip() and not line.startswith("#include"))

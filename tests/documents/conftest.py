@@ -1,4 +1,4 @@
-"""The screen that a file of tests has for the windows of the programs it starts."""
+"""The screen for the windows of the programs that a test file starts."""
 
 import pytest
 

@@ -1,7 +1,7 @@
-"""The commands in the documents' blocks of shell that the tests do not run: why, and what runs them instead."""
+"""The shell commands in the documents that the tests do not run: why not, and what runs them instead."""
 
-CHORE = "a chore: installs packages, builds for minutes"
-BY_HAND = "by hand, before a change that it judges; its name and options are compared with ./dev help"
+CHORE = "installs packages or builds for minutes"
+BY_HAND = "by hand, before a change that it checks; its name and options are compared with ./dev help"
 
 #   command                          why it is not run here                       where it is run
 NOT_RUN_HERE = {

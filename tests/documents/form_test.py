@@ -1,4 +1,4 @@
-"""What a reader may type is in a fenced block that tells its language, so that it is run."""
+"""Everything that a reader may type is in a fenced block that names its language, so that a test runs it."""
 
 import re
 
@@ -6,7 +6,7 @@ import pytest
 
 from blocks import DOCUMENTS, all_blocks, each_block_in, name_of, running_text
 
-LANGUAGES = {"c", "python", "sh", "text"}  # each has a file of tests here; text is looked at only
+LANGUAGES = {"c", "python", "sh", "text"}  # all but text have a test file here that runs their blocks
 COMMAND = re.compile(r"\s*(\$ |\./dev |build/|export |pip |python3 |cmake |ctest |cc |sudo |apt )")
 
 

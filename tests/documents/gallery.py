@@ -1,4 +1,4 @@
-"""Makes the pictures of docs/gallery.md: types the commands below each, and takes a picture of the last frames."""
+"""Makes the pictures of docs/gallery.md: runs the commands below each picture and captures the last frames."""
 
 import subprocess
 import tempfile
@@ -15,13 +15,13 @@ from support.waiting import wait_until
 PAGE = ROOT / "docs/gallery.md"
 FOLDER = ROOT / "docs/images/gallery"
 MARGIN = 12  # pixels around the windows
-STILL = 1.5  # seconds without a change: the last frame
-PATIENCE = 300  # seconds
+STILL = 1.5  # seconds without a change after which a frame is the last one
+PATIENCE = 300  # seconds to wait for the windows, and for the last frame
 
 
 class Picture(NamedTuple):
     name: str
-    titles: set  # of the windows on it
+    titles: set  # titles of the windows in it
     screen: tuple = (1280, 1024)
 
 
@@ -41,7 +41,7 @@ PICTURES = [
 
 
 def block_below(name):
-    """The block of shell that follows the picture on the page."""
+    """The shell block that follows the picture on the page."""
     page = PAGE.read_text()
     line = page[: page.index(f"(images/gallery/{name}.png)")].count("\n") + 1
     return next(block for block in blocks_in(PAGE) if block.line > line)
@@ -74,7 +74,7 @@ def wait_until_still(screen):
 
 
 def take(picture, screen):
-    """The windows and some pixels of the screen around them. Without dates: the same bytes each time."""
+    """Captures the windows and a margin around them. Strips dates, so that the same picture gives the same bytes."""
     left, top, right, bottom = screen.outline()
     left, top = max(left - MARGIN, 0), max(top - MARGIN, 0)
     part = f"{right + MARGIN - left}x{bottom + MARGIN - top}+{left}+{top}"

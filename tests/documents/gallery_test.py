@@ -1,4 +1,4 @@
-"""docs/gallery.md names the pictures that ./dev gallery makes, and its commands show them."""
+"""docs/gallery.md has the pictures that ./dev gallery makes, and its commands open their windows."""
 
 import re
 

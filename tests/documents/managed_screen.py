@@ -1,4 +1,4 @@
-"""A screen with a window manager: windows have frames with their titles."""
+"""A screen with a window manager, so that windows have frames with titles."""
 
 import subprocess
 
@@ -7,7 +7,7 @@ from Xlib import X
 from support.screen import Screen
 from support.waiting import wait_until
 
-DESKTOP = 0x56606B  # so that black borders of pictures can be told from it
+DESKTOP = 0x56606B  # a colour that black borders of pictures stand out from
 
 
 class ManagedScreen(Screen):
@@ -35,7 +35,7 @@ class ManagedScreen(Screen):
         return {self._title(window): window for window in windows}
 
     def outline(self):
-        """Left, top, right and bottom of all windows with their frames."""
+        """Left, top, right and bottom of the area that all windows with their frames cover."""
         places = [self._outline_of(window) for window in self.windows().values()]
         lefts, tops, rights, bottoms = zip(*places)
         return min(lefts), min(tops), max(rights), max(bottoms)

@@ -1,4 +1,4 @@
-"""What running text mentions is there: chores, tests, variables, and what links lead to."""
+"""Everything that running text mentions exists: commands, tests, variables and the targets of links."""
 
 import os
 import re
@@ -17,7 +17,7 @@ SOURCES = ["CMakeLists.txt", "CMakePresets.json", "bench", "bindings", "cmake", 
 
 
 def mentions(pattern):
-    """Runs a test for each piece of `code` that matches as a whole."""
+    """Runs a test for each piece of `code` that matches the pattern completely."""
     found = [pytest.param(code, id=f"{name_of(document)}:{code}") for document in DOCUMENTS
              for code in sorted(set(re.findall("`([^`\n]+)`", running_text(document)))) if re.fullmatch(pattern, code)]
     return pytest.mark.parametrize("code", found)
@@ -62,6 +62,6 @@ def leads_somewhere(document, link):
 
 
 def headings(document):
-    """As links name them."""
+    """The document's headings in the form that links use."""
     titles = re.findall(r"^#+ (.*)$", running_text(document), re.MULTILINE)
     return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}

@@ -12,7 +12,7 @@ def test_the_pages_that_should_have_python_have_some():
 
 @each_block_in("python")
 def test_a_block_runs(screen, block):
-    # The blank lines let a traceback tell the document's own lines.
+    # The blank lines make a traceback give the document's line numbers.
     program = "\n" * (block.line - 1) + block.text
     status, output, complaints = programs.end(programs.start_python(screen, "-c", program), DEADLINE)
     assert (status, complaints) == (0, "")

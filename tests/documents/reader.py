@@ -1,4 +1,4 @@
-"""A reader who types a block of shell in a clean clone that has been built, and closes the windows that come up."""
+"""Acts like a reader who types a shell block in a clean clone that is built, and closes the windows that open."""
 
 import os
 import re
@@ -17,37 +17,37 @@ class Outcome(NamedTuple):
     status: int
     output: str
     complaints: str
-    titles: set  # of the windows that showed something
+    titles: set  # titles of the windows that showed something
 
 
 def commands_of(block):
-    """Its commands without the comments; a command may go on in the next line."""
+    """The block's commands without comments. A command may continue on the next line."""
     lines = (re.sub(r"(^|\s+)#.*", "", line) for line in block.text.replace("\\\n", "").splitlines())
     return [re.sub(r"\s+", " ", line) for line in lines if line.strip()]
 
 
 def make_clone(folder):
-    """The project in `folder`, with the build of these tests as the release build."""
+    """Puts the project into `folder`, with the build that these tests use as its release build."""
     for entry in ROOT.iterdir():
         if entry.name not in ("build", ".git"):
             (folder / entry.name).symlink_to(entry)
     (folder / "build").mkdir()
     (folder / "build/release").symlink_to(BUILD)
     (folder / ".tools").mkdir()
-    python = folder / ".tools/python3"  # Debian's, whatever else there is
+    python = folder / ".tools/python3"  # Debian's Python, whatever else is installed
     python.write_text(f'#!/bin/sh\nexec {sys.executable} "$@"\n')
     python.chmod(0o755)
 
 
 def start(commands, clone, screen):
-    """Runs the commands one after another in one shell, which ends with the first that fails. For kill_group()."""
+    """Runs the commands in one shell, which ends at the first that fails. End it with kill_group()."""
     tell = """trap 'printf "%s failed\\n" "$BASH_COMMAND" >&2' ERR"""
     script = "\n".join(["set -eE", tell, f"cd '{clone}'", f"PATH='{clone}/.tools':$PATH", *commands])
     return programs.start(["bash", "-c", script], screen.environment, process_group=0)
 
 
 def type_in(commands, clone, screen, titles=frozenset()):
-    """Runs them and, when the windows of these titles have shown something, closes all that do."""
+    """Runs the commands. Once the windows with these titles have shown something, closes all such windows."""
     program = start(commands, clone, screen)
     seen = set()
 
@@ -57,14 +57,14 @@ def type_in(commands, clone, screen, titles=frozenset()):
         return program.poll() is not None
 
     try:
-        assert wait_until(has_ended, DEADLINE), f"it does not end; these windows came: {sorted(seen)}"
+        assert wait_until(has_ended, DEADLINE), f"the commands do not end; these windows opened: {sorted(seen)}"
         return Outcome(*programs.end(program), seen)
     finally:
         programs.kill_group(program)
 
 
 def look(screen, seen):
-    """Adds to `seen` the titles of the windows that show something, and returns it."""
+    """Adds the titles of the windows that show something to `seen` and returns it."""
     for title, window in screen.windows().items():
         picture = screen.picture_of(window)
         if picture is not None and picture.any():

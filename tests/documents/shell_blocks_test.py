@@ -1,4 +1,4 @@
-"""Every command in the documents' blocks of shell runs, or is told in elsewhere.py."""
+"""Every command in the documents' shell blocks runs, or is listed in elsewhere.py."""
 
 import re
 import subprocess
@@ -10,28 +10,28 @@ from blocks import all_blocks, each_block_in
 from chores import is_chore
 from elsewhere import NOT_RUN_HERE
 
-# These may install or build; running one that is new to the documents is not left to chance.
+# Commands that may install or build. A new one in the documents must be listed in elsewhere.py.
 HEAVY = re.compile(r"(\./dev(?! help)|sudo|apt(-get)?|pip3?|cmake|ctest)\b")
 
 
 @pytest.fixture
 def clone(tmp_path):
-    """Has a clip, as the reader has one."""
+    """A clone with a video clip, which some commands play."""
     reader.make_clone(tmp_path)
     subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc2=size=320x240:rate=25", "-frames:v", "5",
                     str(tmp_path / "clip.mp4")], check=True)
     return tmp_path
 
 
-# The gallery's are typed by gallery_test.py, which knows their windows.
+# gallery_test.py runs the gallery's commands, because it knows their windows.
 @each_block_in("sh", not_of=["docs/gallery.md"])
 def test_a_block_runs(screen, clone, block):
     commands = [command for command in reader.commands_of(block) if command not in NOT_RUN_HERE]
     heavy = [command for command in commands if HEAVY.match(command)]
-    assert heavy == [], "elsewhere.py must tell why this is not run here, and where it is"
+    assert heavy == [], "list it in elsewhere.py, with why it is not run here and where it is run"
     outcome = reader.type_in(commands, clone, screen)
     assert outcome.status == 0, outcome.complaints
-    assert "Could not" not in outcome.complaints  # so the library's own complaints begin
+    assert "Could not" not in outcome.complaints  # the library's error messages begin like this
 
 
 def test_nothing_is_left_out_that_no_document_has():

@@ -1,4 +1,4 @@
-"""The walls of docs/architecture.md stand: no include crosses one, and no circle of units is closed."""
+"""Checks the walls of docs/architecture.md: no include crosses a wall, and no units include each other in a circle."""
 
 import re
 from graphlib import CycleError, TopologicalSorter
@@ -8,19 +8,19 @@ import pytest
 from blocks import ROOT
 
 PLAN = ROOT / "docs" / "architecture.md"
-# Where includes are looked up, as the build does.
+# Where the build looks up includes.
 INCLUDE_FOLDERS = ["src", "include", "pixkit/include", "tools/framesink-play"]
 
 
 def walls():
-    """Which rooms each room may include, as the plan has it: lines `room -> room room`."""
+    """Which rooms each room may include. The document lists them in lines `room -> room room`."""
     block = re.search(r"\n## Walls\n.*?```text\n(.*?)```", PLAN.read_text(), re.DOTALL)[1]
     lines = [line.split("->") for line in block.splitlines()]
     return {room.strip(): allowed.split() for room, allowed in lines}
 
 
 def room_of(path):
-    """The innermost room of the plan that the file is in."""
+    """The innermost room of the document that holds the file."""
     rooms = [room for room in walls() if path.is_relative_to(ROOT / room)]
     return max(rooms, key=len, default=None)
 
@@ -31,15 +31,15 @@ def sources():
 
 
 def includes_of(path):
-    """Our own files that a file includes."""
+    """The project's own files that a file includes."""
     for name in re.findall(r'^#include "([^"]+)"', path.read_text(), re.MULTILINE):
         found = [folder for folder in [path.parent, *(ROOT / f for f in INCLUDE_FOLDERS)] if (folder / name).is_file()]
-        assert found, f"{path} includes {name}, which is nowhere"
+        assert found, f"{path} includes {name}, which does not exist"
         yield (found[0] / name).resolve()
 
 
 def unit_of(path):
-    """A header and its source are one unit, whatever platform the source is for."""
+    """The unit of a file. A header and its sources for all platforms are one unit."""
     return path.parent / re.sub(r"_(posix|windows)$|-inl$", "", path.stem)
 
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-// The ranges of plain char are those of signed 8-bit samples.
+// Ranges of plain char are meant for signed 8-bit samples.
 template <int N>
 using SampleOf =
     std::conditional_t<N == 2, std::int8_t, std::remove_const_t<decltype(videoTraits<N>::min)>>;
@@ -84,7 +84,7 @@ TEST(EightBitTable, HoldsTheNearestSampleOfEachValue) {
   });
 }
 
-// Boolean is left out: it has two samples for 256 values.
+// Without booleans, which have two samples for 256 values.
 TEST(EightBitTable, IsScaledBackToItsIndex) {
   forTypes<0, 1, 2, 3, 4, 5, 6, 7>([]<int N>() {
     for (std::size_t v = 0; v < 256; ++v) {
@@ -135,7 +135,7 @@ std::vector<T> converted(const std::vector<double>& source) {
 template <class T>
 class DoubleToFixOf : public testing::Test {
  public:
-  // The double that stands for the number `value`.
+  // The double that converts to `value`.
   static double doubleOf(double value) {
     constexpr double kMin = std::numeric_limits<T>::min();
     constexpr double kMax = std::numeric_limits<T>::max();

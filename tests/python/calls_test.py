@@ -1,4 +1,4 @@
-"""What reaches the library, seen by the interface without windows."""
+"""What the package passes to the library, as recorded by an interface without windows."""
 
 import gc
 import os
@@ -13,7 +13,7 @@ from support.waiting import DEADLINE, wait_until
 
 
 def pointers(line):
-    """The addresses of a line of planes."""
+    """The addresses in a line that lists planes."""
     return [0 if word == "(nil)" else int(word, 16) for word in line.split()[1:]]
 
 
@@ -27,7 +27,7 @@ def address(array):
 
 @pytest.fixture
 def addresses(monkeypatch):
-    """Has the stub note the addresses of planes; their first byte must not be zero."""
+    """Makes the stub note the addresses of planes. Their first byte must not be zero."""
     monkeypatch.setenv("STUB_RENDEZVOUS", "1")
 
 
@@ -89,7 +89,7 @@ def test_other_planes_are_copied_and_counted(stub, addresses, change):
     for _ in range(2):
         display.show(frame)
     first, second = planes(stub)
-    assert first == second  # the memory for copies is the display's
+    assert first == second  # both calls used the memory that the display keeps for copies
     assert not {address(frame[:, :, index]) for index in range(3)} & set(first)
     assert display.copies == 6
 
@@ -125,7 +125,7 @@ def test_a_frame_that_the_library_refuses_raises_the_librarys_words_once(stub, m
     monkeypatch.setenv("STUB_COMPLAINT", "libUpdate")
     with pytest.raises(DisplayError, match="^stub trouble!") as error:
         display.show(np.zeros((3, 4), np.uint8))
-    assert len(str(error.value)) == 1024  # all of it, though it has no end
+    assert len(str(error.value)) == 1024  # the whole buffer, although no zero ends the message
     monkeypatch.delenv("STUB_COMPLAINT")
     display.show(np.zeros((3, 4), np.uint8))
 
@@ -190,7 +190,7 @@ def test_the_library_is_called_by_one_thread_at_a_time(stub, addresses):
 
     threads += in_threads(show_second)
     started.wait(DEADLINE)
-    # The second call has every chance to come in; that it doesn't is seen by the one who is inside.
+    # The second call has time to reach the stub. The first one, which is inside, would notice and note it.
     wait_until(lambda: stub.says("two at once"), 0.2)
     held[0, 0] = 1
     join(threads)

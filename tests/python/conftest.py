@@ -1,4 +1,4 @@
-"""Fixtures: the screen of a test process, and the interface without windows."""
+"""Fixtures: a screen for the test process, and an interface without windows."""
 
 import os
 
@@ -10,8 +10,8 @@ from support.screen import Screen
 
 @pytest.fixture(scope="session")
 def screen():
-    """The screen for the windows of this process and of those that it starts. It stays to the end of the process,
-    for the library keeps its connection as long."""
+    """The screen for the windows of this process and of the programs that it starts. It is never closed, because the
+    library keeps its connection to the end of the process."""
     screen = Screen()
     os.environ.update(screen.environment)
     os.environ.pop("WAYLAND_DISPLAY", None)
@@ -19,7 +19,7 @@ def screen():
 
 
 class Stub:
-    """The interface without windows, and what it was called with."""
+    """An interface without windows, which records its calls."""
 
     def __init__(self, log):
         self.loaded = framesink.load(os.environ["FRAMESINK_STUB"])

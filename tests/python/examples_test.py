@@ -1,4 +1,4 @@
-"""The examples as they are run by hand, and the last frame of each on the screen."""
+"""Runs the examples as a user would, and compares the last frame of each with the screen."""
 
 import importlib.util
 import itertools
@@ -19,7 +19,7 @@ BUILT = Path(os.environ["FRAMESINK_EXAMPLES"])
 
 
 def example(name):
-    """The example as a module, to know what it computes."""
+    """The example as a module, so that a test knows what it computes."""
     spec = importlib.util.spec_from_file_location(name, FOLDER / f"{name}.py")
     module = importlib.util.module_from_spec(spec)
     spec.loader.exec_module(module)
@@ -36,7 +36,7 @@ def enlarged(picture, times):
 
 @pytest.fixture
 def run(screen):
-    """Runs a program, compares its windows, closes one of them; returns its output."""
+    """Runs a program, compares its windows with the expected ones and closes one of them. Returns its output."""
     started = []
 
     def run(command, windows):
@@ -93,7 +93,7 @@ def test_video_filter_of_a_file(run, tmp_path):
                     f"{module.WIDTH}x{module.HEIGHT}", "-i", "-", "-c:v", "ffv1", "-pix_fmt", "bgr0", str(clip)],
                    input=b"".join(picture.tobytes() for picture in pictures), check=True)
     windows = {"Clip": pictures[-1], "Edges": module.edges(pictures[-1])}
-    # What ffmpeg decodes lies row by row: the clip's three planes are copied.
+    # ffmpeg decodes frames row by row, so the clip's three planes are copied.
     assert run_python(run, "video_filter", windows, "--input", str(clip)) == "24 planes copied\n"
     windows = {"Clip": pictures[4], "Edges": module.edges(pictures[4])}
     output = run_python(run, "video_filter", windows, "--input", str(clip), "--frames", "5")
@@ -120,7 +120,7 @@ def test_examples_run_without_a_screen(name):
 
 
 def scattered_cells(rows, columns):
-    """The cells that life.c begins with."""
+    """The cells with which life.c begins."""
     random, cells = 1, np.zeros((rows, columns), np.uint8)
     for column in range(columns):
         for row in range(rows):

@@ -39,7 +39,7 @@ ENDINGS = {
 
 
 class Program:
-    """Shows its window; ends once it is told to."""
+    """Shows its window, and ends once go_on() is called."""
 
     def __init__(self, screen, ending, synchronous=False):
         self._program = programs.start_python(screen, "-c", OPENING.format(synchronous=synchronous) + ending,

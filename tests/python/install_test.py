@@ -1,4 +1,4 @@
-"""The package as pip and as CMake install it."""
+"""The package as pip and CMake install it."""
 
 import os
 import shutil
@@ -24,7 +24,7 @@ print(requires("framesink"))
 
 @pytest.fixture(scope="module", params=["pip", "cmake"])
 def installed(request, tmp_path_factory):
-    """The folder that it was installed to."""
+    """The folder into which the package was installed."""
     install = install_by_pip if request.param == "pip" else install_by_cmake
     return install(tmp_path_factory)
 
@@ -37,7 +37,7 @@ def install_by_cmake(tmp_path_factory):
 
 
 def install_by_pip(tmp_path_factory):
-    """From a copy, for building leaves files in the source."""
+    """Installs from a copy, because building leaves files in the source folder."""
     folder = tmp_path_factory.mktemp("installed")
     source = tmp_path_factory.mktemp("source") / "python"
     shutil.copytree(PACKAGE, source, ignore=shutil.ignore_patterns("__pycache__", "build", "*.egg-info"))

@@ -1,4 +1,4 @@
-"""The package's view of the C interface against the header."""
+"""Compares the package's view of the C interface with the header."""
 
 import ctypes
 import os
@@ -11,7 +11,7 @@ from framesink import interface
 
 HEADER = (Path(__file__).parents[2] / "include/framesink/framesink.h").read_text()
 
-# As listed by tests/abi/description_layout.h.
+# In the order of tests/abi/description_layout.h.
 LISTED = ["valid", "reserved1", "fourcc", "inputCount", "componentCount", "widths", "widths+2", "heights", "heights+2",
           "dataType", "layout", "reserved2", "reserved3"]
 
@@ -45,5 +45,5 @@ def test_every_function_of_the_header_is_declared_with_as_many_arguments():
     prototypes = re.findall(r"FRAMESINK_API \w+\*? (\w+)\(([^)]*)\);", HEADER)
     assert len(prototypes) == 11
     in_header = {name: arguments.count(",") + 1 for name, arguments in prototypes}
-    del in_header["libOutputs"]  # does nothing
+    del in_header["libOutputs"]  # not declared, because it does nothing
     assert {name: len(arguments) for name, _, arguments in interface.FUNCTIONS} == in_header

@@ -1,4 +1,4 @@
-"""Where the library is looked for, and what is said when it is not there."""
+"""Where the package looks for the library, and the error if it is not found."""
 
 import os
 import re
@@ -19,14 +19,14 @@ STUB_VERSION = "7.8.9"
 
 @pytest.fixture
 def package_elsewhere(tmp_path):
-    """A copy of the package, with no library beside it yet."""
+    """A copy of the package, without a library in its folder."""
     source = Path(framesink.__file__).parent
     shutil.copytree(source, tmp_path / "framesink", ignore=shutil.ignore_patterns("__pycache__"))
     return tmp_path
 
 
 def version_in(folder, **environment):
-    """The version that a program loads with the package of that folder: status, output, complaints."""
+    """Runs a program that prints the version it loads with the package in `folder`: status, output, complaints."""
     environment = {"PYTHONPATH": str(folder), "PATH": os.environ["PATH"]} | environment
     return programs.run([sys.executable, "-c", "import framesink; print(framesink.load().version)"], environment)
 

@@ -1,4 +1,4 @@
-"""Frames of every kind, read back from the screen pixel by pixel."""
+"""Frames of every kind, compared with the screen pixel by pixel."""
 
 import numpy as np
 import pytest
@@ -15,7 +15,7 @@ every_type = pytest.mark.parametrize("dtype", DATA_TYPES, ids=str)
 
 
 def samples(shape, dtype):
-    """All over the range, its ends among them, and what is outside of it where there is an outside."""
+    """Samples from the whole range including its ends, and samples outside of it if the type has any."""
     low, high = sample_range(dtype)
     if dtype.kind == "b":
         return RNG.integers(0, 2, shape).astype(bool)
@@ -28,7 +28,7 @@ def samples(shape, dtype):
 
 @pytest.fixture
 def show(screen):
-    """Shows a frame in a window and waits until it is on the screen as expected."""
+    """Shows a frame in a window, waits until the screen shows `expected` and returns how many planes were copied."""
     name = "pixels"
 
     def show(frame, expected, **options):

@@ -1,4 +1,4 @@
-"""What Python tells itself, before the library is asked."""
+"""Errors that the package raises itself, before it calls the library."""
 
 import numpy as np
 import pytest

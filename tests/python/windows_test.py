@@ -59,7 +59,7 @@ def test_the_users_close_ends_the_waiting(screen, display):
     assert closed == [True]
     assert not display.is_open
     assert display.window().geometry is None
-    display.show(WHITE)  # nothing happens
+    display.show(WHITE)  # the frame is dropped
     assert wait_until(lambda: not screen.shows("A view"))
 
 

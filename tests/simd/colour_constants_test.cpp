@@ -42,7 +42,7 @@ TEST(ColourConstants, ForwardOffsetsAreThoseOfStudioRange) {
   EXPECT_EQ(rgbToYcbcrConstants.crOffset, 128);
 }
 
-// Every factor as the standard defines it, from the weights of red, green and blue in luma.
+// Derives every factor as the standard does, from the weights of red, green and blue in luma.
 TEST(ColourConstants, ForwardMatrixIsTheRoundedBt601Matrix) {
   constexpr double kRed = 0.299, kGreen = 0.587, kBlue = 0.114;
   const auto rounded = [](double value) { return static_cast<std::int32_t>(std::round(value)); };

@@ -1,4 +1,4 @@
-// Memory between two pages that may not be touched.
+// Memory between two guard pages.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +6,8 @@
 
 namespace framesink {
 
-// `capacity` bytes or a little more; the byte before begin() and the byte at end() end the process
-// when they are read or written. begin() and end() are aligned to pages.
+// At least `capacity` bytes. Reading or writing the byte before begin(), or the one at end(), ends
+// the process. begin() and end() are aligned to pages.
 class GuardedMemory {
  public:
   explicit GuardedMemory(std::size_t capacity);  // throws std::bad_alloc
@@ -15,7 +15,7 @@ class GuardedMemory {
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
 
-  // While forbidden, writing ends the process, too.
+  // While writing is not allowed, a write inside the memory ends the process, too.
   void allowWriting(bool allowed);
 
   std::uint8_t* begin() const { return begin_; }

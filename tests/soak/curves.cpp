@@ -14,12 +14,12 @@ struct Curve {
   const char* name;
   double Sample::*value;
   double tolerance;
-  double toleranceShare = 0;   // of the second quarter's median
-  double toleranceOfLoad = 0;  // for each load from the second quarter to the last
+  double toleranceShare = 0;   // share of the second quarter's median
+  double toleranceOfLoad = 0;  // added for each load between the second quarter and the last
 };
 
-// Mesa's drivers, with 300 MB, tremble by 2 %. The C library and SDL keep a record of each display
-// thread, which nobody joins.
+// The share is for Mesa's drivers, whose 300 MB vary by 2 %. The 12 KiB for each load are records
+// of display threads, which the C library and SDL keep because nobody joins those threads.
 constexpr std::array kCurves{
     Curve{"resident KiB", &Sample::kilobytes, 1536, 0.05, 12},
     Curve{"descriptors", &Sample::descriptors, 1},
@@ -34,7 +34,7 @@ std::optional<double> median(std::vector<double> values) {
   return *middle;
 }
 
-// `placeOf` tells where in its stretch of time a sample stands, from 0 to 1.
+// `placeOf` returns a sample's position in the run or in its load, from 0 to 1.
 template <class PlaceOf>
 Verdict verdictOn(const Curve& curve, const std::string& drawing, const char* quartersOf,
                   double loadsBetween, const std::vector<Sample>& samples, PlaceOf placeOf) {

@@ -9,9 +9,9 @@ namespace framesink::test {
 namespace {
 
 constexpr int kLoads = 16;
-constexpr int kSamples = 32;  // a load
+constexpr int kSamples = 32;  // in each load
 
-// A run whose curves hold still but for what `change` does to them.
+// A run with constant curves, changed by `change`.
 std::vector<Sample> runWith(const std::function<void(Sample&)>& change) {
   std::vector<Sample> samples;
   for (int number = 0; number < kLoads * kSamples; ++number) {
@@ -29,7 +29,7 @@ std::vector<Sample> runWith(const std::function<void(Sample&)>& change) {
   return samples;
 }
 
-// "curve, drawing, quarters" of those that are not flat.
+// "curve, drawing, quarters" of each verdict that is not flat.
 std::vector<std::string> notFlat(const std::vector<Sample>& samples) {
   std::vector<std::string> names;
   for (const char* drawing : {"software", "OpenGL"}) {

@@ -6,11 +6,11 @@
 enum { KINDS = 3, TYPES = 9, WIDTH = 160, HEIGHT = 120, WAVE = 64 };
 enum { COLUMNS = WIDTH + WAVE, SAMPLES = COLUMNS * HEIGHT };
 
-/* By sample type; a frame begins at any of the first WAVE columns. */
+/* One plane for each sample type; a frame begins at one of the first WAVE columns. */
 static double storage[TYPES][SAMPLES];
 static const size_t sampleBytes[TYPES] = {8, 4, 1, 1, 2, 2, 4, 4, 1};
 
-/* `value` is 0 for the least sample of the type's range and 1 for the greatest. */
+/* `value` is 0 for the smallest sample of the type's range and 1 for the largest. */
 static void putSample(int type, size_t index, double value) {
   void* const plane = storage[type];
   switch (type) {

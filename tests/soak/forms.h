@@ -1,4 +1,4 @@
-/* The forms that frames of the soak take: RGB, intensity and YCbCr 4:2:2 of every sample type. */
+/* The forms of the soak test's frames: RGB, intensity and YCbCr 4:2:2 with every sample type. */
 #ifndef FORMS_H
 #define FORMS_H
 
@@ -13,18 +13,18 @@ typedef struct Form {
 } Form;
 
 typedef struct FormFrame {
-  const void* planes[3]; /* as many samples as libUpdate may read */
+  const void* planes[3]; /* with as many samples as libUpdate may read */
   uint32_t width, height;
 } FormFrame;
 
-/* Once, before frames are asked for. */
+/* Call once, before frameOf. */
 void makePlanes(void);
 
-/* 27 in a row are all different in kind or type. */
+/* Any 27 consecutive forms differ in kind or type. */
 Form formOf(unsigned number);
 InputDescription describeForm(const Form* form);
 
-/* Waves that move with `step`; now and then smaller than the form. */
+/* Waves that move with `step`. Every 16th frame is smaller than the form. */
 FormFrame frameOf(const Form* form, unsigned step);
 
 #endif

@@ -11,7 +11,7 @@
 enum { LEAKED_BYTES = 32 * 1024 };
 
 SdlCounts sdlCounts;
-static void* volatile leaked; /* or the compiler leaves the leak out */
+static void* volatile leaked; /* volatile, or the compiler would remove the leak */
 Leak plantedLeak = NO_LEAK;
 
 static struct {
@@ -27,7 +27,7 @@ static void find(void* handle, const char* name, void* function) {
   memcpy(function, &address, sizeof address);
 }
 
-/* SDL came with the library and goes with it: no hold on it is kept. */
+/* Keeps no handle, because SDL must be unloaded together with the library. */
 void passCallsOnToSdl(void) {
   void* const handle = dlopen("libSDL2-2.0.so.0", RTLD_NOW | RTLD_NOLOAD);
   CHECK(handle != NULL);

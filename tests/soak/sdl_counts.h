@@ -1,5 +1,5 @@
-/* What the library asks of SDL, counted on the way: this program's functions of those names hide
- * SDL's from the library, and pass the calls on. */
+/* Counts what the library asks of SDL: this program defines functions with SDL's names, which hide
+ * SDL's from the library, count the calls and pass them on. */
 #ifndef SDL_COUNTS_H
 #define SDL_COUNTS_H
 
@@ -8,18 +8,17 @@
 typedef struct SdlCounts {
   atomic_uint opened; /* windows */
   atomic_uint closed;
-  atomic_uint shown; /* pictures, those drawn again included */
+  atomic_uint shown; /* pictures, including those drawn again */
   atomic_uint events;
 } SdlCounts;
 
 extern SdlCounts sdlCounts;
 
-/* With each window that is opened something is left behind on purpose, to see whether that is
- * noticed. */
+/* Leaves something behind with each window that is opened, to check that the test notices it. */
 typedef enum Leak { NO_LEAK, LEAK_DESCRIPTOR, LEAK_MEMORY, LEAK_WINDOW } Leak;
 extern Leak plantedLeak;
 
-/* After each load: where SDL is this time. */
+/* Finds SDL's functions. Call it after each load, because SDL is loaded with the library. */
 void passCallsOnToSdl(void);
 
 #endif

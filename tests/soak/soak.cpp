@@ -1,6 +1,6 @@
-// soak [--minutes N] [--csv FILE] [--leak descriptor|memory|window]: a host with eight windows and a
-// restless user on two X servers, one of them with a window manager. Status 1 when what the host
-// holds grows, or when it comes to harm.
+// soak [--minutes N] [--csv FILE] [--leak descriptor|memory|window]: runs a host with eight windows
+// and a restless user on two X servers, one of them with a window manager. Exits with 1 if the
+// host's resources grow, if it fails or if it hangs.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -23,7 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr ScreenSize kScreen{800, 600};
-constexpr auto kLongestSilence = 60s;  // unloading alone may take 20
+constexpr auto kLongestSilence = 60s;  // unloading alone may take 20 s
 constexpr auto kLook = 50ms;
 constexpr double kMesaMinutes = 20;
 
@@ -32,18 +32,19 @@ struct Options {
   std::string csv;
   std::string leak = "none";
 
-  // Each quarter of a part has two loads or more.
+  // A multiple of 8, so that each quarter of a part has two loads or more.
   int loads() const { return 8 * std::max(1, static_cast<int>(minutes / 15)); }
 };
 
-// What a host of its own does: what OpenGL leaves in memory would hide the rest.
+// Each part has a host process of its own, because the memory that OpenGL keeps would hide growth
+// in the others.
 struct Part {
   const char* drawing;
-  double share;  // of the minutes
+  double share;  // of the test's time
   bool isBareByTurns;
 };
 
-// A library that stays loaded stays on the display where it was first.
+// OpenGL-threaded uses one display only: a library that stays loaded keeps its first display.
 constexpr std::array kParts{
     Part{"software", 0.5, true},
     Part{"OpenGL-threaded", 0.25, false},
@@ -88,7 +89,7 @@ class Soak {
     return endsWell(host);
   }
 
-  // Until the host ends or says nothing for too long.
+  // Reads the host's output until it ends, or prints nothing for too long.
   void watch(ChildProcess& host) {
     auto heard = std::chrono::steady_clock::now();
     std::size_t read = 0;
@@ -137,9 +138,10 @@ class Soak {
     std::fputs(host.standardError().c_str(), stderr);
     if (status == ExitStatus{.code = 0}) return host.standardError().empty();
     if (status) {
-      std::printf("HARM: the host ended with status %d, signal %d\n", status->code, status->signal);
+      std::printf("FAILED: the host ended with status %d, signal %d\n", status->code,
+                  status->signal);
     } else {
-      std::puts("HARM: the host has stopped");
+      std::puts("FAILED: the host hangs");
     }
     return false;
   }
@@ -172,7 +174,7 @@ class Soak {
     return areFlat;
   }
 
-  // Mesa's drivers take minutes to come to the memory they need.
+  // Mesa's drivers need minutes until their memory no longer grows.
   bool isTooEarlyFor(const Verdict& v) const {
     return options_.minutes < kMesaMinutes && v.drawing != "software" &&
            v.curve == "resident KiB" && v.second && v.last;

@@ -1,7 +1,7 @@
-/* soak_host LIBRARY LOADS SECONDS DISPLAY DISPLAY DRAWING LEAK: loads the library that many times and
- * plays for so many seconds each time, with all that a host may do to eight windows, by turns on one
- * display and the other. DRAWING is software, OpenGL-threaded or OpenGL-synchronous. Tells on standard
- * output, again and again, how it goes. */
+/* soak_host LIBRARY LOADS SECONDS DISPLAY DISPLAY DRAWING LEAK: loads the library LOADS times, on
+ * the two displays in turn. Each time it does for SECONDS everything that a host may do with eight
+ * windows. DRAWING is software, OpenGL-threaded or OpenGL-synchronous. LEAK is none, descriptor,
+ * memory or window. Prints measurements on standard output. */
 #include <malloc.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -27,16 +27,16 @@ static Library library;
 static unsigned framesSent, closedByUser, formsUsed;
 static const char* drawing;
 
-/* With OpenGL all windows are of one server: SDL 2.26 uses their OpenGL contexts on whichever thread
- * takes an event, and with two such threads Mesa crashes. */
+/* With OpenGL all windows belong to one server. SDL 2.26 uses their OpenGL contexts on any thread
+ * that takes an event, and Mesa crashes if there are two such threads. */
 static int firstSynchronous;
 
-/* Once a threaded window was open, dlclose leaves a library that draws with OpenGL where it is. */
+/* With OpenGL, dlclose leaves the library loaded once a threaded window was open. */
 static int staysLoaded;
 
 static int isSynchronous(const Show* show) { return show->index >= firstSynchronous; }
 
-/* Each block shows another kind and sample type than the one before. */
+/* The new block has another kind or sample type than the one before. */
 static void makeBlock(Show* show) {
   char error[FRAMESINK_ERROR_BYTES] = "";
   show->form = formOf(formsUsed++);
@@ -55,7 +55,7 @@ static void dropBlock(Show* show) {
   library.destroy(show->block);
 }
 
-/* Now and then over the whole screen; the user's Escape ends that. */
+/* Every eighth window covers the whole screen; the user's Escape ends that. */
 static void openAgain(const Show* show) {
   const uint32_t position[2] = {100, 100};
   const uint32_t size[2] = {200, 150};
@@ -63,7 +63,8 @@ static void openAgain(const Show* show) {
   library.createWindow(show->name, closedByUser % 8 == 0, position, size, 1);
 }
 
-/* A synchronous window would stay on the screen without its record. */
+/* Never destroys a synchronous window by name, because it would stay on the screen without its
+ * record. */
 static void destroyByName(Show* show) {
   dropBlock(show);
   if (!isSynchronous(show)) library.destroyWindow(show->name);
@@ -120,7 +121,7 @@ static long residentKilobytes(void) {
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
-/* `age` is 0 at the load's begin and 1 at its end. */
+/* `age` is 0 at the beginning of the load and 1 at its end. */
 static void tell(int load, double age) {
   printf("%d,%.3f,%s,%s,%u,%u,%u,%u,%u,%ld,%d,%d\n", load, age, getenv("DISPLAY"), drawing,
          framesSent, sdlCounts.shown, sdlCounts.events, sdlCounts.opened, closedByUser,
@@ -149,7 +150,8 @@ static void play(int load, double seconds) {
   }
 }
 
-/* A library that stays loaded leaves its windows open; all that were opened are to be closed. */
+/* A library that stays loaded leaves its windows open, so this destroys them and waits until every
+ * window that was opened is closed. */
 static void closeWindows(void) {
   const double deadline = secondsNow() + 20;
   for (int i = 0; i < WINDOWS; ++i) library.destroyWindow(shows[i].name);
@@ -195,7 +197,7 @@ static Leak leakOf(const char* name) {
 
 int main(int count, char** arguments) {
   CHECK(count == 8);
-  /* One heap for all threads: with several, Mesa's threads leave gaps here and there that look like
+  /* One heap for all threads: with several heaps, Mesa's threads fragment memory, which looks like
    * growth. */
   CHECK(mallopt(M_ARENA_MAX, 1));
   chooseDrawing(arguments[6]);

@@ -12,11 +12,12 @@ namespace {
 thread_local std::size_t allocations = 0;
 thread_local AllocationSupply supply;
 
-// Without ordering: counting must not hide races from the thread sanitizer.
+// Unordered, because counting must not hide races from the thread sanitizer.
 constexpr auto kUnordered = std::memory_order_relaxed;
 std::atomic<std::size_t> inUse{0};
 
-// The thread whose allocations are spared; null: nobody's fail. Known by its supply's address.
+// The thread whose allocations never fail, known by the address of its supply. Null: no allocation
+// fails on account of another thread.
 std::atomic<const AllocationSupply*> spared{nullptr};
 std::atomic<std::int64_t> othersLeft{0};
 
@@ -43,7 +44,7 @@ void failWhenExhausted() {
   if (isExhausted() || isOtherExhausted()) throw std::bad_alloc();
 }
 
-// Windows gives aligned memory back in a way of its own: there all is of that kind.
+// On Windows, aligned memory needs a free function of its own, so all memory is aligned there.
 #if defined(_WIN32)
 void* block(std::size_t bytes, std::size_t unit) { return _aligned_malloc(bytes, unit); }
 void* block(std::size_t bytes) { return block(bytes, alignof(std::max_align_t)); }
@@ -120,7 +121,7 @@ using framesink::test::giveBack;
 using Alignment = std::align_val_t;
 using NoThrow = std::nothrow_t;
 
-// All of them, because sanitizers bring each form separately.
+// Every form, because sanitizers replace each form separately.
 void* operator new(std::size_t bytes) { return allocate(bytes); }
 void* operator new[](std::size_t bytes) { return allocate(bytes); }
 void* operator new(std::size_t bytes, const NoThrow&) noexcept { return allocateOrNull(bytes); }

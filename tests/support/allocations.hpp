@@ -1,6 +1,6 @@
-// The test program's operator new, in all its forms: counts what it hands out, and fails when told.
+// The test program's operator new, in all its forms: counts allocations and fails on request.
 //
-// What C code takes by malloc (SDL, X) is neither counted nor failed.
+// Memory that C code (SDL, X) takes with malloc is neither counted nor failed.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +11,16 @@ namespace framesink::test {
 // Allocations of the calling thread so far.
 std::size_t allocationCount();
 
-// Blocks of memory that any thread has taken and none has given back.
+// Blocks that any thread has allocated and none has freed.
 std::size_t blocksInUse();
 
-// What a thread still gets.
+// The allocations that a thread may still make.
 struct AllocationSupply {
   std::size_t left = SIZE_MAX;  // allocations before the next failure
-  bool failsOnce = false;       // and then goes on; else all later ones fail
+  bool failsOnce = false;       // true: later allocations succeed again; false: all of them fail
 };
 
-// Memory runs out: while one lives, the calling thread's allocations fail after `left` more.
+// While one lives, the calling thread is out of memory after `left` more allocations.
 class OutOfMemory {
  public:
   explicit OutOfMemory(std::size_t left = 0);
@@ -32,11 +32,11 @@ class OutOfMemory {
   const AllocationSupply before_;
 };
 
-// Makes the calling thread's next allocation fail, and only that.
+// Makes the calling thread's next allocation fail, and no other.
 void failNextAllocation();
 
-// While one lives, the `number`-th allocation (from 1) fails, and only that: of the calling thread,
-// or of all others together. One at a time.
+// While one lives, exactly one allocation fails: the `number`-th (from 1), counted on the calling
+// thread or on all other threads together. One at a time.
 class FailingAllocation {
  public:
   enum class Of { kThisThread, kOtherThreads };

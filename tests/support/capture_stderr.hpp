@@ -1,4 +1,4 @@
-// What the process writes to its standard error stream during a scope.
+// Captures the process's standard error stream for a scope.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 
 namespace framesink::test {
 
-// Redirects file descriptor 2, so it also sees what C code and other threads write. One at a time.
-// While it lives, a sanitizer's report goes into it too and is lost if the process ends there: keep
-// the scope short.
+// Redirects file descriptor 2, so it also captures what C code and other threads write. One at a
+// time. A sanitizer's report goes into it too and is lost if the process ends then, so keep the
+// scope short.
 class CaptureStderr {
  public:
   CaptureStderr();

@@ -31,7 +31,7 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& changes
   return result;
 }
 
-// Null-terminated; points into `strings`.
+// A null-terminated array of pointers into `strings`.
 std::vector<char*> pointersTo(const std::vector<std::string>& strings) {
   std::vector<char*> pointers;
   for (const std::string& string : strings) pointers.push_back(const_cast<char*>(string.c_str()));
@@ -42,17 +42,17 @@ std::vector<char*> pointersTo(const std::vector<std::string>& strings) {
 struct Launch {
   char* const* arguments;
   char* const* environment;
-  int output;  // -1: inherited
+  int output;  // -1: inherits this process's streams
   int error;
   int endSignal;
   int report;  // receives errno when the program cannot be executed
   pid_t parent;
 };
 
-// Runs between fork and exec: only calls that are safe there.
+// Runs between fork and exec, so it makes only async-signal-safe calls.
 [[noreturn]] void becomeProgram(const Launch& launch) {
   prctl(PR_SET_PDEATHSIG, launch.endSignal);
-  if (getppid() != launch.parent) _exit(127);  // the parent died before the line above
+  if (getppid() != launch.parent) _exit(127);  // the parent died before prctl took effect
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -71,7 +71,7 @@ ExitStatus decode(int status) {
   return {.code = WEXITSTATUS(status), .signal = 0};
 }
 
-// 0 once the program runs, else errno of the failed start.
+// Returns 0 once the program runs, or errno of the failed start.
 int readReport(int descriptor) {
   int failure = 0;
   while (read(descriptor, &failure, sizeof failure) < 0 && errno == EINTR) {

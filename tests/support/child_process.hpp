@@ -16,26 +16,26 @@
 namespace framesink::test {
 
 struct ExitStatus {
-  int code = -1;   // -1 when a signal ended the program
-  int signal = 0;  // 0 when the program ended by itself
+  int code = -1;   // -1 if a signal ended the program
+  int signal = 0;  // 0 if the program exited
   bool operator==(const ExitStatus&) const = default;
 };
 
 struct ChildOptions {
-  // On top of this process's environment: "NAME=value" sets, "NAME" removes.
+  // Changes to this process's environment: "NAME=value" sets a variable, "NAME" removes it.
   std::vector<std::string> environment;
-  // False: the child writes to this process's own stdout and stderr.
+  // False: the child writes to this process's stdout and stderr.
   bool captureOutput = true;
-  // Sent by the destructor, and by the kernel when the test process dies.
+  // The signal that the destructor sends, and the kernel when the test process dies.
   int endSignal = SIGKILL;
 };
 
-// The child reads nothing (its stdin is empty), inherits no other descriptor and never outlives the
-// thread that started it: start it from the main thread.
+// The child's stdin is empty, and it inherits no other descriptor. It does not outlive the thread
+// that started it, so start it on the main thread.
 class ChildProcess {
  public:
-  // `command` is the program, looked up in PATH, and its arguments. Throws std::system_error when
-  // the program cannot be started.
+  // `command` is the program, looked up in PATH, and its arguments. Throws std::system_error if the
+  // program cannot be started.
   explicit ChildProcess(const std::vector<std::string>& command, const ChildOptions& options = {});
   // Ends the child with the end signal, repeated for 5 s, then with SIGKILL.
   ~ChildProcess();
@@ -44,11 +44,11 @@ class ChildProcess {
 
   pid_t pid() const { return pid_; }
   bool isRunning();
-  // nullopt when the child still runs after `deadline`.
+  // Returns nullopt if the child still runs after `deadline`.
   std::optional<ExitStatus> wait(std::chrono::milliseconds deadline = kDeadline);
   void signal(int number);
 
-  // Everything written so far; "" unless captured.
+  // Everything written so far; "" if output is not captured.
   std::string standardOutput() const;
   std::string standardError() const;
 

@@ -93,9 +93,10 @@ TEST(ChildProcess, EndsItsChildOnDestruction) {
   EXPECT_EQ(kill(pid, 0), -1);
 }
 
-// What this process does when it dies while it has a child: asked of a copy of it.
+// Forks, because the process that starts the child must die.
 TEST(ChildProcess, DiesWithTheProcessThatStartedIt) {
-  prctl(PR_SET_CHILD_SUBREAPER, 1);  // orphans come to this process, which can then wait for them
+  // Orphans become children of this process, so that it can wait for them.
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
   std::array<int, 2> channel{};
   ASSERT_EQ(pipe(channel.data()), 0);
   const pid_t starter = fork();

@@ -13,7 +13,7 @@ namespace {
 
 class ThreadRecords {
  public:
-  // A thread that still runs, as in a test that failed, is left alone; in a fork all are.
+  // Frees nothing if a thread still runs, as it may after a failed test, or in a fork.
   ~ThreadRecords() {
     if (isInAFork()) return;
     for (SDL_Thread* thread : threads_) {
@@ -38,7 +38,7 @@ class ThreadRecords {
 
 bool areLeaksExpected = false;
 
-// Made before any server, and so destroyed after the last.
+// Constructed before any server, so it is destroyed after the last one.
 ThreadRecords threadRecords;
 
 }  // namespace
@@ -51,16 +51,16 @@ void expectLeaks() { areLeaksExpected = true; }
 
 }  // namespace framesink::test
 
-// The leak sanitizer, a library of its own, looks for these names.
+// The leak sanitizer is a separate library and looks up these names.
 #define FOR_SANITIZER extern "C" __attribute__((visibility("default")))
 FOR_SANITIZER const char* __lsan_default_suppressions();
 FOR_SANITIZER int __lsan_is_turned_off();
 
-// D-Bus keeps a connection's buffer for the life of the process; SDL, whose X11 driver uses it,
-// cannot give it back.
+// D-Bus keeps a connection's buffer as long as the process runs. SDL's X11 driver uses D-Bus and
+// cannot free the buffer.
 const char* __lsan_default_suppressions() { return "leak:libdbus-1.so\n"; }
 
-// A fork leaves everything in place on purpose: it is its parent's.
+// A fork frees nothing on purpose, because everything belongs to its parent.
 int __lsan_is_turned_off() {
   using namespace framesink::test;
   return areLeaksExpected || threadRecords.isInAFork() ? 1 : 0;

@@ -1,4 +1,4 @@
-// Keeps leak checking useful: what is left behind on purpose, or by others, is cleared away.
+// Keeps leak checking useful: frees or hides what is left behind on purpose or by other libraries.
 #pragma once
 
 #include <SDL.h>
@@ -6,11 +6,11 @@
 namespace framesink::test {
 
 // The library never joins its display threads, so SDL keeps a small record of each. The records
-// noted here are given back at the very end of the process, when the threads are gone.
+// noted here are freed at the very end of the process, when the threads have ended.
 void noteThread(SDL_Thread* thread);
 
-// No leak checking in this process: SDL was shut down under its renderers and textures, which then
-// must not be touched any more.
+// Turns leak checking off in this process, because SDL is shut down before its renderers and
+// textures, which must not be touched after that.
 void expectLeaks();
 
 }  // namespace framesink::test

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// "" for a thread that ended meanwhile.
+// Returns "" if the thread has ended.
 std::string nameOf(const fs::path& task) {
   std::ifstream file(task / "comm");
   std::string name;
@@ -22,7 +22,7 @@ std::string nameOf(const fs::path& task) {
 
 std::string threadName(int id) { return nameOf("/proc/self/task/" + std::to_string(id)); }
 
-// A number of the kernel's, 0 for a thread that ended meanwhile.
+// Reads a number that the kernel keeps of the thread; 0 if the thread has ended.
 std::uint64_t statusOf(const fs::path& task, const std::string& key) {
   std::ifstream file(task / "status");
   for (std::string word; file >> word;) {
@@ -67,7 +67,7 @@ bool isAsleep(int thread) {
   return false;
 }
 
-// A line of maps is "address permissions offset device inode path"; only a path holds a slash.
+// A line is "address permissions offset device inode path"; only the path contains a slash.
 bool isMapped(std::string_view part) {
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
@@ -87,7 +87,7 @@ std::size_t residentBytes() {
 
 std::size_t openFileDescriptors() {
   const auto count = std::distance(fs::directory_iterator("/proc/self/fd"), {});
-  return static_cast<std::size_t>(count) - 1;  // the walk's own
+  return static_cast<std::size_t>(count) - 1;  // without the descriptor of this walk itself
 }
 
 }  // namespace framesink::test

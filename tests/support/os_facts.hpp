@@ -11,24 +11,24 @@
 
 namespace framesink::test {
 
-// Thread ids in ascending order. A sanitizer may keep a thread of its own: compare with what stood
-// before.
+// Thread ids in ascending order. A sanitizer may run a thread of its own, so compare with an
+// earlier count.
 std::vector<int> threadIds();
 
-// Names of the threads in the order of threadIds(), cut to 15 characters by the kernel.
+// The threads' names, in the order of threadIds(). The kernel cuts them to 15 characters.
 std::vector<std::string> threadNames();
 
-// How often threads of that name in a process have gone to sleep; it stands still while they sleep
-// on.
+// How often the threads of that name in a process have gone to sleep. The number does not change
+// while they stay asleep.
 std::uint64_t timesAsleep(pid_t process, const std::string& thread);
 
-// True when that thread of this process sleeps, for example because it waits for a lock.
+// True if that thread of this process sleeps, for example because it waits for a lock.
 bool isAsleep(int thread);
 
-// True when a file whose path holds `part` is mapped, for example a loaded library.
+// True if a file whose path contains `part` is mapped, for example a loaded library.
 bool isMapped(std::string_view part);
 
-// Physical memory in use, bytes.
+// Physical memory in use, in bytes.
 std::size_t residentBytes();
 
 // Number of open file descriptors.

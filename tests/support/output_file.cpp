@@ -15,7 +15,7 @@ OutputFile::OutputFile() : descriptor_(memfd_create("captured output", MFD_CLOEX
 
 OutputFile::~OutputFile() { close(descriptor_); }
 
-// pread leaves the offset alone, which this descriptor shares with the writer's.
+// Uses pread because the writer's descriptor shares this file's offset, which must not move.
 std::string OutputFile::text() const {
   std::string text;
   std::array<char, 4096> chunk{};

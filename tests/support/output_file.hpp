@@ -1,11 +1,11 @@
-// A nameless file in memory that collects what somebody writes to a descriptor.
+// An anonymous file in memory that collects what is written to a descriptor.
 #pragma once
 
 #include <string>
 
 namespace framesink::test {
 
-// Unlike a pipe it never blocks the writer and needs no thread to empty it.
+// Unlike a pipe, it never blocks the writer and needs no thread that reads it.
 class OutputFile {
  public:
   OutputFile();
@@ -13,7 +13,7 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Closed in programs that are started, unless duplicated.
+  // Programs that are started do not inherit it unless it is duplicated.
   int descriptor() const { return descriptor_; }
 
   // Everything written so far.

@@ -45,7 +45,7 @@ PlainWindow::PlainWindow(const std::string& title, const WindowLook& look)
   const xcb_atom_t close = x_.atom("WM_DELETE_WINDOW");
   xcb_change_property(x_.raw(), XCB_PROP_MODE_REPLACE, id_, x_.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM,
                       32, 1, &close);
-  // The place was chosen by the user: a window manager then keeps it.
+  // Declares the place as chosen by the user, so that a window manager keeps it.
   constexpr std::uint32_t kUserPosition = 1;
   const std::array<std::uint32_t, 18> hints{kUserPosition};
   xcb_change_property(x_.raw(), XCB_PROP_MODE_REPLACE, id_, XCB_ATOM_WM_NORMAL_HINTS,

@@ -1,4 +1,4 @@
-// A window without any library on top: what the tests of these helpers look at.
+// A window made without any library. The tests of these helpers look at it.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,9 @@ namespace framesink::test {
 
 struct WindowLook {
   Geometry place{60, 80, 64, 48};
-  // Only the older WM_NAME, without _NET_WM_NAME.
+  // True: sets only the older WM_NAME, not _NET_WM_NAME.
   bool oldNameOnly = false;
-  // 32 bits a pixel with an alpha channel, else the screen's own depth.
+  // True: 32 bits a pixel with an alpha channel. False: the screen's depth.
   bool alpha = false;
   bool mapped = true;
 };
@@ -27,17 +27,17 @@ class PlainWindow {
   void map();
   void requestFullscreen();
   void destroy();
-  // Every pixel of the window gets `picture`'s, its upper 8 bits included.
+  // Fills the window with the pixels of `picture`, including their upper 8 bits.
   void paint(const Image& picture);
 
-  // Waits for an event that `wanted` accepts and drops those before it.
+  // Waits for an event for which `wanted` returns true; drops the events before it.
   bool waitForEvent(const std::function<bool(const xcb_generic_event_t&)>& wanted);
-  // A key pressed at the keyboard, not sent by another client.
+  // Waits for a key press from the keyboard, not one that another client sent.
   bool waitForKey(int keycode);
   bool waitForCloseMessage();
   bool waitForExpose();
   bool waitForSize(int width, int height);
-  // Drops the events that have arrived; true when one was a key.
+  // Drops the events that have arrived. Returns true if one of them was a key.
   bool sawKey();
   void dropEvents() { sawKey(); }
 
@@ -50,7 +50,7 @@ class PlainWindow {
   std::uint8_t depth_ = 24;
 };
 
-// Pixels that are all different, 0x00RRGGBB, plus `upperByte` in the unused bits.
+// Pixels 0x00RRGGBB that all differ, with `upperByte` in the unused upper bits.
 Image distinctPixels(int width, int height, std::uint32_t upperByte = 0);
 
 }  // namespace framesink::test

@@ -16,7 +16,8 @@ RestlessUser::~RestlessUser() {
   thread_.join();
 }
 
-// A search grabs the server, which slows the windows down: only for one that is gone.
+// Searches only for a window that is gone, because a search grabs the server and slows windows
+// down.
 void RestlessUser::work(const std::string& display) {
   XClient x(display);
   std::vector<Window> windows(titles_.size(), kNoWindow);

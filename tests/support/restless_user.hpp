@@ -1,4 +1,4 @@
-// A user who never leaves the windows alone.
+// A user who does something to the windows all the time.
 #pragma once
 
 #include <atomic>
@@ -16,27 +16,27 @@ namespace framesink::test {
 enum class Deed { kClose, kRaise, kMove, kResize, kMaximise, kIconify, kRestore, kEscape, kCover };
 
 struct Habits {
-  // What the user does, each as often as the others; repeat what is to be done more often.
+  // What the user does, drawn at random. Repeat a deed to make it more frequent.
   std::vector<Deed> deeds;
-  // SDL takes events from X as long as more arrive, so that a flood of them, which no hand makes,
-  // would keep it from ever coming back.
+  // The rest between two deeds. SDL keeps reading X events as long as more arrive; without a rest,
+  // events would come faster than any user makes them, and SDL would never return.
   std::chrono::milliseconds pace{2};
-  // Storms of deeds this long, each followed by a calm as long; zero: one storm without end.
+  // Length of a storm of deeds and of the calm after it. Zero: one storm without end.
   std::chrono::milliseconds storm{0};
   std::uint32_t seed = 1;
 };
 
-// Works on a thread and a connection of its own until it goes.
+// Works until it is destroyed, on a thread and an X connection of its own.
 class RestlessUser {
  public:
-  // Windows are known by their titles; those that are not there are looked for again and again.
+  // Finds windows by their titles; keeps looking for those that do not exist.
   RestlessUser(const std::string& display, std::vector<std::string> titles, Habits habits);
   ~RestlessUser();
   RestlessUser(const RestlessUser&) = delete;
   RestlessUser& operator=(const RestlessUser&) = delete;
 
   int deeds() const { return deeds_; }
-  // Close buttons pressed.
+  // How often a close button was pressed.
   int closed() const { return closed_; }
 
  private:
@@ -48,7 +48,7 @@ class RestlessUser {
   const std::vector<std::string> titles_;
   const Habits habits_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-  std::mt19937 random_;  // of the thread
+  std::mt19937 random_;  // used by thread_ only
   std::atomic<bool> stop_{false};
   std::atomic<int> deeds_{0};
   std::atomic<int> closed_{0};

@@ -6,8 +6,8 @@
 
 namespace framesink::test {
 
-// Sets `name`, or unsets it when `value` is empty (nullopt); the destructor puts back what was
-// there. No other thread may touch the environment meanwhile.
+// Sets `name`, or unsets it if `value` is nullopt; the destructor restores the old value. No other
+// thread may use the environment meanwhile.
 class ScopedVariable {
  public:
   ScopedVariable(std::string name, const std::optional<std::string>& value);
@@ -20,7 +20,7 @@ class ScopedVariable {
   std::optional<std::string> previous_;
 };
 
-// The variable's value, nullopt when it is not set.
+// The variable's value; nullopt if it is not set.
 std::optional<std::string> environmentVariable(const std::string& name);
 
 }  // namespace framesink::test

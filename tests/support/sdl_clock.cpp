@@ -6,7 +6,7 @@
 namespace framesink::test {
 namespace {
 
-constexpr std::uint32_t kRestInsideAPass = 2;  // milliseconds; between passes it is another number
+constexpr std::uint32_t kRestInsideAPass = 2;  // ms; rests between passes have other lengths
 
 std::atomic<SdlClock*> theClock{nullptr};
 
@@ -56,7 +56,7 @@ void SdlClock::restBetweenPasses(Lock& lock, std::uint32_t milliseconds) {
   resting_ = false;
 }
 
-// One millisecond, and whatever the display thread does in it.
+// Advances one millisecond and waits until the display thread, if that wakes it, rests again.
 void SdlClock::tick(Lock& lock) {
   ++now_;
   changed_.notify_all();

@@ -1,5 +1,6 @@
-// A clock for SDL_Delay that no real time moves: rests take no time, and the display thread makes its
-// passes only while another thread rests. The calls of a run are then the same in every run.
+// Replaces the time behind SDL_Delay by a simulated one: delays take no real time, and the display
+// thread makes passes only while another thread is in SDL_Delay. Therefore every run makes the same
+// calls.
 #pragma once
 
 #include <condition_variable>
@@ -11,9 +12,9 @@
 
 namespace framesink::test {
 
-// One at a time, made before the display thread is. The display thread runs from pass to pass: it
-// stands still from its start, and between two passes, until the clock has come so far. What it rests
-// inside a pass only moves the clock. Hooks on to SDL_WasInit, the display thread's first call.
+// One at a time; make it before the display thread starts. The display thread is blocked from its
+// start, and between passes, until the simulated time reaches its wake-up time. A delay inside a
+// pass only advances the time. Hooks on to SDL_WasInit, the display thread's first call.
 class SdlClock {
  public:
   explicit SdlClock(SdlRecorder& recorder);
@@ -21,18 +22,19 @@ class SdlClock {
   SdlClock(const SdlClock&) = delete;
   SdlClock& operator=(const SdlClock&) = delete;
 
-  // Milliseconds since the clock was made.
+  // Simulated milliseconds since the clock was made.
   std::int64_t now() const;
 
-  // Moves the clock until the display thread has made its next pass; returns at once without one.
+  // Advances the time until the display thread has made its next pass. Returns at once if there is
+  // no display thread.
   void runPass();
 
-  // From now on rests take their time, and the display thread runs free.
+  // From now on delays take real time, and the display thread runs freely.
   void release();
 
-  // SDL_Delay, while the clock lives.
+  // Does what SDL_Delay does while the clock lives.
   void rest(std::uint32_t milliseconds);
-  // The display thread has been started; waits until it stands still.
+  // Call it after the display thread has started. Waits until that thread is blocked.
   void awaitFirstRest();
   static SdlClock* current();
 
@@ -48,10 +50,10 @@ class SdlClock {
   std::int64_t now_ = 0;
   bool released_ = false;
 
-  // The display thread.
-  OsThreadId thread_ = 0;  // once it has come to its first rest
+  // State of the display thread.
+  OsThreadId thread_ = 0;  // 0 until its first rest
   bool resting_ = false;
-  std::int64_t wakes_ = 0;  // when its rest ends
+  std::int64_t wakes_ = 0;  // the simulated time at which its rest ends
   std::uint64_t rests_ = 0;
 
   const SdlHook onFirstCall_;

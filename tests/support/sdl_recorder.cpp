@@ -15,11 +15,11 @@ namespace framesink::test {
 namespace {
 
 RecorderState& state() {
-  static auto* state = new RecorderState;  // calls come until the very end of the process
+  static auto* state = new RecorderState;  // never deleted: calls come until the process's very end
   return *state;
 }
 
-// Waits until the action does not run any more.
+// Removes the action and waits until it no longer runs.
 void remove(const std::string& function, const RecorderState::Action& action) {
   std::unique_lock lock(state().mutex);
   const auto found = state().actions.find(function);

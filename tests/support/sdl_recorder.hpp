@@ -1,5 +1,5 @@
-// What the code under test asks of SDL: every call with its arguments and its thread. Calls go on to
-// SDL itself; a test may also look on before one is made, have calls refused, change answers and feed
+// Records every SDL call of the code under test with its arguments and its thread. The calls still
+// reach SDL. A test may also run an action before a call, make calls fail, change results and feed
 // events.
 #pragma once
 
@@ -18,19 +18,19 @@ struct SdlCall {
   std::string function;
   std::vector<std::int64_t> arguments;  // numbers, and addresses as numbers
   std::vector<std::string> texts;       // the strings among the arguments
-  std::int64_t result = 0;              // number or address; 0 when there is none
-  int thread = 0;                       // the operating system's number
-  bool fallible = false;                // has an answer that means failure
-  bool countable = false;               // the same, outside a suspension of refusals
-  bool refused = false;                 // by the test
-  std::string error;                    // SDL's text, when the call failed and set one
+  std::int64_t result = 0;              // number or address; 0 if the function returns nothing
+  int thread = 0;                       // the operating system's thread id
+  bool fallible = false;                // the function has a result that means failure
+  bool countable = false;               // fallible, and refusals were not suspended
+  bool refused = false;                 // the test made it fail
+  std::string error;                    // SDL's error text, if the call failed and set one
 };
 
 // SDL's error text after a refused call.
 inline constexpr const char* kRefusal = "refused by the test";
 
-// A test's hand in the calls of one function. When it has gone, its action neither runs nor will:
-// declare it after what the action refers to.
+// A test's action on the calls of one function. Once the hook is destroyed, its action neither runs
+// nor will run again. Declare the hook after everything that the action refers to.
 class SdlHook {
  public:
   explicit SdlHook(std::function<void()> remove) : remove_(std::move(remove)) {}
@@ -42,9 +42,9 @@ class SdlHook {
   std::function<void()> remove_;
 };
 
-// While one lives, the SDL calls of this program are seen (those that the linker is told to wrap,
-// see CMakeLists.txt; not SDL's calls to itself). One at a time. Any thread. Programs that link
-// sdl_recorder have it.
+// While one lives, this program's calls to SDL are recorded: those that the linker wraps (see
+// CMakeLists.txt), not SDL's calls to itself. One at a time. Any thread may call it. Available to
+// programs that link sdl_recorder.
 class SdlRecorder {
  public:
   SdlRecorder();
@@ -52,30 +52,33 @@ class SdlRecorder {
   SdlRecorder(const SdlRecorder&) = delete;
   SdlRecorder& operator=(const SdlRecorder&) = delete;
 
-  // In the order in which they began.
+  // Calls in the order in which they began.
   std::vector<SdlCall> calls() const;
   std::vector<SdlCall> calls(const std::string& function) const;
-  std::vector<std::string> order() const;  // the names alone
+  std::vector<std::string> order() const;  // only the names
   std::size_t count(const std::string& function) const;
-  // The last call of that function; throws std::out_of_range when there was none.
+  // The last call of that function. Throws std::out_of_range if there was none.
   SdlCall last(const std::string& function) const;
-  void forget();  // what was seen so far
+  void forget();  // drops what was recorded so far
 
-  // Calls number `first` to `last` of the function from now on are not made; they answer as a
-  // failure, with kRefusal as error text. Functions without a result are just not called. Only
-  // SDL_UnlockMutex is made all the same: nobody survives a lock that is never given back.
+  // From now on, calls number `first` to `last` of the function fail: SDL is not called, and the
+  // caller gets the failure result with kRefusal as error text. Functions without a result are
+  // skipped. The exception is SDL_UnlockMutex, which is still called, because a lock that is never
+  // released would block the test.
   static constexpr std::size_t kForever = SIZE_MAX;
   void refuse(const std::string& function, std::size_t first = 1, std::size_t last = kForever);
   void permit(const std::string& function);
 
-  // The same for one call, the `number`-th from now on (1 is the next) of all fallible ones.
+  // Makes a single call fail in the same way: the `number`-th fallible call from now on (1: the
+  // next).
   void refuseNth(std::size_t number);
 
-  // Until resumed nothing is refused, and no call counts towards a refusal.
+  // Until resumeRefusals(), no call fails and none counts towards a refusal.
   void suspendRefusals();
   void resumeRefusals();
 
-  // SDL_PollEvent answers with this before it asks SDL, after what was fed earlier.
+  // Queues an event that SDL_PollEvent returns before it asks SDL. Events are returned in the order
+  // in which they were fed.
   void feed(const SDL_Event& event);
 
   // Runs `action` on the calling thread before each call of the function, while the hook lives. A
@@ -83,8 +86,8 @@ class SdlRecorder {
   [[nodiscard]] SdlHook before(const std::string& function,
                                std::function<void(const SdlCall&)> action);
 
-  // Gives the function's results another value, while the hook lives: `change` gets each result, as
-  // a number, and returns what the caller is to see.
+  // Changes the function's results while the hook lives: `change` receives each result as a number
+  // and returns what the caller gets.
   [[nodiscard]] SdlHook alter(const std::string& function,
                               std::function<std::int64_t(std::int64_t)> change);
 };

@@ -1,4 +1,4 @@
-// The meeting place of SdlRecorder and the wrapped SDL functions.
+// The state that SdlRecorder shares with the wrapped SDL functions.
 #pragma once
 
 #include <atomic>
@@ -30,15 +30,15 @@ struct RecorderState {
   };
   using Change = std::function<std::int64_t(std::int64_t)>;
 
-  // Looked at without the mutex and without ordering: while no recorder lives, the wrappers must
-  // not synchronise threads, or they would hide races from the thread sanitizer.
+  // Read without the mutex and unordered: while no recorder lives, the wrappers must not
+  // synchronise threads, or they would hide races from the thread sanitizer.
   std::atomic<bool> active{false};
   std::mutex mutex;
-  std::uint64_t generation = 0;  // of `calls`: grows when they are forgotten
+  std::uint64_t generation = 0;  // of `calls`; grows when they are forgotten
   std::vector<SdlCall> calls;
   bool areRefusalsSuspended = false;
   std::map<std::string, Refusal> refusals;
-  std::size_t callsToRefusal = 0;  // of all fallible ones; 0: none is to be refused
+  std::size_t callsToRefusal = 0;  // fallible calls up to the one that fails; 0: none will fail
   std::deque<SDL_Event> events;    // to feed
   std::map<std::string, std::shared_ptr<Action>> actions;
   std::map<std::string, std::shared_ptr<Change>> changes;
@@ -46,14 +46,14 @@ struct RecorderState {
 
 bool isRecording();
 
-// One call: reported on construction.
+// One call; the constructor records it.
 class RecordedCall {
  public:
   explicit RecordedCall(SdlCall call);
   bool isRefused() const { return refused_; }
-  // True when the test fed an event.
+  // Returns true, and the event, if the test has fed one.
   bool takeFedEvent(SDL_Event* event) const;
-  // What the caller is to see instead of `result`; `error` is SDL's text if it failed.
+  // What the caller gets instead of `result`. `error` is SDL's error text if the call failed.
   std::int64_t answer(std::int64_t result, const char* error) const;
 
  private:

@@ -1,5 +1,5 @@
-// Takes the place of SDL's functions in this program (linker option --wrap) and passes each call on
-// to SDL unless the test refuses it.
+// Replaces SDL's functions in this program (linker option --wrap) and passes each call on to SDL
+// unless the test refuses it.
 #include <SDL.h>
 
 #include <array>
@@ -16,13 +16,13 @@ extern "C" decltype(SDL_GetError) __real_SDL_GetError;
 namespace framesink::test {
 namespace {
 
-// Pointers that are null and numbers below 0 come with an error text.
+// SDL sets an error text for failures that are null pointers or negative numbers.
 template <class Result>
 bool hasErrorText(Result failure) {
   return std::is_pointer_v<Result> || asNumber(failure) < 0;
 }
 
-// `failure`: the answer of a call that failed, and of one that is refused. `perform` makes the call.
+// `failure` is the result of a failed or refused call; `perform` makes the call.
 template <class Result, class Perform>
 Result recordedCall(SdlCall call, Result failure, Perform perform) {
   call.fallible = true;
@@ -93,7 +93,7 @@ void __wrap_SDL_Quit() { recorded("SDL_Quit", __real_SDL_Quit); }
 
 // ---- Threads and locks ----
 
-// SDL's header makes a macro of it on some systems; on this one it is a function.
+// A macro in SDL's header on some systems; on this one a function.
 decltype(SDL_CreateThread) __real_SDL_CreateThread;
 SDL_Thread* __wrap_SDL_CreateThread(SDL_ThreadFunction body, const char* name, void* data) {
   SDL_Thread* thread =
@@ -292,7 +292,7 @@ const char* __wrap_SDL_GetError() {
   return __real_SDL_GetError();
 }
 
-// Its arguments cannot be passed on: the text is made here.
+// The arguments of a variadic function cannot be passed on, so the text is formatted here.
 void __wrap_SDL_LogError(int category, const char* format, ...) {
   std::array<char, 1024> text;
   va_list arguments;

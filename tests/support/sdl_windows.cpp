@@ -10,7 +10,8 @@
 namespace framesink::test {
 namespace {
 
-// In the gate. No container that allocates: the display thread's memory may be running out.
+// Guarded by sdlGate. A fixed array, because a container's allocation on the display thread could
+// fail in tests that run out of memory.
 struct MadeWindow {
   SDL_Window* window = nullptr;
   OsThreadId maker = 0;

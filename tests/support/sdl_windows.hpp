@@ -1,6 +1,6 @@
-// SDL's windows as SDL itself knows them, whatever the video driver.
+// SDL's windows as SDL sees them, with any video driver.
 //
-// For programs that are linked with --wrap=SDL_CreateWindow and --wrap=SDL_DestroyWindow.
+// The program must be linked with --wrap=SDL_CreateWindow and --wrap=SDL_DestroyWindow.
 #pragma once
 
 #include <SDL.h>
@@ -20,11 +20,11 @@ struct SdlWindowFacts {
   Size size;
   bool fullscreen = false;
   std::optional<std::uint32_t> colour;  // of the pixel in the middle, 0x00RRGGBB
-  bool isOfThisThread = false;          // made by the thread that asks
+  bool isOfThisThread = false;          // made by the calling thread
   std::uint32_t id = 0;
 };
 
-// All windows there are at one instant, between two display passes.
+// All windows at one instant, between two display passes.
 std::vector<SdlWindowFacts> sdlWindows();
 
 std::size_t sdlWindowCount();

@@ -1,11 +1,11 @@
-// A place for files that a test writes.
+// A folder for files that a test writes.
 #pragma once
 
 #include <string>
 
 namespace framesink::test {
 
-// A folder under the temporary folder, removed with all it holds.
+// A new folder in the operating system's folder for temporary files; removed with its content.
 class TemporaryFolder {
  public:
   TemporaryFolder();

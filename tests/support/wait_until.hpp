@@ -1,4 +1,4 @@
-// Waiting in tests: for a condition, never for a time.
+// Waits for conditions, never for a fixed time.
 #pragma once
 
 #include <chrono>
@@ -8,16 +8,16 @@ namespace framesink::test {
 
 inline constexpr std::chrono::milliseconds kDeadline{10'000};
 
-// What waits for nobody is done within it: a second. Sanitizers need one for themselves on a busy
-// machine; with them only endless waits, and those of 20 s, are told apart.
+// Limit for a step that must not wait for anything: 1 s. Sanitizers on a busy machine may take that
+// long by themselves, so with them the limit only catches waits of 20 s and endless ones.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr std::chrono::milliseconds kAtOnce{10'000};
 #else
 inline constexpr std::chrono::milliseconds kAtOnce{1'000};
 #endif
 
-// Asks `holds` about every millisecond until it answers true or `deadline` has passed; it is asked
-// at least once. Returns its last answer.
+// Calls `holds` about every millisecond until it returns true or `deadline` has passed, at least
+// once. Returns its last result.
 template <class Predicate>
 bool waitUntil(Predicate holds, std::chrono::milliseconds deadline = kDeadline) {
   const auto end = std::chrono::steady_clock::now() + deadline;
@@ -28,7 +28,7 @@ bool waitUntil(Predicate holds, std::chrono::milliseconds deadline = kDeadline) 
   return true;
 }
 
-// True when `holds` answers true as long as it is looked at, about every millisecond.
+// Returns true if `holds` returns true every time for the whole `time`, about every millisecond.
 template <class Predicate>
 bool staysSo(Predicate holds, std::chrono::milliseconds time = std::chrono::milliseconds(50)) {
   return !waitUntil([&] { return !holds(); }, time);

@@ -11,18 +11,18 @@ namespace framesink::test {
 
 class XServer;
 
-// Runs weston, whose screen is a window on that X server: there one can see what it shows, and it
-// has the pointer and the keyboard without which SDL 2.26 crashes in SDL_Init.
+// Runs weston in a window on that X server. There a test can see what weston shows, and weston has
+// a pointer and a keyboard; without them SDL 2.26 crashes in SDL_Init.
 class WaylandServer {
  public:
-  // Throws std::runtime_error with the reason when weston is missing or not ready within 20 s.
+  // Throws std::runtime_error with the reason if weston is missing or not ready within 20 s.
   explicit WaylandServer(const XServer& server);
 
-  // What a program that shall find this compositor alone has in its environment.
+  // The environment of a program that is to find this compositor and no other display.
   std::vector<std::string> environment() const;
 
  private:
-  TemporaryFolder folder_;  // its sockets; for its user alone, as all temporary folders here
+  TemporaryFolder folder_;  // for the sockets; only this user may enter it
   ChildProcess compositor_;
 };
 

@@ -33,8 +33,9 @@ ChildOptions optionsFor(const XServer& server, const std::string& folder) {
           .endSignal = SIGTERM};
 }
 
-// Asks the window manager for the frame that an unmapped window would get. Its property is up long
-// before its event loop runs, and what arrives in between may lie unnoticed until the next event.
+// Asks the window manager which frame an unmapped window would get. The window manager announces
+// itself long before its event loop runs, and may not read an event that arrives in between until
+// the next one comes.
 class Probe {
  public:
   explicit Probe(XClient& client) : x_(client.connection()), window_(xcb_generate_id(x_.raw())) {
@@ -54,8 +55,8 @@ class Probe {
   Window window_;
 };
 
-// Several answers, because the server may serve this client before it reads a grab that the stopped
-// one had asked for.
+// Asks several times, because the server may answer this client before it reads the grab that the
+// stopped process had requested.
 bool serves(XConnection& x) {
   constexpr int kAnswers = 5;
   for (int i = 0; i < kAnswers; ++i) {

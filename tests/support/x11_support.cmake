@@ -1,5 +1,6 @@
-# Real X11 windows for tests: a server in memory, a window manager, a user's eyes and hands.
-# xcb and not Xlib, so that nothing but the library under test brings Xlib into the process.
+# Real X11 windows for tests: a server in memory, a window manager, and a client that sees and acts
+# like a user. It uses xcb and not Xlib, so that only the library under test brings Xlib into the
+# process.
 find_package(X11 REQUIRED COMPONENTS xcb)
 find_library(XCB_RES xcb-res REQUIRED)
 
@@ -33,7 +34,7 @@ target_link_libraries(sdl_windows PUBLIC framesink_process PRIVATE framesink_war
 target_link_options(sdl_windows INTERFACE
   LINKER:--wrap=SDL_CreateWindow LINKER:--wrap=SDL_DestroyWindow)
 
-# A program that links it has its SDL calls recorded, those of the code under test and its own.
+# Records the SDL calls of a program that links it: those of the code under test and its own.
 set(recorded_functions
   CreateMutex CreateRGBSurfaceFrom CreateRenderer CreateTexture CreateThread CreateWindow Delay
   DestroyMutex DestroyRenderer DestroyTexture DestroyWindow DetachThread EnableScreenSaver

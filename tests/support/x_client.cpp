@@ -6,7 +6,7 @@
 namespace framesink::test {
 namespace {
 
-// Keeps the window tree still.
+// While one lives, only this client can change the window tree.
 class ServerGrab {
  public:
   explicit ServerGrab(XConnection& x) : x_(x) { xcb_grab_server(x_.raw()); }
@@ -21,7 +21,7 @@ class ServerGrab {
   XConnection& x_;
 };
 
-// All requests about one window are sent before the first answer is awaited.
+// Sends all requests about one window before it waits for the first reply.
 struct Visit {
   Visit(XConnection& x, Window which)
       : window(which),
@@ -100,7 +100,7 @@ bool XClient::exists(Window window) {
   return x_.reply(xcb_get_geometry_reply, xcb_get_geometry(x_.raw(), window)) != nullptr;
 }
 
-// A window that bypasses the window manager needs no taking over.
+// A window that bypasses the window manager counts as managed.
 bool XClient::isManaged(Window window) {
   const auto attributes =
       x_.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x_.raw(), window));
@@ -121,7 +121,8 @@ Geometry XClient::screenGeometry() const {
   return {0, 0, x_.screen().width_in_pixels, x_.screen().height_in_pixels};
 }
 
-// True while a window manager lives: after its death the property stays, but not its window.
+// Reads the property of the window that the root names, because the root's own property remains
+// after the window manager's death.
 bool XClient::hasWindowManager() {
   const auto supporting = x_.items(x_.root(), "_NET_SUPPORTING_WM_CHECK");
   return supporting.size() == 1 &&
@@ -147,7 +148,7 @@ bool XClient::isIconified(Window window) { return hasState(window, "_NET_WM_STAT
 bool XClient::hasFocus(Window window) {
   const auto focus = x_.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x_.raw()));
   if (!focus) return false;
-  // Up from the focus; 0 and 1 stand for "none" and "wherever the pointer is".
+  // Walks up from the focus. The ids 0 and 1 mean "none" and "wherever the pointer is".
   for (Window current = focus->focus; current > XCB_INPUT_FOCUS_POINTER_ROOT;) {
     if (current == window) return true;
     const auto tree = x_.reply(xcb_query_tree_reply, xcb_query_tree(x_.raw(), current));

@@ -1,12 +1,12 @@
-// What a user does to windows.
+// XClient's part that acts like a user.
 #include "support/child_process.hpp"
 #include "support/x_client.hpp"
 
 namespace framesink::test {
 namespace {
 
-// Who asks, in messages to the window manager: the user, through a pager or taskbar. A window
-// manager obeys that where it may refuse an application.
+// The source of a request to the window manager: a pager or taskbar, on the user's behalf. A window
+// manager obeys that, while it may refuse an application's request.
 constexpr std::uint32_t kFromUser = 2;
 constexpr std::uint32_t kRemove = 0;
 constexpr std::uint32_t kAdd = 1;
@@ -15,7 +15,7 @@ constexpr std::uint32_t kNow = XCB_CURRENT_TIME;
 
 }  // namespace
 
-// Without a window manager, the message is the one that a window manager would send.
+// Without a window manager, sends the message that a window manager would send.
 bool XClient::closeButton(Window window) {
   if (!exists(window)) return false;
   if (hasWindowManager()) {
@@ -35,7 +35,7 @@ bool XClient::activate(Window window) {
   return waitUntil([&] { return hasFocus(window) || !exists(window); }) && exists(window);
 }
 
-// The key goes in at the server's keyboard, so it takes the way of a real one.
+// The server's keyboard gets the key, so it takes the way of a real one.
 bool XClient::pressKey(Window window, const std::string& key) {
   if (!hasFocus(window) && !activate(window)) return false;
   ChildProcess xdotool({"xdotool", "key", key}, {.environment = {"DISPLAY=" + x_.display()}});
@@ -56,7 +56,7 @@ bool XClient::raise(Window window) {
   return configure(window, XCB_CONFIG_WINDOW_STACK_MODE, {XCB_STACK_MODE_ABOVE});
 }
 
-// A window manager gets the request instead of the server and answers it in its own way.
+// With a window manager, the server passes the request to it, and it answers in its own way.
 bool XClient::configure(Window window, std::uint16_t mask,
                         const std::vector<std::uint32_t>& values) {
   return x_.check(xcb_configure_window_checked(x_.raw(), window, mask, values.data()));

@@ -1,4 +1,4 @@
-// XClient's view of what is on the screen.
+// XClient's part that reads pixels.
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::uint32_t kColourBits = 0x00FFFFFF;
 
-// True when pixels of this visual are 0x??RRGGBB in this machine's byte order: all that a server in
-// memory has at depths 24 and 32.
+// True if pixels of this visual are 0x??RRGGBB in this machine's byte order. A server in memory has
+// no others at depths 24 and 32.
 bool holdsRgb(const XConnection& x, xcb_visualid_t id) {
   auto depth = xcb_screen_allowed_depths_iterator(&x.screen());
   for (; depth.rem > 0; xcb_depth_next(&depth)) {

@@ -1,4 +1,4 @@
-// Each test that is not about the window manager itself runs without and with one.
+// Tests that do not concern the window manager itself run without one and with one.
 #include "support/x_client.hpp"
 
 #include <gtest/gtest.h>
@@ -142,7 +142,7 @@ TEST_P(XClientTest, ActivatesAWindow) {
   const PlainWindow second("second");
   x.waitForWindow("first");
   x.waitForWindow("second");
-  if (x.hasWindowManager()) {  // which gives a new window the focus some time after it is on screen
+  if (x.hasWindowManager()) {  // It gives a new window the focus some time after showing it.
     ASSERT_TRUE(waitUntil([&] { return x.activeWindow() == second.id(); }));
   }
   for (const Window id : {first.id(), second.id(), first.id()}) {

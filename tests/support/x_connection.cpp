@@ -9,7 +9,7 @@
 namespace framesink::test {
 namespace {
 
-constexpr std::uint32_t kLongest = 1 << 20;  // of a property, in 4-byte units
+constexpr std::uint32_t kLongest = 1 << 20;  // length of a property, in units of 4 bytes
 
 std::string describe(const xcb_generic_error_t& error) {
   static constexpr std::array kNames{

@@ -22,12 +22,12 @@ struct FreeReply {
 template <class T>
 using Reply = std::unique_ptr<T, FreeReply>;
 
-// Goes through xcb and not through Xlib: errors, and even the server's death, come back to the
-// caller here, where Xlib has one handler per process, which SDL claims too, and exits.
+// Uses xcb and not Xlib, so that errors, and even the server's death, are returned to the caller.
+// Xlib has one error handler per process, which SDL also sets, and exits.
 class XConnection {
  public:
-  // `display` as in DISPLAY; "" takes DISPLAY itself. Throws std::runtime_error when the server
-  // cannot be reached.
+  // `display` is in the form of DISPLAY; "" means DISPLAY itself. Throws std::runtime_error if the
+  // server cannot be reached.
   explicit XConnection(const std::string& display = "");
   ~XConnection();
   XConnection(const XConnection&) = delete;
@@ -38,8 +38,8 @@ class XConnection {
   const xcb_screen_t& screen() const { return *screen_; }
   Window root() const { return screen_->root; }
 
-  // Pairs with a request: reply(xcb_get_geometry_reply, xcb_get_geometry(raw(), window)). Null on
-  // failure.
+  // Waits for the reply to a request: reply(xcb_get_geometry_reply, xcb_get_geometry(raw(),
+  // window)). Null on failure.
   template <class Answer, class Cookie>
   Reply<Answer> reply(Answer* (*collect)(xcb_connection_t*, Cookie, xcb_generic_error_t**),
                       Cookie cookie) {
@@ -49,12 +49,12 @@ class XConnection {
     return answer;
   }
 
-  // For a ..._checked request: waits until the server has served it; false when it failed.
+  // For a ..._checked request: waits until the server has handled it. Returns false if it failed.
   bool check(xcb_void_cookie_t request);
 
   xcb_atom_t atom(const std::string& name);
 
-  // A property's 32-bit items; empty when it is missing.
+  // A property's 32-bit items; empty if the property is missing.
   std::vector<std::uint32_t> items(Window window, const std::string& property);
   xcb_get_property_cookie_t askProperty(Window window, const std::string& property);
   std::string text(xcb_get_property_cookie_t asked);
@@ -63,7 +63,7 @@ class XConnection {
   bool sendMessage(Window receiver, Window window, const std::string& type,
                    const std::vector<std::uint32_t>& items);
 
-  // What the last failure was, for a test's message.
+  // Describes the last failure, for a test's message.
   const std::string& lastError() const { return lastError_; }
 
  private:

@@ -9,7 +9,7 @@
 
 namespace framesink::test {
 
-// A server, with a window manager or without.
+// A server, with or without a window manager.
 class XTest : public testing::Test {
  protected:
   explicit XTest(bool managed) {
@@ -24,13 +24,13 @@ class XTest : public testing::Test {
   XClient x{server.display()};
 };
 
-// Windows appear where they ask to be, with no frame.
+// No window manager: windows appear where they ask to be, without a frame.
 class BareXTest : public XTest {
  protected:
   BareXTest() : XTest(false) {}
 };
 
-// As on a user's desktop.
+// With a window manager, as on a user's desktop.
 class ManagedXTest : public XTest {
  protected:
   ManagedXTest() : XTest(true) {}

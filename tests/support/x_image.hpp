@@ -1,4 +1,4 @@
-// Pictures and places as the X server holds them.
+// Pictures and positions in the X server's terms.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace framesink::test {
 
-// Pixels; x and y count from the screen's upper left corner, or from a window's where said.
+// In pixels; x and y count from the upper left corner of the screen, or of a window where stated.
 struct Geometry {
   int x = 0;
   int y = 0;
@@ -22,7 +22,7 @@ inline std::ostream& operator<<(std::ostream& out, const Geometry& g) {
   return out << g.width << "x" << g.height << "+" << g.x << "+" << g.y;
 }
 
-// Row by row, each pixel 0x00RRGGBB.
+// Pixels 0x00RRGGBB, row by row.
 struct Image {
   int width = 0;
   int height = 0;

@@ -20,7 +20,8 @@ std::size_t countOfClient(XConnection& x, std::uint32_t client) {
 
 }  // namespace
 
-// The server answers in the version that was asked for last; process ids came with 1.2.
+// Asks for version 1.2 first, because the server answers in the version last asked for, and process
+// ids came with 1.2.
 std::size_t countXResources(XConnection& x, pid_t process) {
   x.reply(xcb_res_query_version_reply, xcb_res_query_version(x.raw(), 1, 2));
   const xcb_res_client_id_spec_t everyClient{XCB_NONE, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

@@ -1,4 +1,4 @@
-// What a client holds of an X server.
+// Counts what a client has allocated in an X server.
 #pragma once
 
 #include <sys/types.h>
@@ -9,9 +9,9 @@
 
 namespace framesink::test {
 
-// Windows, pixmaps, graphics contexts, cursors and all else that the server keeps for the clients
-// of that process, but for colour maps: SDL 2.26 leaves one of each window behind until it is shut
-// down, three under OpenGL. 0 when the process has no client.
+// Counts windows, pixmaps, graphics contexts, cursors and everything else that the server keeps for
+// the clients of that process, except colour maps: SDL 2.26 frees those only when it is shut down,
+// one for each window, three under OpenGL. Returns 0 if the process has no client.
 std::size_t countXResources(XConnection& x, pid_t process);
 
 }  // namespace framesink::test

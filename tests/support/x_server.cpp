@@ -12,7 +12,7 @@ std::vector<std::string> serverCommand(ScreenSize size) {
           screen, "-nolisten",  "tcp", "-ac",     "-terminate"};
 }
 
-// With -displayfd the server writes its number once it accepts connections.
+// -displayfd makes the server write its display number once it accepts connections.
 std::string readDisplay(ChildProcess& server) {
   const auto written = [&] { return server.standardOutput().find('\n') != std::string::npos; };
   waitUntil([&] { return written() || !server.isRunning(); }, std::chrono::seconds(20));
@@ -26,7 +26,7 @@ std::string readDisplay(ChildProcess& server) {
 
 }  // namespace
 
-// SIGTERM rather than SIGKILL: the server then removes its socket.
+// Uses SIGTERM because the server then removes its socket.
 XServer::XServer(ScreenSize size)
     : server_(serverCommand(size), {.environment = {}, .endSignal = SIGTERM}),
       display_(readDisplay(server_)),

@@ -14,14 +14,14 @@ struct ScreenSize {
   int height = 1024;
 };
 
-// Runs Xvfb on a display number that the server picks itself. While it lives, DISPLAY of this
-// process names it and SDL_VIDEODRIVER and WAYLAND_DISPLAY keep SDL on it.
+// Runs Xvfb on a display number that the server chooses. While it lives, DISPLAY of this process
+// names it, and SDL_VIDEODRIVER and WAYLAND_DISPLAY make SDL use it.
 class XServer {
  public:
-  // Throws std::runtime_error with the reason when Xvfb is missing or not ready within 20 s.
+  // Throws std::runtime_error with the reason if Xvfb is missing or not ready within 20 s.
   explicit XServer(ScreenSize size = {});
 
-  // As in DISPLAY, for example ":3".
+  // In the form of DISPLAY, for example ":3".
   const std::string& display() const { return display_; }
   pid_t pid() const { return server_.pid(); }
   bool isRunning() { return server_.isRunning(); }
@@ -29,17 +29,17 @@ class XServer {
  private:
   ChildProcess server_;
   std::string display_;
-  // The server ends by itself when its last client has gone: with this one, whatever ends the test.
-  // A signal alone is not enough, for it gets lost when it comes as the server goes to sleep.
+  // The server ends when its last client disconnects. This client disconnects however the test
+  // ends. The signal alone is not enough: it gets lost if it arrives as the server goes to sleep.
   XConnection keeper_;
   ScopedVariable displayVariable_;
   ScopedVariable waylandVariable_;
   ScopedVariable videoDriverVariable_;
 };
 
-// The server of this test process, started at the first call and again after somebody killed it. It
-// is never destroyed but dies with the process: a library that still holds a connection while its
-// own exit handlers run must not lose it, for that would end the process with an error.
+// The server of this test process, started at the first call, and again if it was killed. It is
+// never destroyed but ends with the process, because a library may still hold a connection while
+// its exit handlers run, and would end the process with an error if the connection broke.
 XServer& sharedXServer();
 
 }  // namespace framesink::test

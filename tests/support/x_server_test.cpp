@@ -28,7 +28,7 @@ std::string messageOf(const std::function<void()>& failing) {
   return "";
 }
 
-// Takes the place of a program in PATH and only writes "the reason" to its stderr.
+// Replaces a program in PATH by one that only writes "the reason" to stderr.
 class BrokenProgram {
  public:
   explicit BrokenProgram(const std::string& name) : path_("PATH", folder_.path()) {
@@ -73,7 +73,7 @@ TEST(XServer, SharesTheMachineWithOthers) {
   EXPECT_NO_THROW(XClient{second.display()});
 }
 
-// A server of somebody else may take the same number at once: its socket is another file.
+// Compares change times, because another server may take the same number, and path, at once.
 TEST(XServer, LeavesNoSocketBehind) {
   std::string path;
   struct stat socket {};
@@ -161,7 +161,7 @@ TEST(WindowManager, AnswersNobodyWhileItHangs) {
   EXPECT_TRUE(waitUntil(isIconified));
 }
 
-// While it takes a window over it has the server grabbed.
+// openbox grabs the server while it starts to manage a window.
 TEST(WindowManager, HangsWithoutTheServer) {
   const XServer server;
   WindowManager manager(server);

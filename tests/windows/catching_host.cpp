@@ -1,5 +1,5 @@
-// catching_host LIBRARY WAY: asks for a window of more bytes than there are. WAY is "catch", or "uncaught" for a host
-// that cannot catch what libCreate throws.
+// catching_host LIBRARY WAY: asks for a window whose frames need more memory than there is. WAY is
+// "catch", or "uncaught" for a host that cannot catch what libCreate throws.
 #include <cstring>
 #include <new>
 

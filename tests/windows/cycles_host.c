@@ -1,5 +1,6 @@
-/* cycles_host LIBRARY CYCLES WHEN: loads the library and frees it again with windows open, again and again. WHEN is
- * "shown", when nobody else holds the library any more, or "at-once", while windows are in the making. */
+/* cycles_host LIBRARY CYCLES WHEN: loads the library and unloads it with windows open, CYCLES
+ * times. WHEN is "shown" (once nobody else holds the library) or "at-once" (while windows are being
+ * made). */
 #include <windows.h>
 
 #include <stdio.h>
@@ -10,11 +11,12 @@
 
 typedef struct Cycle {
   int number;
-  int waits; /* for the windows, and to be the only one who holds the library */
+  int waits; /* true: waits for the windows, and until only this program holds the library */
 } Cycle;
 
-/* Blocks of one display, the other, and both, and windows that are asked to close just before. At once, synchronous
- * windows are made alone: a thread of the system's that unloads the library cannot close them. */
+/* Opens threaded windows, synchronous ones, or both; in some cycles destroys a window just before
+ * unloading. A cycle that does not wait never mixes the two, because a thread of the operating
+ * system may then unload the library, and that thread cannot close synchronous windows. */
 static void play(const Library* library, Cycle cycle) {
   const uint8_t first = cycle.number % 3 == 1;
   const uint8_t second = cycle.waits ? cycle.number % 3 != 0 : first;
@@ -45,27 +47,27 @@ static double runCycle(const char* path, Cycle cycle) {
   CHECK(isUnloaded("pixkit"));
   CHECK(areThreadsGone(0));
   const double seconds = secondsNow() - start;
-  CHECK(seconds < 10); /* a hang is 20 s */
+  CHECK(seconds < 10); /* a hang takes 20 s */
   return seconds;
 }
 
-/* The number of the first free handle: Wine gives out the lowest, 4 apart. */
+/* The number of the lowest free handle, which Wine hands out next. Handles are 4 apart. */
 static int firstFreeHandle(void) {
   const HANDLE event = CreateEventA(NULL, FALSE, FALSE, NULL);
   CloseHandle(event);
   return (int)((intptr_t)event / 4);
 }
 
-/* Of a library of Wine's that SDL loads. */
+/* Handles that remain after Wine's winmm, which SDL loads, is loaded and unloaded. */
 static int handlesLeftByWine(void) {
-  FreeLibrary(LoadLibraryA("winmm")); /* the first time costs more */
+  FreeLibrary(LoadLibraryA("winmm")); /* the first time takes more handles */
   const int before = firstFreeHandle();
   FreeLibrary(LoadLibraryA("winmm"));
   return firstFreeHandle() - before;
 }
 
-/* That of the thread that is never joined, and two that the compiler's thread library keeps for the host's thread. A
- * thread that ends late may still have some. */
+/* Each cycle leaves the handle of the thread that is never joined, and two that the compiler's
+ * thread library keeps for the host's thread. A thread that ends late may still hold some. */
 static int mayLeaveHandles(int cycles) { return cycles * (3 + handlesLeftByWine()) + cycles / 2; }
 
 int main(int count, char** arguments) {

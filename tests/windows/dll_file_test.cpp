@@ -1,4 +1,5 @@
-// The DLL that was packed, as a file: what it offers, what it asks for, and what its code may not hold.
+// Checks the packed DLL as a file: its exports, its imports and instructions that it must not
+// contain.
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -30,7 +31,7 @@ std::string objdump(const std::string& what, const std::string& file) {
   return outputOf({"x86_64-w64-mingw32-objdump", what, packed(file)});
 }
 
-// The first group of every match.
+// The first group of each match of `pattern`.
 Names found(const std::string& text, const std::string& pattern) {
   const std::regex expression(pattern);
   Names names;
@@ -84,7 +85,8 @@ TEST(DllFile, TellsItsVersion) {
   EXPECT_EQ(found(resource, "FILEVERSION (.*)"), Names{numbers});
 }
 
-// Stacks are aligned to 16 bytes: a move of more that wants alignment ends the process now and then.
+// Windows aligns stacks to 16 bytes only, so an aligned move of a wider vector crashes now and
+// then.
 TEST(DllFile, MovesNoWideVectorThatMustBeAligned) {
   const std::string code = objdump("-d", "framesink.dll");
   EXPECT_FALSE(found(code, "(vmovdqu\\w* .*%[yz]mm)").empty());

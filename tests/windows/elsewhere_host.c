@@ -1,7 +1,9 @@
-/* elsewhere_host LIBRARY HOW: has the library unloaded on another thread than the one that made a synchronous window:
- * by a thread of its own ("thread"), by one that has made another such window ("both"), or by the system's, because
- * threaded windows are in the making ("making"). Nothing may happen to the thread with the window when that gets
- * messages later. */
+/* elsewhere_host LIBRARY HOW: has the library unloaded on another thread than the one that made a
+ * synchronous window. HOW names that other thread:
+ * - "thread": a thread of this program.
+ * - "both": a thread of this program that has made such a window, too.
+ * - "making": a thread of the operating system, because threaded windows are being made.
+ * The first window's thread must survive the messages that the window gets later. */
 #include <windows.h>
 
 #include <string.h>
@@ -31,7 +33,7 @@ static void unloadElsewhere(char* ownWindow) {
   CloseHandle(thread);
 }
 
-/* True unless the windows were made at once, and the library unloaded here. */
+/* False if the windows were made so fast that this thread unloaded the library. */
 static int unloadWhileWindowsAreMade(void) {
   static const char* const names[4] = {"making A", "making B", "making C", "making D"};
   for (uint32_t i = 0; i < 4; ++i) {

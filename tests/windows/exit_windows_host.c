@@ -1,5 +1,5 @@
-/* exit_windows_host LIBRARY DISPLAY ENDING: shows two windows and ends with status 7 while they are open. DISPLAY is
- * threaded, synchronous or both. */
+/* exit_windows_host LIBRARY DISPLAY ENDING: shows two windows and exits with status 7 while they
+ * are open. DISPLAY is threaded, synchronous or both. */
 #include <windows.h>
 
 #include <stdlib.h>
@@ -27,7 +27,7 @@ static void showOnce(uint32_t colour) {
   updateBlock(&library, blocks[1], &frame);
 }
 
-/* The library ends after the program's own exit handlers. */
+/* The library must still work here, because it ends after the program's own exit handlers. */
 static void useAtExit(void) {
   int32_t position[2], size[2];
   CHECK(library.isOpen("exit A"));
@@ -45,7 +45,7 @@ static DWORD WINAPI leave(void* unused) {
   exit(STATUS);
 }
 
-/* The thread that shows frames is ended inside the library. */
+/* The process ends while this thread, which shows frames, is inside the library. */
 static void pumpUntilEnded(void) {
   CHECK(CreateThread(NULL, 0, leave, NULL, 0, NULL) != NULL);
   for (uint32_t colour = 0;; ++colour) showOnce(colour);

@@ -1,5 +1,6 @@
-/* hung_host LIBRARY: a program that hangs in its own treatment of one of the library's windows, on the display thread.
- * Nothing waits for that but unloading, which gives up after its 20 s. Ends with status 7. */
+/* hung_host LIBRARY: a program that hangs on the display thread, in its own message handler for one
+ * of the library's windows. Only unloading waits for that, and gives up after 20 s. Exits with
+ * status 7. */
 #include <windows.h>
 
 #include <stdio.h>

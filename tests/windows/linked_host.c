@@ -1,4 +1,4 @@
-/* A host that is linked with the library: told by its import library alone where functions and strings are. */
+/* A host linked with the library. It finds functions and data through the import library alone. */
 #include <framesink/framesink.h>
 #include <stdio.h>
 

@@ -1,5 +1,6 @@
-/* pictures_host LIBRARY FOLDER WIDTH HEIGHT SYNCHRONOUS: shows each kind of frame in each sample type in a window of its
- * own, named like the file in the folder that holds its planes, until the user has closed them all. */
+/* pictures_host LIBRARY FOLDER WIDTH HEIGHT SYNCHRONOUS: shows each kind of frame with each sample
+ * type in a window of its own, until the user has closed them all. FOLDER has a file with the
+ * planes for each window, under the window's name. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>

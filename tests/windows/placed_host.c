@@ -1,5 +1,5 @@
-/* placed_host LIBRARY SYNCHRONOUS: opens a window at the upper edge of the screen and tells its place and size, and
- * whenever they change, until the user closes it. */
+/* placed_host LIBRARY SYNCHRONOUS: opens a window at the upper edge of the screen and prints its
+ * place and size, and again whenever they change, until the user closes it. */
 #include <stdio.h>
 #include <string.h>
 

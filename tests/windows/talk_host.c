@@ -1,6 +1,7 @@
-/* talk_host LIBRARY MANNER: a host with a window of its own. It raises and renames the library's windows from its
- * thread, gives the focus back and forth, and unloads the library while one of these has the focus. MANNER is "polite",
- * or "busy" for a host that never handles the messages of its window. */
+/* talk_host LIBRARY MANNER: a host with a window of its own. It raises and renames the library's
+ * windows from its thread, moves the focus back and forth, and unloads the library while one of its
+ * windows has the focus. MANNER is "polite", or "busy" for a host that never handles its window's
+ * messages. */
 #include <windows.h>
 
 #include <stdio.h>
@@ -9,7 +10,8 @@
 
 #include "host.h"
 
-enum { ROUNDS = 200, LIMIT = 10 }; /* seconds that a busy machine may take; a hang is longer */
+/* LIMIT is in seconds; a busy machine may come near it, a hang takes longer. */
+enum { ROUNDS = 200, LIMIT = 10 };
 
 static HWND openOwnWindow(void) {
   const HWND window = CreateWindowA("STATIC", "the host's own", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
@@ -30,7 +32,7 @@ static int compareSeconds(const void* left, const void* right) {
   return (difference > 0) - (difference < 0);
 }
 
-/* Seconds that each round's three calls took, the longest last. */
+/* Stores how long each round's three calls took, in seconds, in ascending order. */
 static void talk(const Library* library, void* block, HWND own, double seconds[ROUNDS]) {
   static const uint32_t place[2] = {100, 100};
   char title[32];
@@ -55,7 +57,8 @@ static int hasTitle(const char* title) {
   return window != NULL && GetWindowThreadProcessId(window, NULL) != GetCurrentThreadId();
 }
 
-/* Frames are drawn from memory, and nobody types text into the windows. */
+/* These libraries must not be loaded: frames are drawn from memory, and nobody types text into the
+ * windows. */
 static void checkThatLittleIsLoaded(void) {
   static const char* const unwanted[] = {"opengl32", "d3d9", "d3d11", "d3d12", "msctf"};
   for (size_t i = 0; i < sizeof unwanted / sizeof *unwanted; ++i) {
@@ -76,7 +79,7 @@ int main(int count, char** arguments) {
   double seconds[ROUNDS];
   talk(&library, blocks[0], own, seconds);
   CHECK(seconds[ROUNDS - 1] < LIMIT);
-  CHECK(hasTitle("title 199")); /* the window is another thread's */
+  CHECK(hasTitle("title 199")); /* of a window of another thread */
   CHECK(FindWindowA(NULL, "talk A") == NULL);
   checkThatLittleIsLoaded();
   const double start = secondsNow();

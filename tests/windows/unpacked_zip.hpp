@@ -1,4 +1,4 @@
-// The zip as those who get it unpack it.
+// The zip, unpacked as a user would.
 #pragma once
 
 #include <set>
@@ -12,12 +12,12 @@ class UnpackedZip {
  public:
   UnpackedZip();
 
-  // Of a file in the zip's one folder.
+  // The path of a file in the zip's single folder.
   std::string path(const std::string& file) const;
   std::string read(const std::string& file) const;
-  // All of them, by their path in that folder.
+  // All files, as paths in that folder.
   std::set<std::string> files() const;
-  // What else is beside that folder; empty as it should be.
+  // Entries beside that folder; there should be none.
   std::set<std::string> strays() const;
 
  private:

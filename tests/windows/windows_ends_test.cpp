@@ -1,4 +1,4 @@
-// Unloading the DLL, and the end of its host, while windows are open.
+// Unloading the DLL, and ending its host, while windows are open.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(Display, WindowsExit,
                                   withoutDashes(std::get<1>(test.param));
                          });
 
-// A wait for a thread that is gone would take 20 s; how long it took is told.
+// A wait for a thread that has ended already would take 20 s. Prints how long the end took.
 TEST_P(WindowsExit, ReturnsTheHostsStatusAtOnce) {
   const auto [display, ending] = GetParam();
   HostProcess host("exit_windows_host", {display, ending});

@@ -1,4 +1,4 @@
-// Windows programs that live with the DLL.
+// Windows programs that use the DLL.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -20,7 +20,7 @@ namespace files = std::filesystem;
 
 constexpr Size kFrame{64, 48};
 
-// Wine waits for a window manager's answers.
+// Managed, because Wine waits for a window manager's answers.
 class WindowsHosts : public ManagedXTest {};
 
 TEST_F(WindowsHosts, WalkTheWholeLifecycle) {
@@ -39,7 +39,7 @@ TEST_F(WindowsHosts, WalkTheWholeLifecycle) {
 
 class WindowsPlaces : public WindowsHosts, public testing::WithParamInterface<bool> {
  protected:
-  // The host tells where the window is and how large, once both stand still.
+  // Waits until the host has printed the window's place and size.
   bool isTold(HostProcess& host, Window window) {
     return waitUntil([&] {
       const Geometry at = x.geometry(window);
@@ -101,7 +101,7 @@ TEST_F(WindowsHosts, EndWhenTheyCannotCatchIt) {
 
 class WindowsRanges : public WindowsHosts {
  protected:
-  // The library beside another pixkit.
+  // Copies the library into a folder with another pixkit; returns the copy's path.
   std::string libraryBeside(const std::string& pixkit) {
     for (const char* file : {"framesink.dll", "SDL2.dll"}) {
       files::copy(files::path(FRAMESINK_LIBRARY).replace_filename(file), folder.path());
@@ -113,7 +113,8 @@ class WindowsRanges : public WindowsHosts {
   TemporaryFolder folder;
 };
 
-// Singles range from 10 to 20 in that one: 15 is a middle grey. 8 x 6 samples of it in the middle of 16 x 12.
+// That pixkit's singles range from 10 to 20, so 15 is a middle grey. The host shows 8 x 6 such
+// samples in the middle of 16 x 12.
 TEST_F(WindowsRanges, AreThoseOfThePixkitBesideTheLibrary) {
   const std::string library = libraryBeside(OTHER_PIXKIT);
   ChildProcess host = startOnWindows(HOST_FOLDER "/ranges_host.exe", {library, "15"});

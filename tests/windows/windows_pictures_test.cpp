@@ -1,4 +1,4 @@
-// What windows of a Windows program show, read back pixel by pixel.
+// Compares the windows of a Windows program with the conversion rules, pixel by pixel.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -25,7 +25,7 @@ const char* nameOf(const Kind& kind) {
   return &kind == &kRgb ? "rgb" : &kind == &kIntensity ? "intensity" : "ycbcr";
 }
 
-// Puts the planes where the host finds them.
+// Writes the planes to the file that the host reads.
 Shown makeFrame(const std::string& folder, const Kind& kind, std::uint32_t dataType) {
   const HostPlanes planes = randomPlanes(kind, dataType, kFrame);
   std::string name = nameOf(kind);

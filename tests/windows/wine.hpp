@@ -1,4 +1,4 @@
-// Windows programs on the tests' X server.
+// Runs Windows programs on the tests' X server.
 #pragma once
 
 #include <string>
@@ -8,10 +8,11 @@
 
 namespace framesink::test {
 
-// Wine takes a while to begin, and on a busy machine a second for a window.
+// Wine takes a while to start, and on a busy machine a second to open a window.
 inline constexpr std::chrono::seconds kWineDeadline{60};
 
-// Wine runs from the first test to the last: it keeps the size of the first screen it finds.
+// Runs a program under Wine. Wine itself runs from the first test to the last, because it keeps the
+// size of the first screen it finds.
 ChildProcess startOnWindows(const std::string& program,
                             const std::vector<std::string>& arguments = {});
 

@@ -1,4 +1,4 @@
-// The zip: what is in it, and that it is all a host needs.
+// Checks what the zip contains, and that a host needs nothing else.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ class WindowsZip : public testing::Test {
     return testing::AssertionFailure() << program.standardError();
   }
 
-  // With the headers of the zip, and what it needs to be linked.
+  // Compiles a host with the zip's headers, links it with `importLibrary` and runs it.
   void linksAHostWith(const std::string& importLibrary) {
     const std::string host = zip.path("bin/linked_host.exe");
     ASSERT_TRUE(runs({"x86_64-w64-mingw32-gcc-posix", "-Wall", "-Werror", "-I", zip.path("include"),
@@ -50,7 +50,7 @@ TEST_F(WindowsZip, HoldsWhatAHostNeedsAndNothingElse) {
   EXPECT_EQ(zip.strays(), std::set<std::string>());
 }
 
-// Of headers and licences by their folders.
+// The readme lists headers and licences by their folder, all other files by name.
 TEST_F(WindowsZip, IsToldOfInItsReadme) {
   const std::string readme = zip.read("README.txt");
   EXPECT_EQ(readme.find("framesink " PROJECT_VERSION " for 64-bit Windows\r\n"), 0U);
@@ -78,7 +78,7 @@ TEST_F(WindowsZip, LinksAHostWithItsImportLibrary) {
   linksAHostWith(zip.path("lib/libframesink.dll.a"));
 }
 
-// Other compilers' tools make their import libraries of it.
+// Other compilers' tools make their import libraries from the list of exports.
 TEST_F(WindowsZip, LinksAHostWithItsListOfExports) {
   const std::string made = zip.path("lib/made.a");
   ASSERT_TRUE(
@@ -90,7 +90,7 @@ TEST_F(WindowsZip, LinksAHostWithItsListOfExports) {
 
 class WindowsPlayer : public ManagedXTest {
  protected:
-  // Not one colour alone.
+  // True if the window shows more than a few colours.
   bool showsAPicture(Window window) {
     return waitUntil([&] {
       const std::vector<std::uint32_t> pixels = x.pixels(window).pixels;

@@ -13,16 +13,16 @@
 namespace framesink {
 namespace {
 
-// Sizes go from -kMargin on, up to kLargestWidth x kLargestHeight.
+// Widths and heights go from -kMargin to these.
 constexpr std::int32_t kMargin = 4;
 constexpr std::int32_t kLargestWidth = 96;
 constexpr std::int32_t kLargestHeight = 24;
-// The largest extents: a row-major intensity plane of odd width is read to almost twice its size,
-// and overlapping YUY2 pairs take four bytes a pixel.
+// Room for the largest extents: row-major intensity of odd width reads almost twice the plane, and
+// overlapping YUY2 pairs take four bytes a pixel.
 constexpr std::size_t kLargestPlane = 2 * kLargestWidth * kLargestHeight + 64;
 constexpr std::size_t kLargestOutput = 4 * kLargestWidth * kLargestHeight + 64;
 
-// Bytes taken one after another; 0 when there are no more.
+// The bytes of the input, one after another; 0 once all are taken.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
@@ -33,7 +33,7 @@ class Input {
     return *data_++;
   }
 
-  // All that is left, again and again.
+  // Fills `to` with the bytes that are left, repeated as often as needed.
   void fill(std::uint8_t* to, std::size_t count, std::size_t start) const {
     for (std::size_t i = 0; i < count; ++i) to[i] = size_ == 0 ? 0 : data_[(start + i) % size_];
   }
@@ -58,7 +58,7 @@ Placement placementFrom(std::uint8_t byte) {
           .outputOffset = byte / 16U};
 }
 
-// Made once per kernel.
+// The check of one kernel, made at its first use.
 KernelCheck& checkOf(std::size_t number) {
   static const std::vector<KernelCase> cases = kernelCases();
   static std::vector<std::unique_ptr<KernelCheck>> checks(cases.size());
@@ -77,7 +77,7 @@ std::size_t planeBytes(const KernelCase& test, const oracle::Frame& frame, std::
 }  // namespace
 }  // namespace framesink
 
-// Tells whose ranges the search is about.
+// Prints which ranges the search uses.
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   std::fprintf(stderr, "doubles reach from %g to %g, int16 from %d to %d\n", videoTraits<0>::min,
                videoTraits<0>::max, videoTraits<4>::min, videoTraits<4>::max);

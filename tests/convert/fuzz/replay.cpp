@@ -1,4 +1,4 @@
-// kernel_fuzz_replay FOLDER: plays every file of the folder. Status 1 when there is none.
+// kernel_fuzz_replay FOLDER: runs every file of the folder. Exits with 1 if there is none.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

@@ -1,1 +1,1 @@
-"""What the tests in Python share."""
+"""Helpers that the Python tests share."""

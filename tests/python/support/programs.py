@@ -12,13 +12,13 @@ PYTHON = sys.executable
 
 
 def start(command, environment, stdin=subprocess.DEVNULL, process_group=None):
-    """Starts a program; end() has what it wrote. Process group 0 is one of its own, for kill_group()."""
+    """Starts a program; end() returns what it wrote. With process_group=0 it gets its own group, for kill_group()."""
     return subprocess.Popen(command, env=environment, text=True, stdin=stdin, stdout=subprocess.PIPE,
                             stderr=subprocess.PIPE, process_group=process_group)
 
 
 def end(program, deadline=DEADLINE):
-    """Status, output and complaints of a program that is about to end by itself."""
+    """Waits for a program that ends by itself. Returns its status, output and complaints."""
     try:
         output, complaints = program.communicate(timeout=deadline)
     except subprocess.TimeoutExpired:
@@ -28,7 +28,7 @@ def end(program, deadline=DEADLINE):
 
 
 def kill_group(program):
-    """Kills what is left of a program that has a process group of its own, and of those that it started."""
+    """Kills what still runs of a program with its own process group: the program and those that it started."""
     try:
         os.killpg(program.pid, signal.SIGKILL)
     except ProcessLookupError:
@@ -37,10 +37,10 @@ def kill_group(program):
 
 
 def run(command, environment, deadline=DEADLINE):
-    """The same of a program from its start."""
+    """Starts a program and waits for its end. Returns its status, output and complaints."""
     return end(start(command, environment), deadline)
 
 
 def start_python(screen, *arguments, stdin=subprocess.DEVNULL):
-    """A program in this Python with its windows on `screen`."""
+    """Starts a program in this Python, with its windows on `screen`."""
     return start([PYTHON, *arguments], screen.environment, stdin)

@@ -1,4 +1,4 @@
-"""A private X server in memory, and the user's eyes and hands on its windows."""
+"""A private X server in memory, and what a user sees and does with its windows."""
 
 import os
 import select
@@ -12,7 +12,7 @@ from .waiting import DEADLINE, wait_until
 
 
 class Screen:
-    """Runs Xvfb, which ends with its last client: this one."""
+    """Runs Xvfb. The server ends when its last client disconnects, and this object is one."""
 
     def __init__(self, width=1280, height=1024):
         read_end, write_end = os.pipe()
@@ -37,26 +37,26 @@ class Screen:
 
     @property
     def environment(self):
-        """What brings a program's windows here."""
+        """The environment of a program whose windows are to open on this screen."""
         ours = {"DISPLAY": self.name, "SDL_VIDEODRIVER": "x11"}
         return {key: value for key, value in os.environ.items() if key != "WAYLAND_DISPLAY"} | ours
 
     def windows(self):
-        """The windows on the screen by title, the lowest first."""
+        """The windows on the screen by title, from the lowest to the topmost."""
         shown = {}
         for window in self._x.screen().root.query_tree().children:
             try:
                 if window.get_attributes().map_state == X.IsViewable:
                     shown[self._title(window)] = window
             except error.XError:
-                pass  # it went meanwhile
+                pass  # the window is gone
         return shown
 
     def shows(self, title):
         return title in self.windows()
 
     def wait_for(self, title):
-        """The window; it may go at any time, as others of its title may come."""
+        """Returns the window with this title. It may close at any time, and others with its title may open."""
         seen = {}
 
         def is_there():
@@ -72,11 +72,11 @@ class Screen:
         return place.x, place.y, place.width, place.height
 
     def pixels(self, title):
-        """What the window shows: (height, width, 3) of uint8. None when it goes meanwhile."""
+        """What the window shows, (height, width, 3) of uint8; None if the window closes meanwhile."""
         return self.picture_of(self.wait_for(title))
 
     def picture_of(self, window):
-        """The same of one of windows()."""
+        """What one of windows() shows, (height, width, 3) of uint8; None if the window closes meanwhile."""
         try:
             place = window.get_geometry()
             data = window.get_image(0, 0, place.width, place.height, X.ZPixmap, 0xFFFFFFFF).data
@@ -85,7 +85,7 @@ class Screen:
         return np.frombuffer(data, np.uint8).reshape(place.height, place.width, 4)[:, :, 2::-1]
 
     def wait_for_pixels(self, title, expected):
-        """Until the window shows these; intensity is grey."""
+        """Waits until the window shows these pixels. Intensity is compared as grey."""
         if expected.ndim == 2:
             expected = np.repeat(expected[:, :, np.newaxis], 3, axis=2)
         if not wait_until(lambda: np.array_equal(self.pixels(title), expected)):
@@ -99,7 +99,7 @@ class Screen:
         self.ask_to_close(self.wait_for(title))
 
     def ask_to_close(self, window):
-        """What a close button sends; the window may have gone meanwhile."""
+        """Sends what a close button sends. Does nothing if the window is gone."""
         protocols, delete = (self._x.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
         window.send_event(event.ClientMessage(window=window, client_type=protocols,
                                               data=(32, [delete, X.CurrentTime, 0, 0, 0])),

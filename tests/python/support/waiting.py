@@ -1,4 +1,4 @@
-"""Waiting in tests: for a condition, never for a time."""
+"""Waits for conditions, never for a fixed time."""
 
 import time
 
@@ -6,7 +6,7 @@ DEADLINE = 20.0  # seconds
 
 
 def wait_until(holds, deadline=DEADLINE):
-    """Asks `holds` until it answers true or the deadline has passed; returns its last answer."""
+    """Calls `holds` until it returns a true value or the deadline has passed. Returns its last result."""
     end = time.monotonic() + deadline
     while not (answer := holds()):
         if time.monotonic() >= end:
