@@ -8,8 +8,8 @@
 
 namespace {
 
-// The samples that stand for 0..255 in the range min..max. Integer ranges are exact in 64 bits:
-// (2 v span + 255) / 510 is v span / 255 rounded to nearest.
+// The samples that stand for 0..255 in the range min..max. For integers, (2 v span + 255) / 510 is
+// v span / 255 rounded to nearest; all terms fit into 64 bits.
 template <class Sample>
 constexpr std::array<Sample, 256> eightBitSamples(Sample min, Sample max) {
   std::array<Sample, 256> samples{};
@@ -32,7 +32,8 @@ void convertDoubles(const double* source, void* destination, std::size_t count) 
   const auto* from = reinterpret_cast<const unsigned char*>(source);
   auto* to = static_cast<unsigned char*>(destination);
   for (std::size_t i = 0; i < count; ++i) {
-    double x;  // Bytes are copied in and out because source and destination may be the same place.
+    // Copied as bytes, because `source` and `destination` may be the same address.
+    double x;
     std::memcpy(&x, from + i * sizeof x, sizeof x);
     const double value = std::nearbyint(min + x * (max - min));
     Sample sample = std::numeric_limits<Sample>::min();

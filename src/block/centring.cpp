@@ -9,7 +9,7 @@
 namespace framesink {
 namespace {
 
-// First sample of the source in the frame; halves truncate toward zero.
+// Index in the frame of the source's first sample; halves truncate toward zero.
 std::int64_t firstSample(PlaneSize source, PlaneSize frame) {
   const std::int64_t left = (std::int64_t{frame.width} - source.width) / 2;
   const std::int64_t top = (std::int64_t{frame.height} - source.height) / 2;

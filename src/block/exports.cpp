@@ -31,7 +31,7 @@ void reportPendingError(char* errorMessage) {
   }
 }
 
-// The window-control exports have no way to report: what memory does not allow does not happen.
+// The window-control exports have no error buffer, so they do nothing if memory runs out.
 template <class Action>
 void controlWindows(Action action) {
   const HostCall call;
@@ -142,7 +142,7 @@ void renameVideoWindow(const char* name, const char* newName, const char* newTit
   });
 }
 
-// __DATE__ is the compiler's own form; builds honour SOURCE_DATE_EPOCH.
+// The compiler formats __DATE__ and takes it from SOURCE_DATE_EPOCH if that is set.
 const char* const framesink_version = FRAMESINK_VERSION;
 const char* const framesink_build_date = __DATE__;
 const char* const framesink_relative_path = "bin\\win64\\framesink.dll";
@@ -150,8 +150,8 @@ const char* const framesink_relative_path = "bin\\win64\\framesink.dll";
 
 namespace {
 
-// The life of a block in the order of its calls. Nothing in the library reads the table; it is kept
-// for tools that look for it in the library's writable data.
+// The functions of a block's life, in the order of their calls. Nothing in the library reads the
+// table; it is kept for tools that look for it in the library's writable data.
 using EntryPoint = void (*)();
 [[gnu::used]] EntryPoint lifecycleEntryPoints[] = {
     reinterpret_cast<EntryPoint>(libCreate),    reinterpret_cast<EntryPoint>(libStart),

@@ -21,7 +21,7 @@ FrameSinkBlock::FrameSinkBlock(BlockSettings settings, const InputDescription* i
                         input),
       settings_(std::move(settings)) {}
 
-// One buffer with one component is intensity even when its four-character code says otherwise.
+// One buffer with one component is intensity, whatever its four-character code.
 std::int32_t FrameSinkBlock::inputKind() const {
   if (input().inputCount == 1 && input().componentCount == 1) return kInputIntensity;
   return isInputYuy2() ? kInputYcbcr422 : kInputRgb;
@@ -40,8 +40,8 @@ void FrameSinkBlock::update(const void* plane1, const void* plane2, const void* 
                   height == FRAMESINK_CONFIGURED_SIZE ? frameSize().height : height};
   Planes planes{plane1, plane2, plane3};
   splitPlanes(planes, size);
-  // Centring comes first although the planes may hold doubles that are yet to be converted: it
-  // moves samples of the description's type in either case. That order is the system's own.
+  // The library's own decision: centring comes before the input conversion. It moves samples of the
+  // description's type although the planes may still hold doubles.
   const bool complete = areNeededPlanesPresent(planes) &&
                         (size == frameSize() || centre(planes, size)) &&
                         (inputConversion() == nullptr || convert(planes));
@@ -104,8 +104,8 @@ bool FrameSinkBlock::convert(Planes& planes) const {
   return true;
 }
 
-// Without a record, or with one that another block has set up for frames of another size, there is
-// nowhere to convert to.
+// Drops the frame if there is no record, or if another block has set the record up for another
+// frame size, because then there is no buffer to convert into.
 void FrameSinkBlock::outputFrame(const void* plane1, const void* plane2, const void* plane3) {
   const VideoWindow* window = videoWindowRegistry().findVideoWindow(settings_.setup.name);
   if (window == nullptr || window->frameSize() != frameSize()) {
@@ -118,7 +118,7 @@ void FrameSinkBlock::outputFrame(const void* plane1, const void* plane2, const v
   deliver(window->playerId, target);
 }
 
-// A synchronous server drains its events even when there is no frame.
+// Also called without a frame, because a synchronous server drains its events even then.
 void FrameSinkBlock::deliver(PlayerId playerId, const std::uint8_t* frame) const {
   SdlServer* server = existingServer(settings_.setup.synchronous);
   if (server != nullptr) server->deliverFrame(playerId, frame, frameSize());

@@ -1,5 +1,5 @@
 // One display block of the host: converts each frame to 8-bit red, green and blue planes and hands
-// it to the player that is registered under its name.
+// it to the player that is registered under the block's name.
 #pragma once
 
 #include <array>
@@ -24,17 +24,17 @@ struct BlockSettings {
 // Host thread only. The window and its record belong to the registry and outlive the block.
 class FrameSinkBlock final : public PKOutputConverter {
  public:
-  // A null description counts as one that is all zero. Throws std::bad_alloc.
+  // A null description counts as all zeros. Throws std::bad_alloc.
   FrameSinkBlock(BlockSettings settings, const InputDescription* input);
 
-  // Chooses the kernel and sets up the window. Throws a constant text (const char*) when the data
-  // type is not supported, std::bad_alloc when memory runs out.
+  // Chooses the kernel and sets up the window. Throws a constant text (const char*) if the data
+  // type is not supported, std::bad_alloc if memory runs out.
   void start();
 
-  // libStart's; all set-up has happened in start().
+  // Called by libStart. Does nothing, because start() does all set-up.
   void startHook() {}
 
-  // One frame of the host's; see libUpdate for sizes and for what is dropped.
+  // Handles one frame. The comment of libUpdate lists sizes and dropped frames.
   void update(const void* plane1, const void* plane2, const void* plane3, std::uint32_t width,
               std::uint32_t height);
 

@@ -1,12 +1,12 @@
-// The module's pending-error slot. Nothing in the library sets it; the exports consult it all the
-// same.
+// The library's pending-error slot. Dormant: nothing in the library sets it, but three exports
+// consult it.
 #pragma once
 
 namespace framesink {
 
 bool isErrorPending();
 
-// The stored text, possibly null; clears the slot.
+// Returns the stored text, possibly null, and clears the slot.
 const char* takePendingError();
 
 }  // namespace framesink

@@ -12,7 +12,7 @@
 
 namespace framesink {
 
-// 40 bytes; the bytes not named are not read.
+// 40 bytes; the reserved ones are not read.
 struct OutputDescription {
   std::uint8_t valid = 0;
   std::uint8_t reserved1[15] = {};
@@ -30,9 +30,9 @@ static_assert(sizeof(OutputDescription) == 40);
 
 class PKOutputConverter {
  public:
-  // Null descriptions count as not valid. Allocates the packed buffer when allocatePacked or
-  // outputConversion is set, the plane buffers when allocatePlanes or inputConversion is. Throws
-  // std::bad_alloc.
+  // Null descriptions count as not valid. Allocates the packed buffer if allocatePacked or
+  // outputConversion is set, and the plane buffers if allocatePlanes or inputConversion is set.
+  // Throws std::bad_alloc.
   PKOutputConverter(std::uint32_t outputConversion, bool allocatePacked,
                     const OutputDescription* output, std::uint32_t inputConversion,
                     bool allocatePlanes, const InputDescription* input);
@@ -40,23 +40,23 @@ class PKOutputConverter {
   PKOutputConverter(const PKOutputConverter&) = delete;
   PKOutputConverter& operator=(const PKOutputConverter&) = delete;
 
-  // Takes one frame of the configured size. Empty here.
+  // Takes one frame of the configured size. Does nothing here.
   virtual void outputFrame(const void* plane1, const void* plane2, const void* plane3);
 
-  // Part of the family's interface; empty, and not called by the library.
+  // Dormant: part of the interface of output blocks. Does nothing and is never called.
   virtual void finishOutput();
 
   bool isInputValid() const { return input_.valid != 0; }
   bool isInputYuy2() const;
 
-  // Bytes of plane i (0..2): sample size x width x height.
+  // Bytes of `plane` (0..2): sample size x width x height.
   std::size_t planeBytes(std::size_t plane) const;
 
-  // Bytes of the output: bits per pixel x both dimensions / 8, in signed 32-bit arithmetic that
-  // wraps.
+  // Bytes of the packed output: bits per pixel x both dimensions / 8, deliberately in signed 32-bit
+  // arithmetic that wraps.
   std::int32_t packedBytes() const;
 
-  // Does nothing when the packed buffer exists.
+  // Does nothing if the packed buffer exists. Throws std::bad_alloc.
   void allocatePackedBuffer();
 
  protected:
@@ -73,8 +73,8 @@ class PKOutputConverter {
 
   const OutputDescription output_;
   const InputDescription input_;
-  const PK_DoubleToFixFcn inputConversion_;   // null: samples come as they are
-  const PK_DoubleToFixFcn outputConversion_;  // likewise
+  const PK_DoubleToFixFcn inputConversion_;   // null: samples are not converted
+  const PK_DoubleToFixFcn outputConversion_;  // null: samples are not converted
   Buffer packedBuffer_;
   std::array<Buffer, 3> planeBuffers_;  // scratch for centring and input conversion
 };

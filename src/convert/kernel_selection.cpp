@@ -9,7 +9,7 @@
 namespace framesink {
 namespace {
 
-// The three tables of an output format; null for an unknown kind.
+// One function per output format: the table of an input kind, or null for an unknown kind.
 const KernelTable* rgbPlanesTable(std::int32_t inputKind) {
   switch (inputKind) {
     case kInputIntensity:

@@ -1,4 +1,4 @@
-// Chooses the routine that turns a block's planes into 8-bit output: once, when the block starts.
+// Chooses the kernel that converts a block's planes to 8-bit output, once, when the block starts.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,8 @@ inline constexpr std::int32_t kInputYcbcr422 = 3;   // Y, then Cb and Cr of half
 inline constexpr std::int32_t kOutputRgbPlanes = 1;  // three 8-bit planes R, G, B
 inline constexpr std::int32_t kOutputYuy2 = 3;       // packed 4:2:2: Y0, Cb, Y1, Cr
 
-// The kernel for (kInput..., kOutput..., DataTypeId 0..8); null for anything else. Any thread.
+// Returns the kernel for a kInput..., a kOutput... and a DataTypeId (0..8), or null for any other
+// value. Any thread.
 ConversionKernel selectConversionKernel(std::int32_t inputKind, std::int32_t outputFormat,
                                         std::uint32_t dataType);
 

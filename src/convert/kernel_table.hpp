@@ -9,12 +9,12 @@
 
 namespace framesink {
 
-// One conversion of a whole frame. `width` is columns, `height` rows, in pixels; `layout` non-zero
-// means column-major planes (row r, column c is sample r + c * height), zero selects the family's
-// second path. Each family's header says what is read and written.
+// One conversion of a whole frame. `width` is columns, `height` rows, in pixels. Non-zero `layout`
+// means column-major planes (row r, column c is sample r + c * height); zero selects the family's
+// second path. Each family's header states what is read and written.
 //
-// Re-entrant; keeps no state, allocates nothing, checks nothing: pointers, sizes and the room at
-// `out` are the caller's duty. Planes need the alignment of their sample type only.
+// Re-entrant. Keeps no state, allocates nothing, checks nothing: the caller is responsible for
+// pointers, sizes and the room at `out`. Planes need the alignment of their sample type only.
 using ConversionKernel = void (*)(const void* plane0, const void* plane1, const void* plane2,
                                   std::uint8_t* out, std::int32_t width, std::int32_t height,
                                   std::int32_t layout);
@@ -22,7 +22,7 @@ using ConversionKernel = void (*)(const void* plane0, const void* plane1, const 
 // One kernel per DataTypeId, then a null entry that closes the table and is never read.
 using KernelTable = std::array<ConversionKernel, kDataTypeCount + 1>;
 
-// The table of make.operator()<Id>(), one kernel per sample type.
+// Makes a table from make.operator()<Id>(), which gives one kernel per sample type.
 template <class Make>
 constexpr KernelTable kernelTable(Make make) {
   KernelTable table{};
@@ -31,8 +31,8 @@ constexpr KernelTable kernelTable(Make make) {
   return table;
 }
 
-// Samples of a plane: the product as 32-bit hardware forms it, wrapping, so that two negative sizes
-// count as a positive number of samples.
+// Samples of a plane. Deliberately the wrapping 32-bit product that hardware computes, so two
+// negative sizes count as a positive number of samples.
 inline std::ptrdiff_t planeSamples(std::int32_t width, std::int32_t height) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(width) *
                                    static_cast<std::uint32_t>(height));

@@ -10,10 +10,11 @@
 namespace framesink {
 namespace {
 
-// Samples of a block that is scaled once and copied twice: the bytes stay in the first-level cache.
+// Samples of a block, which is scaled once and then copied twice. Its bytes fit into the
+// first-level cache.
 constexpr std::size_t kBlockSamples = 8192;
 
-// One plane as all three.
+// Scales one plane and writes it as all three.
 template <std::uint32_t Id>
 void greyToPlanes(const SampleOf<Id>* grey, std::uint8_t* out, std::size_t n) {
   const RowScaler scaleRow = rowScalers()[Id];
@@ -31,7 +32,7 @@ void coloursToPlanes(const std::array<const SampleOf<Id>*, 3>& planes, std::uint
   for (std::size_t i = 0; i < 3; ++i) rowScalers()[Id](planes[i], out + i * n, n);
 }
 
-// Column upon column, to the places of the first one.
+// Deliberately writes every column to the places of the first one; see rgbToRgbKernels.
 template <std::uint32_t Id>
 void columnsToFirstColumn(const std::array<const SampleOf<Id>*, 3>& planes, std::uint8_t* out,
                           std::int32_t width, std::int32_t height) {

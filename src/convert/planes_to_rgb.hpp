@@ -5,16 +5,18 @@
 
 namespace framesink {
 
-// Each sample is scaled to 8 bits; n = width * height samples are read from every plane.
+// Scales each sample to 8 bits. Reads n = width * height samples of every plane.
 //
-// layout non-zero: out[e], out[n + e], out[2n + e] are R, G, B of element e, so the output keeps
-// the order of the input. Nothing is written when n < 1. layout zero: the planes are read column by
-// column, and every column is written to the same places 0, width, 2 * width, ... of each output
-// plane: the last column stays, all other bytes keep what they held. The column is left out of the
-// position on purpose; this is no transposition. Nothing is written when width < 1 or height < 1.
+// layout non-zero: out[e], out[n + e] and out[2n + e] are R, G and B of element e, so the output
+// keeps the order of the input. Nothing is written if n < 1.
+//
+// layout zero: reads the planes column by column and writes every column to the same places 0,
+// width, 2 * width, ... of each output plane. So the last column remains, and all other bytes keep
+// their values. The library's own decision: the column is deliberately left out of the position,
+// and this is no transposition. Nothing is written if width < 1 or height < 1.
 extern const KernelTable rgbToRgbKernels;
 
-// Call the RGB kernel of the same type with plane 0 as all three planes: R = G = B.
+// These call the RGB kernel of the same type with plane 0 as all three planes, so R = G = B.
 extern const KernelTable intensityToRgbKernels;
 
 }  // namespace framesink

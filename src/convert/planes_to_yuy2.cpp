@@ -15,7 +15,7 @@ namespace {
 
 // ---- column-major -------------------------------------------------------------------------------
 
-// Pairs of columns of RGB samples. The last column of an odd width stands for both.
+// The runs of pairs of RGB columns. For an odd width, the last column stands for both of its pair.
 template <std::uint32_t Id>
 class RgbPairRuns {
  public:
@@ -45,7 +45,8 @@ class RgbPairRuns {
   Run y0_, cb_, y1_, cr_;
 };
 
-// Pairs of columns of intensities likewise; chroma is always 128.
+// The runs of pairs of intensity columns; chroma is always 128. For an odd width, the last column
+// stands for both of its pair.
 template <std::uint32_t Id>
 class IntensityPairRuns {
  public:
@@ -76,16 +77,16 @@ class IntensityPairRuns {
 
 // ---- row-major ----------------------------------------------------------------------------------
 
-// Groups that are packed at a time, so that their bytes stay in the first-level cache.
+// Groups that are packed at a time. Their bytes fit into the first-level cache.
 constexpr std::size_t kBlockGroups = 1024;
 
-// Runs of pixels, and groups that follow one another.
+// Packs runs of RGB pixels into consecutive groups.
 template <std::uint32_t Id>
 class RgbRow {
  public:
   explicit RgbRow(const std::array<const SampleOf<Id>*, 3>& planes) : planes_(planes) {}
 
-  // `count` groups from the pixels at `pixel` and `pixel + step`, moving on by one pixel a group.
+  // Packs `count` groups. Group i takes the pixels at pixel + i and pixel + i + step.
   void packGroups(std::ptrdiff_t pixel, std::ptrdiff_t step, std::uint8_t* out, std::size_t count) {
     RgbPairSources rgb;
     for (std::size_t i = 0; i < 3; ++i) {
@@ -103,7 +104,8 @@ class RgbRow {
   Run y0_, cb_, y1_, cr_;
 };
 
-// Overlapping pairs: the reading moves on by one pixel a group, not by two.
+// Deliberately, the pairs overlap: reading advances by one pixel per group, not by two. See
+// rgbToYuy2Kernels.
 template <std::uint32_t Id>
 void rgbRowsToGroups(RgbRow<Id> pixels, std::uint8_t* out, std::ptrdiff_t width,
                      std::ptrdiff_t height) {
@@ -121,7 +123,7 @@ void rgbRowsToGroups(RgbRow<Id> pixels, std::uint8_t* out, std::ptrdiff_t width,
   }
 }
 
-// Intensities as luma, and groups with a chroma of 128.
+// Packs runs of intensities into consecutive groups with a chroma of 128.
 template <std::uint32_t Id>
 class IntensityRow {
  public:
@@ -129,7 +131,7 @@ class IntensityRow {
     chroma_.fill(128);
   }
 
-  // The second sample's luma is mapped twice.
+  // Deliberately maps the luma of each pair's second sample twice.
   void packPairs(std::ptrdiff_t first, std::uint8_t* out, std::size_t count) {
     intensityPairsToLuma(bytes_.scaled(intensity_ + first, 2 * count), luma_.data(), count);
     framesink::packPairs(luma_.data(), chroma_.data(), chroma_.data(), out, count);
@@ -147,8 +149,8 @@ class IntensityRow {
   std::array<std::uint8_t, kBlockGroups> chroma_;
 };
 
-// Pairs are read from a position that runs on over the lines; an odd width's last sample is read
-// far from its line without moving on past it.
+// Deliberately, the position of the pairs runs on across lines. The last sample of an odd width is
+// read far from its line, and the position does not advance past it. See intensityToYuy2Kernels.
 template <std::uint32_t Id>
 void intensityRowsToGroups(IntensityRow<Id> samples, std::uint8_t* out, std::ptrdiff_t width,
                            std::ptrdiff_t height) {

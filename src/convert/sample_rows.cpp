@@ -19,7 +19,8 @@ namespace {
 
 using namespace hwy::HWY_NAMESPACE;
 
-// All types are scaled in single precision, as many samples at a time as fit.
+// Samples are scaled in single precision, one vector at a time. Only the natural ranges of the
+// 8-bit and 16-bit types are scaled in integers.
 using Singles = ScalableTag<float>;
 
 template <class D>
@@ -32,7 +33,7 @@ Vec<D> loadSingles(D singles, const float* samples) {
   return LoadU(singles, samples);
 }
 
-// Two vectors of doubles, each narrowed to half a vector by `narrowed`.
+// Loads two vectors of doubles; `narrowed` turns each into half a vector of singles.
 template <class D, class Narrowed>
 Vec<D> fromDoubles(D singles, const double* samples, const Narrowed& narrowed) {
   if constexpr (MaxLanes(singles) == 1) {
@@ -45,7 +46,7 @@ Vec<D> fromDoubles(D singles, const double* samples, const Narrowed& narrowed) {
   }
 }
 
-// Doubles beyond single precision become infinite here, or the largest single on some machines.
+// Doubles beyond single precision become infinite, or on some machines the largest single.
 template <class D>
 Vec<D> loadSingles(D singles, const double* samples) {
   return fromDoubles(singles, samples,
@@ -62,14 +63,14 @@ Vec<D> loadSingles(D singles, const std::uint32_t* samples) {
   return ConvertTo(singles, LoadU(RebindToUnsigned<D>(), samples));
 }
 
-// 8 and 16 bits.
+// Samples of 8 and 16 bits.
 template <class D, class Sample>
 Vec<D> loadSingles(D singles, const Sample* samples) {
   return ConvertTo(singles, PromoteTo(RebindToSigned<D>(), LoadU(Rebind<Sample, D>(), samples)));
 }
 
-// The same on every machine: doubles beyond single precision become NaN, which ends as infinity
-// would.
+// loadSingles with the same result on every machine: doubles beyond single precision become NaN,
+// which scales to the same byte as infinity.
 template <class D, class Sample>
 Vec<D> loadSinglesOrNan(D singles, const Sample* samples) {
   return loadSingles(singles, samples);
@@ -85,9 +86,9 @@ Vec<D> loadSinglesOrNan(D singles, const double* samples) {
 
 // ---- single precision to 8 bits, one vector -----------------------------------------------------
 
-// 255 times the position in the range, 0 to 255, to a byte. Truncation after adding 0.5 in double
-// precision is rounding down after adding the largest single below 0.5 in single precision; adding
-// 2^23 then moves the whole number into the lowest bits.
+// Rounds t, which is 255 times the position in the range and lies in 0..255, to a byte. The rule
+// adds 0.5 in double precision and truncates. In single precision, adding the largest single below
+// 0.5 and rounding down gives the same. Adding 2^23 then moves the integer into the lowest bits.
 template <class D>
 Vec<BytesOf<D>> rounded(D d, Vec<D> t) {
   const auto whole = Floor(Add(t, Set(d, 0.49999997F)));
@@ -95,14 +96,14 @@ Vec<BytesOf<D>> rounded(D d, Vec<D> t) {
   return TruncateTo(BytesOf<D>(), bits);
 }
 
-// The same for any position. What is not below 2^31, NaN included, gives 0.
+// Rounds any t, clamped to 0..255. A t that is not below 2^31, NaN included, gives 0.
 template <class D>
 Vec<BytesOf<D>> clampedAndRounded(D d, Vec<D> t) {
   const auto known = IfThenElseZero(Lt(t, Set(d, 2147483648.0F)), t);
   return rounded(d, Min(Max(known, Zero(d)), Set(d, 255.0F)));
 }
 
-// Any range.
+// Scales samples of any range.
 class Divided {
  public:
   Divided(float min, float span) : min_(min), span_(span) {}
@@ -119,8 +120,7 @@ class Divided {
   float span_;
 };
 
-// Any range of a type of 8 bits: all 256 results are computed and then looked up. Worth it for long
-// rows.
+// Scales 8-bit samples of any range through a table of all 256 results. Worth it for long rows.
 class LookedUp {
  public:
   template <class Sample>
@@ -145,7 +145,8 @@ class LookedUp {
   }
 
  private:
-  // Chooses between the two halves of the results by one bit, down to the 16 that a table holds.
+  // Halves the table by one bit of the sample at a time, down to the 16 results of one vector
+  // look-up.
   template <int kBit, class V>
   static V lookUp(V bytes, V lowBits, const std::uint8_t* results) {
     const DFromV<V> d;
@@ -163,7 +164,7 @@ class LookedUp {
 
 // ---- natural ranges: the same bytes with less work ----------------------------------------------
 
-// Floating point from 0 to 1: nothing to move and nothing to divide.
+// Floating point in 0..1 needs no subtraction and no division.
 template <class Sample>
 struct ZeroToOne {
   static constexpr Sample kMin = 0;
@@ -175,8 +176,9 @@ struct ZeroToOne {
   }
 };
 
-// The whole of a 32-bit type. Its span is 2^32 in single precision: multiplying by 255 / 2^32 is
-// dividing and multiplying, and no sample leaves 0..255.
+// The whole range of a 32-bit type. In single precision its span is 2^32, so multiplying by
+// 255 / 2^32 gives the same as dividing by the span and multiplying by 255. No result leaves
+// 0..255.
 template <class Sample>
 struct WholeType32 {
   static constexpr Sample kMin = std::numeric_limits<Sample>::lowest();
@@ -189,7 +191,8 @@ struct WholeType32 {
   }
 };
 
-// The whole of a 16-bit type: divided by 257, rounded to nearest. A signed one is moved up first.
+// The whole range of a 16-bit type: divides by 257 and rounds to nearest. Signed samples are first
+// shifted to start at 0.
 template <class Sample>
 class WholeWords {
  public:
@@ -207,7 +210,7 @@ class WholeWords {
   }
 };
 
-// The whole of int8, moved up.
+// The whole range of int8, shifted to start at 0.
 struct WholeInt8 {
   static constexpr std::int8_t kMin = -128;
   static constexpr std::int8_t kMax = 127;
@@ -218,7 +221,7 @@ struct WholeInt8 {
   }
 };
 
-// Booleans from 0 to 1: every other byte is white, too.
+// Booleans in 0..1: 0 is black and every other byte is white.
 struct ZeroOrWhite {
   static constexpr std::uint8_t kMin = 0;
   static constexpr std::uint8_t kMax = 1;
@@ -231,11 +234,11 @@ struct ZeroOrWhite {
 
 // ---- rows ---------------------------------------------------------------------------------------
 
-// How far ahead samples are asked for. Measured: 256 bytes gain a thirtieth where samples are
-// large; more loses, above all around a kilobyte.
+// How far ahead samples are prefetched. Measured: 256 bytes save a thirtieth of the time if samples
+// are large; longer distances cost time, above all those around a kilobyte.
 constexpr std::size_t kBytesAhead = 256;
 
-// A row shorter than a vector goes through a padded one.
+// Scales a row shorter than a vector, through padded copies.
 template <class Scale, class Sample>
 void scaleShortRow(const Scale& scale, const Sample* samples, std::uint8_t* out,
                    std::size_t count) {
@@ -248,9 +251,8 @@ void scaleShortRow(const Scale& scale, const Sample* samples, std::uint8_t* out,
   std::memcpy(out, bytes, count);
 }
 
-// This and the short row are the only places that store and know of ends. After the first vector
-// the reading goes on where the memory's alignment is best; the last vector overlaps the one before
-// it.
+// Only this function and scaleShortRow store results and know where a row ends. After the first
+// vector, reading continues at an aligned address. The last vector overlaps the one before it.
 template <class Scale, class Sample>
 void scaleRow(const Scale& scale, const Sample* samples, std::uint8_t* out, std::size_t count) {
   const DFromV<decltype(scale(samples))> values;
@@ -265,10 +267,10 @@ void scaleRow(const Scale& scale, const Sample* samples, std::uint8_t* out, std:
   StoreU(scale(samples + count - lanes), values, out + count - lanes);
 }
 
-// From so many samples on, making the table costs less than it saves.
+// The number of samples from which making a table costs less than it saves.
 constexpr std::size_t kWorthLookingUp = 1024;
 
-// Ranges are pixkit's.
+// True if the range that pixkit declares is the one that Scale expects.
 template <std::uint32_t Id, class Scale>
 bool isRangeOf(const Scale&) {
   using Sample = SampleOf<Id>;
@@ -276,7 +278,7 @@ bool isRangeOf(const Scale&) {
          static_cast<Sample>(videoTraits<Id>::max) == Scale::kMax;
 }
 
-// How samples are scaled when their range is the type's natural one.
+// The scale for samples whose range is the natural one of their type.
 template <std::uint32_t Id>
 auto naturalScale() {
   using Sample = SampleOf<Id>;
@@ -293,7 +295,7 @@ auto naturalScale() {
   }
 }
 
-// And when it is any other.
+// Scales samples whose range is not the natural one of their type.
 template <std::uint32_t Id>
 void scaleOtherRange(const SampleOf<Id>* samples, std::uint8_t* out, std::size_t count) {
   const SampleRange<Id> range;

@@ -1,5 +1,5 @@
-// Runs of samples to 8 bits, as fast as the machine's vectors go: what kernels scale with wherever
-// they read samples in the order in which these lie.
+// Scales runs of samples to 8 bits, on the vectors of this machine. Kernels use it wherever they
+// read samples in the order in which they lie in memory.
 #pragma once
 
 #include <array>
@@ -10,19 +10,20 @@
 
 namespace framesink {
 
-// Writes the 8-bit values of `count` samples to `out`; the same bytes as SampleScale gives one by
-// one. Planes need the alignment of their sample type only. Reads and writes nothing beyond.
+// Writes the 8-bit values of `count` samples to `out`, the same bytes that SampleScale gives one by
+// one. Samples need the alignment of their type only. Reads and writes nothing beyond them.
 using RowScaler = void (*)(const void* samples, std::uint8_t* out, std::size_t count);
 
-// The row scaler of each sample type for the vectors of this machine. Chosen anew at each call, in
-// a few nanoseconds.
+// The row scaler of each sample type for the vectors of this machine. Every call selects anew,
+// which takes a few nanoseconds.
 const std::array<RowScaler, kDataTypeCount>& rowScalers();
 
-// Room for a run of up to kMost samples as bytes.
+// A buffer for a run of up to kMost samples as bytes.
 template <std::uint32_t Id, std::size_t kMost>
 class ByteRun {
  public:
-  // The 8-bit values of the samples, until the next call: their own bytes when they are uint8.
+  // Returns the 8-bit values of the samples, valid until the next call. For uint8 these are the
+  // samples themselves.
   const std::uint8_t* scaled(const SampleOf<Id>* samples, std::size_t count) {
     if constexpr (Id == kUint8) {
       return samples;

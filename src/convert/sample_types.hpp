@@ -29,8 +29,8 @@ using SampleOf =
     std::tuple_element_t<Id, std::tuple<double, float, std::int8_t, std::uint8_t, std::int16_t,
                                         std::uint16_t, std::int32_t, std::uint32_t, std::uint8_t>>;
 
-// The table of make.operator()<Id>() for the nine types in order: how everything that exists once
-// per type is written once and reached by number.
+// The table of make.operator()<Id>() for the nine types in order. With it, whatever exists once per
+// type is written once and looked up by the type's number.
 template <class Make>
 constexpr auto tableOfSampleTypes(Make make) {
   return [&]<std::uint32_t... Id>(std::integer_sequence<std::uint32_t, Id...>) {

@@ -46,11 +46,10 @@ class YcbcrReader {
   SampleScale<Id> scale_;
 };
 
-// Pixels that are scaled and converted at a time, so that their bytes stay in the first-level
-// cache.
+// Pixels that are scaled and converted at a time. Their bytes fit into the first-level cache.
 constexpr std::size_t kBlockPixels = 1024;
 
-// Both columns of a pair take the chroma of theirs.
+// Both columns of a pair share the pair's chroma.
 template <std::uint32_t Id>
 void columnsToPlanes(const std::array<const SampleOf<Id>*, 3>& planes, std::uint8_t* out,
                      std::int32_t width, std::int32_t height) {

@@ -10,13 +10,14 @@
 namespace framesink {
 namespace {
 
-// Groups that are packed at a time, so that their bytes stay in the first-level cache.
+// Groups that are packed at a time. Their bytes fit into the first-level cache.
 constexpr std::size_t kBlockGroups = 4096;
 
 template <std::uint32_t Id>
 using Planes = std::array<const SampleOf<Id>*, 3>;
 
-// Of an odd width the last pair's second column is the one after the last.
+// The runs of pairs of columns. For an odd width, the second column of the last pair is
+// deliberately the one after the last; see ycbcrToYuy2Kernels.
 template <std::uint32_t Id>
 class YcbcrPairRuns {
  public:
@@ -36,7 +37,7 @@ class YcbcrPairRuns {
   ByteRun<Id, kYuy2BlockRows> y0_, cb_, y1_, cr_;
 };
 
-// One run of n samples without regard to lines; an odd n reads one more.
+// Packs one run of n samples, regardless of lines. An odd n reads one sample past the run.
 template <std::uint32_t Id>
 void runToGroups(const Planes<Id>& planes, std::uint8_t* out, std::ptrdiff_t n) {
   ByteRun<Id, 2 * kBlockGroups> y;

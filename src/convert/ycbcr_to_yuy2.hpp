@@ -6,16 +6,17 @@
 namespace framesink {
 
 // Plane 0 is Y with width * height samples, planes 1 and 2 are Cb and Cr with half as many. Samples
-// are scaled to 8 bits, chroma like luma, and moved to their places; no colour arithmetic.
+// are scaled to 8 bits, chroma like luma, and moved to their places, without colour arithmetic.
 //
 // layout non-zero: column-major planes; (width + 1) / 2 groups a line. The last group of an odd
-// width reads its second luma, and its chroma, from the column after the last; this is deliberate,
-// widths are expected to be even. So Y must have (width + 1) * height readable samples then, and Cb
-// and Cr (width + 1) / 2 * height. Nothing is written when width or height is below 1.
+// width reads its second luma, and its chroma, from the column after the last. This is deliberate,
+// because widths are expected to be even. For an odd width, Y must therefore have
+// (width + 1) * height readable samples, and Cb and Cr (width + 1) / 2 * height. Nothing is written
+// if width or height is below 1.
 //
-// layout zero: row-major planes taken as one run of n = width * height samples without regard to
-// lines; (n + 1) / 2 groups, the last of an odd n reading one luma and one chroma sample past n and
-// n / 2. Nothing is written when n, as a wrapping 32-bit product, is below 1.
+// layout zero: row-major planes taken as one run of n = width * height samples, regardless of
+// lines; (n + 1) / 2 groups. The last group of an odd n reads one luma sample past n and one chroma
+// sample past n / 2. Nothing is written if n, a wrapping 32-bit product, is below 1.
 extern const KernelTable ycbcrToYuy2Kernels;
 
 }  // namespace framesink

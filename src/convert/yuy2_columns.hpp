@@ -1,4 +1,4 @@
-// Column-major planes to lines of YUY2 groups: the one walk over them.
+// The one walk from column-major planes to lines of YUY2 groups.
 #pragma once
 
 #include <algorithm>
@@ -11,12 +11,13 @@
 
 namespace framesink {
 
-// Rows that are packed at a time: many, so that columns are read in long runs, and few enough for
+// Rows that are packed at a time: many, so that columns are read in long runs, but few enough for
 // the bytes of four pairs of columns to stay in the first-level cache.
 constexpr std::size_t kYuy2BlockRows = 256;
 
-// Writes `height` lines of `groups` groups. A PairRuns makes the runs of one pair of columns:
-// pair(index of the pair, first row, count), which stay until its next call.
+// Writes `height` lines of `groups` groups. A PairRuns object makes the runs of one pair of columns
+// when called with the pair's index, the first row and the number of rows. The runs stay valid
+// until the object's next call.
 template <class PairRuns>
 void columnsToYuy2(const PairRuns& planes, std::uint8_t* out, std::ptrdiff_t groups,
                    std::ptrdiff_t height) {

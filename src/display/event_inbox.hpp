@@ -10,11 +10,11 @@ namespace framesink {
 // Used inside the gate only.
 class EventInbox {
  public:
-  // Keeps the event until the owner's next drain. Only kinds that a drain acts on are kept, and of
-  // each kind and window the latest, so that a server that never drains does not pile them up.
+  // Keeps the event until the owner's next drain. Keeps only kinds that a drain acts on, and only
+  // the latest of each kind and window, so that it stays small if a server never drains.
   void put(const SDL_Event& event) noexcept;
 
-  // Takes the oldest; false when there is none.
+  // Moves the oldest event to `event`; false if there is none.
   bool take(SDL_Event& event);
 
  private:

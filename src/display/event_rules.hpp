@@ -11,8 +11,9 @@ namespace framesink {
 
 enum class AfterEvent { kGoOn, kClose };
 
-// Draws, remembers the new place or size, or leaves full screen, as the event requires. kClose: the
-// user asks to close the window, which is the server's to do. The player has a window.
+// Redraws, stores the new position or size, or leaves full screen, as the event requires. Returns
+// kClose if the user asks to close the window; the server then closes it. The player must have a
+// window.
 [[nodiscard]] AfterEvent handleEvent(const SDL_Event& event, SdlPlayer& player)
     FRAMESINK_REQUIRES(sdlGate);
 

@@ -1,5 +1,5 @@
-// Sizes and positions as the host passes them. Pairs are aligned to their size, so that an atomic
-// one is a single word.
+// Sizes and positions as the host passes them. Each pair is aligned to its size, so that an atomic
+// pair is a single word.
 #pragma once
 
 #include <cstddef>
@@ -27,8 +27,8 @@ struct WindowGeometry {
   Size size;
 };
 
-// Bytes of a frame: three 8-bit planes, red, green, blue, one after another, each column by column.
-// The one place where a frame's size is computed; throws std::bad_alloc above 2147483647 bytes.
+// Bytes of a frame: red, green and blue planes of 8-bit samples, one after another, each
+// column-major. Frame sizes are computed only here. Throws std::bad_alloc above 2147483647 bytes.
 std::size_t frameBytes(Size frame);
 
 }  // namespace framesink

@@ -5,7 +5,7 @@
 
 namespace framesink {
 
-// Each server counts its players 0, 1, 2, ... and never uses a number again.
+// Each server numbers its players 0, 1, 2, ... and never reuses a number.
 using PlayerId = std::uint32_t;
 
 // -1 as a signed number.

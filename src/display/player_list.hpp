@@ -1,8 +1,9 @@
 // The players of a server, read by any host thread without a lock.
 //
-// Membership is a chain of immutable snapshots. Readers pin the present one; a player that is
-// removed leaves the list at once and is destroyed by reclaim(), on the owner's thread, when no
-// reader that may have seen it is left. Readers never wait, and never make the owner wait.
+// Membership is an immutable snapshot, which every change replaces. Readers pin the current
+// snapshot. A removed player leaves the list at once; reclaim(), on the owner's thread, destroys it
+// when no reader that may have seen it is left. Readers never wait, and they never keep the owner
+// from changing the list.
 #pragma once
 
 #include <array>
@@ -18,14 +19,14 @@
 
 namespace framesink {
 
-// Add, remove, removeAll and reclaim are the owner's: one thread at a time, under the owner's lock,
-// which the list itself stands for where locks are checked.
+// Only the owner calls add, remove, removeAll and reclaim: one thread at a time, under the owner's
+// lock. In the lock annotations, the list itself stands for that lock.
 template <class Player>
 class FRAMESINK_LOCK("player list") PlayerList {
   struct Snapshot {
     std::vector<Player*> players;
-    std::vector<Player*> removed;  // went when this snapshot was replaced; destroyed along with it
-    Snapshot* next = nullptr;      // in the chain of spare or of retired snapshots
+    std::vector<Player*> removed;  // left when this snapshot was replaced; destroyed with it
+    Snapshot* next = nullptr;      // in the chain of spare or retired snapshots
   };
 
  public:
@@ -41,7 +42,8 @@ class FRAMESINK_LOCK("player list") PlayerList {
     destroy(std::exchange(spare_, nullptr));
   }
 
-  // Pins the membership at the time of its construction. Any thread; keep it short.
+  // Pins the membership as it is at construction. Any thread. Keep it short-lived, because removed
+  // players are not destroyed meanwhile.
   class Reader {
    public:
     explicit Reader(const PlayerList& list) : readers_(list.enter()), snapshot_(list.current_) {}
@@ -59,11 +61,11 @@ class FRAMESINK_LOCK("player list") PlayerList {
 
   bool empty() const { return current_ == nullptr; }
 
-  // The owner's view. It need not pin what only the owner can destroy.
+  // The owner's view. The owner need not pin players, because only the owner destroys them.
   std::span<Player* const> players() const { return playersOf(current_); }
 
-  // Every addition also lays by the snapshot that the removal will need, so that removal cannot
-  // fail. The n-th spare has room for n players; there are as many spares as players.
+  // Also allocates the snapshot that the player's removal will need, so that removal cannot fail.
+  // The n-th spare has room for n players; there are as many spares as players.
   void add(std::unique_ptr<Player> player) FRAMESINK_REQUIRES(this) {
     auto spare = std::make_unique<Snapshot>();
     auto next = std::make_unique<Snapshot>();
@@ -90,17 +92,17 @@ class FRAMESINK_LOCK("player list") PlayerList {
   void removeAll() noexcept FRAMESINK_REQUIRES(this) {
     if (empty()) return;
     Snapshot* last = current_;
-    last->removed = last->players;  // as long as its capacity: allocates nothing
+    last->removed = last->players;  // fits into the reserved capacity: allocates nothing
     while (spare_ != nullptr) push(retired_, pop(spare_));
     replaceWith(nullptr);
   }
 
-  // Destroys what was removed and can no longer be seen. True when nothing is left to destroy.
+  // Destroys the removed players that no reader can see any more. True if none are left to destroy.
   bool reclaim() noexcept FRAMESINK_REQUIRES(this) {
     if (waiting_ == nullptr) {
       if (retired_ == nullptr) return true;
       waiting_ = std::exchange(retired_, nullptr);
-      epoch_.fetch_add(1);  // later readers cannot see what waits, and count elsewhere
+      epoch_.fetch_add(1);  // later readers do not see waiting_ and use the other count
     }
     if (readers_[(epoch_ - 1) % 2] != 0) return false;
     destroy(std::exchange(waiting_, nullptr));
@@ -112,8 +114,8 @@ class FRAMESINK_LOCK("player list") PlayerList {
     return snapshot == nullptr ? std::span<Player* const>{} : std::span{snapshot->players};
   }
 
-  // Counts a reader in the present epoch. It starts over when the epoch moved on meanwhile: the
-  // count of an epoch that is being waited for only falls.
+  // Counts a reader in the current epoch. Starts over if the epoch has changed meanwhile, because
+  // an epoch that reclaim() waits for must not gain readers.
   std::atomic<std::uint32_t>& enter() const {
     for (;;) {
       const std::uint64_t epoch = epoch_;
@@ -152,11 +154,11 @@ class FRAMESINK_LOCK("player list") PlayerList {
   std::atomic<std::uint64_t> epoch_{1};
   mutable std::array<std::atomic<std::uint32_t>, 2> readers_{};
 
-  // The owner's.
+  // Used by the owner only.
   Snapshot* spare_ FRAMESINK_GUARDED_BY(this) = nullptr;
-  // Replaced in the present epoch.
+  // Snapshots that were replaced in the current epoch.
   Snapshot* retired_ FRAMESINK_GUARDED_BY(this) = nullptr;
-  // Replaced in the epoch before, whose readers are waited for.
+  // Snapshots that were replaced in the previous epoch; reclaim() waits for that epoch's readers.
   Snapshot* waiting_ FRAMESINK_GUARDED_BY(this) = nullptr;
 };
 

@@ -18,9 +18,9 @@ SdlPlayer::SdlPlayer(const std::uint8_t* initialFrame, WindowRequest request, Pl
 
 SdlPlayer::~SdlPlayer() { delete window_.load(); }
 
-// From construction the pair (writeState, displayBuffer) runs (0, 0), (1, 2), (2, 1), (1, 2), ...:
-// each frame goes to the buffer that is not marked for display and is then marked. A pair that
-// marks the buffer to be written copies nothing.
+// From construction on, the pair (writeState, displayBuffer) runs (0, 0), (1, 2), (2, 1), (1, 2),
+// ...: each frame goes to the buffer that is not marked for display, which is then marked. If a
+// pair marks the buffer that is to be written, nothing is copied, deliberately.
 void SdlPlayer::submitFrame(const std::uint8_t* frame) {
   const BufferMarks marks = marks_.load(std::memory_order_relaxed);
   const std::uint32_t target = marks.writeState == 1 ? 1 : 2;

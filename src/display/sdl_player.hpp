@@ -1,5 +1,4 @@
-// One displayed stream: the double buffer between the host and the display, and the player's
-// window.
+// One displayed stream: the double buffer between host and display, and the player's window.
 #pragma once
 
 #include <atomic>
@@ -19,7 +18,7 @@ namespace framesink {
 
 class SdlPlayer {
  public:
-  // Copies the initial frame. The window comes later, by createWindow.
+  // Copies the initial frame. createWindow makes the window later.
   SdlPlayer(const std::uint8_t* initialFrame, WindowRequest request, PlayerId playerId);
   virtual ~SdlPlayer();  // on the thread that runs SDL for the player
   SdlPlayer(const SdlPlayer&) = delete;
@@ -29,32 +28,32 @@ class SdlPlayer {
   Size frameSize() const { return request_.frameSize; }
   bool isFullscreenWanted() const { return request_.fullscreen; }
 
-  // A synchronous player's window is made by the thread that makes the player.
+  // The thread that made the player. It also makes a synchronous player's window.
   OsThreadId maker() const { return maker_; }
 
   // ---- Any host thread ----
 
-  // Copies `frame` (frameBytes(frameSize()) bytes) into the buffer that is not marked for
-  // display and marks it. Takes no lock and never waits. Two calls within one display pass may tear
-  // the picture for that pass only: the newest frame is always drawn again whole.
+  // Copies `frame` (frameBytes(frameSize()) bytes) into the buffer that is not marked for display
+  // and marks it. Takes no lock and never waits. Two calls within one display pass may tear the
+  // picture for that pass only, because the newest frame is always drawn again, whole.
   void submitFrame(const std::uint8_t* frame);
 
   void requestClose() { closeRequested_ = 1; }
   bool isCloseRequested() const { return closeRequested_ != 0; }
 
-  // Keeps the library loaded until the display has had the window for a pass, or given it up:
-  // windows load libraries when they are made, which a thread cannot do on Windows while another
-  // unloads one.
+  // Keeps the library loaded until settle(). Making a window loads libraries, which on Windows a
+  // thread cannot do while another thread unloads one.
   void holdLibrary() { untilSettled_ = holdThisLibrary(); }
 
-  // Null until the window is made, full screen if so wanted, and shown. A window that SDL could not
-  // create counts as made.
+  // Null until the window has been made, switched to full screen if requested, and shown. A window
+  // that SDL could not create counts as made.
   SdlWindow* window() const { return window_; }
 
-  // Waiting for the window is pointless: memory ran out when it was to be made.
+  // True if memory ran out while the window was made, so that waiting for it is pointless.
   bool isWindowImpossible() const { return windowImpossible_; }
 
-  // The window gets the title. Needs the window. Throws std::bad_alloc, and then keeps the old title.
+  // Sets the window's title. The window must exist. Throws std::bad_alloc, and then keeps the old
+  // title.
   void setTitle(const std::string& title);
 
   // ---- The thread that runs SDL for the player ----
@@ -63,20 +62,20 @@ class SdlPlayer {
   void createWindow() FRAMESINK_REQUIRES(sdlGate);
   void giveUpWindow() FRAMESINK_REQUIRES(sdlGate) { windowImpossible_ = true; }
 
-  // The window has been there for a pass, or never will be.
+  // Ends the hold of holdLibrary(): the window was made in an earlier pass, or never will be.
   void settle() { untilSettled_.letGo(); }
 
   bool hasNewFrame() const { return newFrame_ != 0; }
 
-  // Draws the newest frame whole, new or not. Needs the window.
+  // Draws the newest frame whole, even if it was drawn before. The window must exist.
   void showNewestFrame() FRAMESINK_REQUIRES(sdlGate);
 
  private:
-  // Both in one word, so that host threads that submit at the same time never leave a pair from
-  // which no frame would be taken.
+  // Both marks are in one word, so that host threads that submit at the same time cannot leave a
+  // pair with which every later frame would be dropped.
   struct alignas(8) BufferMarks {
-    std::uint32_t displayBuffer;  // holds the frame to show: 1 is buffer 1, else buffer 2
-    std::uint32_t writeState;     // gets the next frame: likewise
+    std::uint32_t displayBuffer;  // has the frame to show: 1 is buffer1_, otherwise buffer2_
+    std::uint32_t writeState;     // gets the next frame: 1 is buffer1_, otherwise buffer2_
   };
 
   const std::uint8_t* displayBuffer() const;
@@ -90,8 +89,8 @@ class SdlPlayer {
   const std::unique_ptr<std::uint8_t[]> buffer2_;
   std::atomic<BufferMarks> marks_{BufferMarks{0, 0}};
 
-  // Set by the host after the copy, taken by the display before it chooses the buffer to read, so
-  // that a frame that comes while another is drawn is shown next and the last one is never lost.
+  // Set by the host after the copy, cleared by the display before it chooses the buffer to read. So
+  // a frame that arrives while another is drawn is shown next, and the last frame is never lost.
   std::atomic<std::uint8_t> newFrame_{0};
   std::atomic<std::uint8_t> closeRequested_{0};
 

@@ -14,11 +14,12 @@
 namespace framesink {
 namespace {
 
-constexpr std::uint32_t kWindowPoll = 2;   // milliseconds between looks whether a window exists
-constexpr std::uint32_t kUnloadPoll = 10;  // milliseconds between looks whether players are gone
-constexpr std::uint32_t kLockRetry = 1;    // milliseconds before a failed lock is tried again
-constexpr std::uint32_t kPassWithPlayers = 1;  // milliseconds between passes
-constexpr std::uint32_t kPassWithout = 3;
+// All in milliseconds.
+constexpr std::uint32_t kWindowPoll = 2;       // between checks whether a window exists
+constexpr std::uint32_t kUnloadPoll = 10;      // between checks whether the players are gone
+constexpr std::uint32_t kLockRetry = 1;        // before a failed lock is tried again
+constexpr std::uint32_t kPassWithPlayers = 1;  // between passes of a server with players
+constexpr std::uint32_t kPassWithout = 3;      // between passes of a server without players
 
 SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, PlayerId playerId) {
   for (SdlPlayer* player : players) {
@@ -29,13 +30,14 @@ SdlPlayer* findPlayer(std::span<SdlPlayer* const> players, PlayerId playerId) {
 
 }  // namespace
 
-// What changing the players requires: the server's mutex, or in the synchronous server the gate.
-// Never asked for in the gate, which the display thread takes while it holds the mutex.
+// The lock for changing a server's players: the threaded server's mutex, or the gate for the
+// synchronous server. Never lock the mutex inside the gate, because the display thread enters the
+// gate while it holds the mutex.
 class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
  public:
   enum Patience {
-    kOnce,          // for a display pass, which skips what a failed lock keeps it from
-    kUntilLeaving,  // for a host thread: a failed lock is tried again without limit
+    kOnce,          // tries once: a display pass is skipped if the lock fails
+    kUntilLeaving,  // retries for a host thread until the server is leaving
   };
 
   PlayersLock(SdlServer& server, Patience patience) FRAMESINK_ACQUIRES(server.players_)
@@ -56,7 +58,7 @@ class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
   PlayersLock(const PlayersLock&) = delete;
   PlayersLock& operator=(const PlayersLock&) = delete;
 
-  // False when the mutex could not be had.
+  // False if the mutex could not be locked.
   explicit operator bool() const { return gate_.owns_lock() || mutex_ != nullptr; }
 
  private:
@@ -213,7 +215,7 @@ std::uint32_t SdlServer::getWindowY(PlayerId playerId) const {
 
 // ---- Start and stop ----
 
-// Host threads that add the first player at the same time meet in the gate.
+// In the gate, because several host threads may add a first player at the same time.
 void SdlServer::start() {
   const InGate gate;
   if (started_ != 0) return;
@@ -247,11 +249,12 @@ bool SdlServer::stop() {
   }
   SDL_DestroyMutex(mutex_.exchange(nullptr));
   started_ = 0;
-  quit_ = 0;  // Right after the wait, deliberately; leaving_ stays.
+  quit_ = 0;  // Reset right after the wait, deliberately; leaving_ stays.
   return true;
 }
 
-// Windows of another thread would be left behind without their players: they keep SDL then.
+// On Windows, only the thread that made a window can destroy it. If this thread deleted another
+// thread's players, their windows would stay behind, so the players stay too, and so does SDL.
 bool SdlServer::mayDeletePlayers() const {
   const auto isOurs = [](const SdlPlayer* player) { return player->maker() == currentThread(); };
   return !kWindowsAreTheirThreads || std::ranges::all_of(players_.players(), isOurs);
@@ -295,7 +298,8 @@ void SdlServer::servePlayers() {
   for (std::size_t i = 0; i < players_.players().size(); ++i) {
     SdlPlayer& player = *players_.players()[i];
     servePlayer(player);
-    // The walk skips the entry that moves down; it is served on the next pass, 1 ms later.
+    // Deliberately, the walk skips the player that moves into this place. It is served on the next
+    // pass, 1 ms later.
     if (player.isCloseRequested()) players_.remove(&player);
   }
   players_.reclaim();
@@ -314,7 +318,7 @@ void SdlServer::servePlayer(SdlPlayer& player) {
   if (player.window() != nullptr && player.hasNewFrame()) player.showNewestFrame();
 }
 
-// At the server's end nobody else changes the players: a failed lock keeps nothing from being deleted.
+// Deletes the players even if the lock fails, because at the server's end nobody else changes them.
 void SdlServer::deleteAllPlayers() {
   const PlayersLock lock(*this, PlayersLock::kOnce);
   const InGate gate;
@@ -329,7 +333,7 @@ void SdlServer::openWindow(SdlPlayer& player) {
   player.createWindow();
 }
 
-// Only one window is ever full screen.
+// At most one window is full screen at a time.
 void SdlServer::leaveFullscreenAll() {
   for (SdlPlayer* player : players_.players()) {
     SdlWindow* window = player->window();
@@ -352,8 +356,9 @@ SdlPlayer* SdlServer::playerWithWindow(std::uint32_t windowId) const {
   return nullptr;
 }
 
-// An event that belongs to no window of ours ends the drain and is dropped, application events
-// included; the rest waits for the next pass.
+// An event that belongs to none of this server's windows ends the drain, deliberately; later events
+// wait for the next pass. Such an event, for example an application event, is dropped unless it
+// belongs to a window of the other server.
 void SdlServer::pumpEvents(bool deferClose) {
   SDL_Event event;
   while (nextEvent(event)) {
@@ -382,8 +387,8 @@ void SdlServer::handOver(const SDL_Event& event) {
   }
 }
 
-// In the gate the only readers are other threads' looks whether a player is open, and those are
-// short.
+// The wait is short: inside the gate, the only readers are other threads that check whether a
+// player is open.
 void SdlServer::removePlayer(SdlPlayer& player) {
   players_.remove(&player);
   awaitReclaim();

@@ -1,12 +1,13 @@
-// The display server: owns every player on screen, and in threaded mode the one display thread that
-// makes the windows, shows new frames and runs the SDL event loop.
+// A display server owns its players. The threaded server also owns the one display thread, which
+// makes the windows, shows new frames and runs SDL's event loop.
 //
-// Operations on players may be called by any host thread. On the threaded server they take no lock
-// that a display pass holds, except addPlayer; on the synchronous server everything happens inside
-// the call, in the gate. An unknown player id yields 0, false or no action.
+// Any host thread may call the operations on players. On the threaded server, only addPlayer takes
+// a lock that a display pass holds. On the synchronous server, everything happens inside the call,
+// in the gate. For an unknown player id they return 0, false or an empty result, or do nothing.
 //
-// "Waits for the window": looks every 2 ms whether the window has been made; ends as for an unknown
-// id when it can no longer come (no display thread, player removed, library leaving).
+// "Waits for the window" means: checks every 2 ms whether the window has been made. The wait ends
+// as for an unknown id when the window can no longer appear, because there is no display thread,
+// memory ran out, the player was removed or the library is leaving.
 #pragma once
 
 #include <SDL.h>
@@ -32,9 +33,9 @@ namespace framesink {
 
 class SdlServer;
 
-// What a server knows of the process's other server. Without it, it is alone.
+// What a server knows about the process's other server. By default there is none.
 struct ServerSurroundings {
-  const std::atomic<SdlServer*>* sibling = nullptr;  // null inside while there is none
+  const std::atomic<SdlServer*>* sibling = nullptr;  // points to null while there is no other
   void (*stopAll)() = nullptr;                       // stops this server and its sibling
 };
 
@@ -49,37 +50,37 @@ class SdlServer {
  public:
   explicit SdlServer(bool threaded, ServerSurroundings surroundings = {});
 
-  // Stops, and shuts SDL down for the whole process.
+  // Stops the server and shuts SDL down for the whole process.
   virtual ~SdlServer();
   SdlServer(const SdlServer&) = delete;
   SdlServer& operator=(const SdlServer&) = delete;
 
-  // Adds a player that shows a copy of `initialFrame` and returns its id, or kNoPlayer when the
-  // server is stopping. The first call initialises SDL video. Threaded: waits for the present
-  // display pass to end; the next one makes the window. Synchronous: makes the window.
+  // Adds a player that shows a copy of `initialFrame`. Returns its id, or kNoPlayer if the server
+  // is stopping. The first call initialises SDL video. Threaded: waits for the current display pass
+  // to end; the next pass makes the window. Synchronous: makes the window. Throws std::bad_alloc.
   PlayerId addPlayer(const std::uint8_t* initialFrame, WindowRequest request);
 
-  // Hands over a frame of that size; a player of another frame size takes nothing. Synchronous:
-  // shows it at once, then drains the events, whether or not the player was found.
+  // Gives the player a frame of that size; a player with another frame size drops it. Synchronous:
+  // shows the frame at once and then drains the events, even if there is no such player.
   void deliverFrame(PlayerId playerId, const std::uint8_t* frame, Size frameSize);
 
-  // Threaded: asks; the next pass closes. Synchronous: closes.
+  // Threaded: the next pass closes the player. Synchronous: closes it at once.
   void closePlayer(PlayerId playerId);
 
-  // True when there is a player of that id that is not closing.
+  // True if the player exists and is not closing.
   bool hasOpenPlayer(PlayerId playerId) const;
 
   void raisePlayer(PlayerId playerId);                             // waits for the window
   void renamePlayer(PlayerId playerId, const std::string& title);  // waits for the window
 
-  // Nothing for an unknown id. Waits for the window.
+  // Empty for an unknown id. Waits for the window.
   std::optional<PlayerState> playerState(PlayerId playerId) const;
 
-  // Nothing for an unknown id. Waits for the window, and asks SDL nothing.
+  // Empty for an unknown id. Waits for the window; does not call SDL.
   std::optional<WindowGeometry> windowGeometry(PlayerId playerId) const;
 
-  // Single parts of the state; 0 or false for an unknown id. Each waits for the window. Dormant: kept
-  // as the server's interface although the library itself asks for whole states.
+  // Single parts of the state; 0 or false for an unknown id. Each waits for the window. Dormant:
+  // kept as part of the server's interface although the library itself reads whole states.
   bool isPlayerFullscreen(PlayerId playerId) const;
   std::int32_t getFrameWidth(PlayerId playerId) const;
   std::int32_t getFrameHeight(PlayerId playerId) const;
@@ -91,10 +92,10 @@ class SdlServer {
   // Ends every wait of a host thread on this server, and the display thread's loop, for good.
   void beginLeaving();
 
-  // Ends the display thread: waits within the budget of unloading, without joining, until its
-  // players are deleted and the thread itself is gone. Synchronous: deletes the players. False when
-  // the thread is still there, or players are another thread's to delete; then nothing that they use
-  // may be torn down. On the display thread itself it does not wait.
+  // Threaded: ends the display thread. Within the unload budget and without joining, waits until
+  // the thread has deleted its players and is gone. Does not wait on the display thread itself.
+  // Synchronous: deletes the players. Returns false if the display thread is still there or the
+  // players are another thread's to delete; then nothing that they use may be torn down.
   bool stop();
 
  private:
@@ -129,19 +130,20 @@ class SdlServer {
   const bool threaded_;
   const ServerSurroundings surroundings_;
 
-  std::atomic<std::uint8_t> quit_{0};  // the display thread ends its loop
-  std::atomic<bool> leaving_{false};   // host threads end their waits; never reset
+  std::atomic<std::uint8_t> quit_{0};  // ends the display thread's loop
+  std::atomic<bool> leaving_{false};   // ends host threads' waits; never reset
 
   // Set by the first addPlayer, cleared by stop.
   std::atomic<std::uint8_t> started_{0};
-  // Threaded: held by a whole pass and while a player is added.
+  // Threaded only: held during a whole pass and while a player is added.
   std::atomic<SDL_mutex*> mutex_{nullptr};
   DisplayThread thread_;
-  LibraryHold sdlCode_;  // from start until SDL is shut down
+  LibraryHold sdlCode_;  // held from start until SDL is shut down
   bool openGl_ = false;  // set by start
 
-  // Changed under a PlayersLock and, but for additions to the threaded server, in the gate: whoever
-  // is in the gate may look at either server's players, and nobody else destroys them.
+  // Changed under a PlayersLock and inside the gate, except that additions to the threaded server
+  // happen outside the gate. So a thread inside the gate may read either server's players, and no
+  // other thread destroys them meanwhile.
   Players players_;
   PlayerId nextPlayerId_ FRAMESINK_GUARDED_BY(players_) = 0;
 

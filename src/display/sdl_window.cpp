@@ -25,7 +25,7 @@ int clampedSize(std::uint32_t extent) {
   return static_cast<int>(std::clamp(extent, 1U, kLargestWindow));
 }
 
-// Truncates toward zero; what is no number of pixels (a frame without pixels) becomes 0.
+// Truncates toward zero. Infinity and NaN, which a frame without pixels yields, become 0.
 int truncatedPixels(double extent) { return std::isfinite(extent) ? static_cast<int>(extent) : 0; }
 
 }  // namespace
@@ -61,7 +61,7 @@ void SdlWindow::createWindow(bool fullscreen) {
   const std::uint32_t flags =
       fullscreen ? SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_INPUT_FOCUS
                  : SDL_WINDOW_RESIZABLE;
-  // SDL_CreateWindow starts SDL video by itself when it is down.
+  // If SDL video is down, SDL_CreateWindow initialises it, so the hints must be set before.
   if ((SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) == 0) setSdlHints();
   window_ =
       SDL_CreateWindow(title_.c_str(), clampedPosition(position.x), clampedPosition(position.y),
@@ -81,7 +81,7 @@ void SdlWindow::setIcon() {
   SDL_FreeSurface(icon);
 }
 
-// The software renderer is tried first on purpose.
+// Deliberately tries the software renderer first.
 void SdlWindow::createRenderer() {
   renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_SOFTWARE);
   if (renderer_ == nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_ACCELERATED);
@@ -98,7 +98,7 @@ void SdlWindow::createTexture() {
   if (texture_ == nullptr) std::fprintf(stderr, "Unable to create texture: %s\n", SDL_GetError());
 }
 
-// Once is enough: the renderer keeps this aspect ratio, letterboxed, through every later resize.
+// Called once: the renderer keeps this aspect ratio, letterboxed, through every later resize.
 void SdlWindow::fitLogicalSize() {
   int width = 0;
   int height = 0;
@@ -118,7 +118,8 @@ void SdlWindow::showFrame(const std::uint8_t* frame) {
   int pitch = 0;
   if (SDL_LockTexture(texture_, nullptr, &pixels, &pitch) < 0) {
     SDL_LogError(SDL_LOG_CATEGORY_APPLICATION, "Could not lock texture: %s\n", SDL_GetError());
-    quitSdl();  // SDL is given up with the texture; nothing of this SDL is touched again.
+    // Deliberately gives SDL up with the texture. The windows' SDL objects are not touched again.
+    quitSdl();
     return;
   }
   copyPlanesToTexture(frame, pixels, textureSize_.width, textureSize_.height);

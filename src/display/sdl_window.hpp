@@ -1,5 +1,5 @@
 // The on-screen half of a player: an SDL window, its renderer, one streaming texture of the frame's
-// size, and the geometry that is remembered while the user moves and resizes the window.
+// size, and the position and size that are stored while the user moves and resizes the window.
 #pragma once
 
 #include <SDL.h>
@@ -22,9 +22,9 @@ inline constexpr std::uint32_t kFullscreenFlags = SDL_WINDOW_FULLSCREEN_DESKTOP;
 // operations marked "any thread" may be called by host threads once the window is published.
 class SdlWindow {
  public:
-  // Failures go to standard error and leave a window that draws nothing. Position and size are
-  // clamped for SDL and stored as requested. A full screen window is made hidden; see
-  // enterFullscreen.
+  // On failure, prints to standard error and leaves a window that draws nothing. Clamps position
+  // and size for SDL but stores them as requested. Makes a full-screen window hidden;
+  // enterFullscreen shows it.
   explicit SdlWindow(const WindowRequest& request);
   virtual ~SdlWindow();
   SdlWindow(const SdlWindow&) = delete;
@@ -36,21 +36,23 @@ class SdlWindow {
   // Makes the window full screen on the desktop, and visible.
   void enterFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
-  // Back to the stored size. False when SDL refused.
+  // Leaves full screen and restores the stored size. False if SDL fails to leave full screen.
   bool leaveFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
-  // SDL's id of the window, by which events are routed; 0 when it has none, or no longer: a later
-  // SDL may give the number to another window. Any thread.
+  // SDL's id of the window, by which events are routed. 0 if the window has none, or once its SDL
+  // has been shut down, because a later SDL may reuse the number. Any thread.
   std::uint32_t windowId() const { return isSdlGone() ? 0 : windowId_; }
 
-  // The SDL that the window was made in has been shut down: nothing of it is touched any more.
+  // True once the SDL in which the window was made has been shut down. Its SDL objects must not be
+  // touched any more.
   bool isSdlGone() const;
 
   bool isFullscreen() const;                // any thread
   void raise();                             // any thread
   void setTitle(const std::string& title);  // any thread, one at a time
 
-  // Windowed place and size, as asked for and then as events tell. Any thread.
+  // Position and size while not full screen: at first as requested, then as events report. Any
+  // thread.
   WindowGeometry geometry() const { return {position_, size_}; }
   void setStoredPosition(Position position) { position_ = position; }
   void setStoredSize(Size size) { size_ = size; }

@@ -8,10 +8,10 @@
 namespace framesink {
 namespace {
 
-constinit std::array<std::atomic<SdlServer*>, 2> servers{};  // by `synchronous`
+constinit std::array<std::atomic<SdlServer*>, 2> servers{};  // indexed by `synchronous`; null: none
 
-// Makes a server and ends it. One that cannot be stopped safely is left as it is to the end of the
-// process, without SDL_Quit.
+// Makes a server when constructed and ends it when destroyed. A server that cannot be stopped
+// safely stays as it is until the process ends, without SDL_Quit.
 class ServerLife {
  public:
   explicit ServerLife(bool synchronous)
@@ -22,9 +22,9 @@ class ServerLife {
     servers[synchronous] = server_;
   }
 
-  // SDL is shut down for both servers, so both stop first, whichever was made first. No window may
-  // be left to SDL_Quit: with the pointer in one, Xlib would load its cursor library from inside
-  // dlclose, lose it to that dlclose, and crash in the process's next use of X.
+  // Stops both servers first, because SDL is shut down for both. No window may be left to SDL_Quit:
+  // if the pointer is in it, libX11 loads libXcursor from inside dlclose, that dlclose unmaps it
+  // again, and the process's next use of X crashes.
   ~ServerLife() {
     if (!stopServers()) return;
     servers[synchronous_] = nullptr;

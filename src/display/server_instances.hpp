@@ -12,13 +12,17 @@ SdlServer& synchronousServer();
 // The server that a `synchronous` flag selects.
 SdlServer& serverFor(bool synchronous);
 
-// The same, but null when it has not been made yet or has ended: looking up a player makes no
-// server.
+// The server that a `synchronous` flag selects, or null if it has not been made yet or has ended.
+// Use it to look up a player, because that must not make a server.
 SdlServer* existingServer(bool synchronous);
 
-// Stops both, for good. False when that cannot be had safely, because Xlib called exit() from inside
-// one of our SDL calls, the display thread is stuck, host calls still run, this is a fork, or, on
-// Windows, synchronous windows are another thread's or the system has ended all other threads.
+// Stops both servers, for good. Returns false if that is not safe:
+//   - Xlib called exit() from inside one of the library's SDL calls.
+//   - The display thread is stuck.
+//   - Host calls are still under way.
+//   - This process is a fork of the host.
+//   - On Windows, another thread owns synchronous windows, or the operating system has ended all
+//     other threads.
 bool stopServers();
 
 }  // namespace framesink

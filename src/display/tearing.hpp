@@ -1,4 +1,4 @@
-// The one data race that this system accepts, marked for the thread sanitizer.
+// The one data race that the library accepts, marked for the thread sanitizer.
 #pragma once
 
 #if defined(__SANITIZE_THREAD__)
@@ -16,9 +16,9 @@ extern "C" void AnnotateIgnoreWritesEnd(const char* file, int line);
 
 namespace framesink {
 
-// While one lives, what this thread writes may be read by another at the same time: a host that
-// submits twice within one display pass overwrites the picture being drawn, in exchange for never
-// waiting.
+// While it lives, the thread sanitizer accepts that another thread reads what this thread writes. A
+// host that submits twice within one display pass overwrites the picture that is being drawn; that
+// is the price for never waiting.
 class AcceptedTearing {
  public:
 #if defined(FRAMESINK_THREAD_SANITIZER)

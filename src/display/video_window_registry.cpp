@@ -24,7 +24,7 @@ bool isNamed(const VideoWindow& window, std::string_view name) {
                     [](char own, char sought) { return own == normalisedCharacter(sought); });
 }
 
-// The server that has the record's player, open and not closing; null when none has.
+// The server in which the record's player is open and not closing, or null.
 SdlServer* serverWithOpenPlayer(bool synchronous, const VideoWindow& window) {
   SdlServer* server = existingServer(synchronous);
   return server != nullptr && server->hasOpenPlayer(window.playerId) ? server : nullptr;
@@ -34,7 +34,7 @@ SdlServer* serverWithOpenPlayer(const VideoWindow& window) {
   return serverWithOpenPlayer(window.synchronous, window);
 }
 
-// Whether an open player already is what is requested.
+// True if an open player already matches the request.
 bool isAsRequested(const PlayerState& state, const WindowRequest& request) {
   const bool sizeFits =
       request.fullscreen || request.useWindowSize || state.geometry.size == request.frameSize;
@@ -46,7 +46,7 @@ bool isAsRequested(const PlayerState& state, const WindowRequest& request) {
 
 VideoWindowRegistry::VideoWindowRegistry() : windows_(new Windows) {}
 
-// Records that a host call may still be using are left to the end of the process.
+// Records that a host call may still use stay until the process ends.
 VideoWindowRegistry::~VideoWindowRegistry() {
   if (endHostCalls()) delete windows_;
 }
@@ -135,7 +135,7 @@ void VideoWindowRegistry::renameVideoWindowCore(std::string_view name, std::stri
   if (SdlServer* server = serverWithOpenPlayer(/*synchronous=*/false, *window)) {
     server->renamePlayer(window->playerId, title);
   }
-  window->name = std::move(ownName);  // Last: where memory runs out nothing is renamed.
+  window->name = std::move(ownName);  // Last, so that nothing is renamed if memory runs out.
 }
 
 void VideoWindowRegistry::getVideoWindowPosSize(const VideoWindow& window, std::int32_t position[2],

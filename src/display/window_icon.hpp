@@ -1,4 +1,4 @@
-// The picture of our windows in task bars.
+// The icon of the library's windows.
 #pragma once
 
 #include <array>

@@ -1,5 +1,4 @@
-// What a host asks of a window: made once where the host's call comes in, and read by whoever makes
-// the window.
+// What a host asks of a window: made once, in the export, and read wherever the window is made.
 #pragma once
 
 #include <cstdint>
@@ -9,17 +8,17 @@
 
 namespace framesink {
 
-// As window width and height together: the frame's size.
+// As both window width and window height: use the frame's size.
 inline constexpr std::uint32_t kFrameSizeMarker = 0x7FFFFFFF;
 
 struct WindowRequest {
   std::string title{};
   Size frameSize{};
-  WindowGeometry geometry{};  // its size counts with useWindowSize or fullscreen only
+  WindowGeometry geometry{};  // its size is used with useWindowSize or fullscreen only
   bool useWindowSize = false;
   bool fullscreen = false;
 
-  // The size to open the window with, or to go back to from full screen.
+  // The size in which the window opens, or to which it returns from full screen.
   Size windowSize() const {
     const bool hasOwnSize = useWindowSize || fullscreen;
     const bool isMarker = geometry.size == Size{kFrameSizeMarker, kFrameSizeMarker};

@@ -21,7 +21,7 @@ int DisplayThread::main(void* self) {
   thread->id_ = currentThread();
   thread->body_(thread->argument_);
   thread->running_ = false;
-  caller.endThread();  // `thread` may be gone by now
+  caller.endThread();  // the owner may have destroyed *thread by now
   return 0;
 }
 

@@ -1,4 +1,4 @@
-// The life of a display thread that is neither joined nor detached.
+// A display thread that is never joined or detached; unloading polls for its end instead.
 #pragma once
 
 #include <SDL.h>
@@ -14,23 +14,23 @@ class DisplayThread {
  public:
   using Body = void (*)(void* argument);
 
-  // Starts a thread that runs body(argument) and then says farewell. A failure is told on standard
-  // error and leaves no thread.
+  // Starts a thread that runs body(argument) and then reports that it is done. On failure, prints
+  // to standard error and leaves no thread.
   void start(const char* name, Body body, void* argument);
 
-  // From start to farewell.
+  // True from start until the thread reports that it is done.
   bool isRunning() const { return running_; }
 
   bool isThisThread() const { return thread_ != nullptr && id_ == currentThread(); }
 
-  // The thread ended without a farewell: this process is a fork of the one it runs in, or the
-  // system ended it.
+  // True if the thread ended without that report: this process is a fork of the one in which the
+  // thread runs, or the operating system ended the thread.
   bool isLost() const { return running_ && id_ != 0 && isThreadGone(id_); }
 
-  // Waits until the thread has said farewell and has left this library for good, because its code
-  // is about to be unmapped. True at once when there never was one; false when the budget is spent
-  // or the thread is lost. The thread's stack is given back, so that loading and unloading many
-  // times costs little although the threads are never joined.
+  // Waits until the thread has reported that it is done and can never run this library's code
+  // again, because that code is about to be unmapped. Returns true at once if there never was a
+  // thread, and false if the budget is spent or the thread is lost. Gives the thread's stack back,
+  // so that loading and unloading many times costs little memory although no thread is joined.
   bool awaitEnd(WaitBudget& budget);
 
  private:
@@ -39,7 +39,7 @@ class DisplayThread {
   SDL_Thread* thread_ = nullptr;
   Body body_ = nullptr;
   void* argument_ = nullptr;
-  DeadStack stack_;  // written by the thread before it gives its number
+  DeadStack stack_;  // written by the thread before it sets id_
   std::atomic<OsThreadId> id_{0};
   std::atomic<bool> running_{false};
 };

@@ -9,16 +9,16 @@
 namespace framesink {
 namespace {
 
-// Hosts make one call at a time; calls beyond this number at once are counted but not known by
-// thread.
+// Hosts make one call at a time, so these slots suffice. If more calls run at once, the rest are
+// counted but their threads are not recorded.
 constexpr std::size_t kKnownCalls = 32;
 
 constinit std::array<std::atomic<OsThreadId>, kKnownCalls> callers{};
 constinit std::atomic<std::uint32_t> callsUnderWay{0};
 constinit std::atomic<bool> ended{false};
-constinit std::atomic<bool> givenUp{false};  // waited in vain once; not again
+constinit std::atomic<bool> givenUp{false};  // a wait has failed: never wait again
 
-constinit std::atomic<std::uint64_t> owner{0};  // the process that has windows; 0: none yet
+constinit std::atomic<std::uint64_t> owner{0};  // id of the process that has windows; 0: none yet
 
 std::size_t enter(OsThreadId thread) {
   for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
@@ -41,8 +41,8 @@ bool isFork() { return owner != 0 && owner != currentProcess(); }
 
 void claimForThisProcess() { owner = currentProcess(); }
 
-// Counted before `ended` is looked at, as endHostCalls sets `ended` before it looks at the count:
-// one of the two sees the other.
+// Counts itself before it reads `ended`, while endHostCalls sets `ended` before it reads the count.
+// So either the call sees that the library has ended, or endHostCalls waits for the call.
 HostCall::HostCall() : slot_(kKnownCalls) {
   callsUnderWay.fetch_add(1);
   open_ = !ended;
@@ -60,14 +60,10 @@ bool endHostCalls(WaitBudget& budget) {
   ended = true;
   if (givenUp || isFork() || areOtherThreadsGone()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
-  while (callsUnderWay != 0) {
-    if (budget.isSpent()) {
-      givenUp = true;
-      return false;
-    }
-    sleepFor(std::chrono::milliseconds(1));
-  }
-  return true;
+  // Asked first, because the budget's clock starts when it is first asked.
+  while (!budget.isSpent() && callsUnderWay != 0) sleepFor(std::chrono::milliseconds(1));
+  givenUp = callsUnderWay != 0;
+  return !givenUp;
 }
 
 }  // namespace framesink

@@ -1,9 +1,11 @@
-// Which threads are inside the exported functions, and the end of all such calls.
+// Records which threads are inside the exports, and ends all such calls.
 //
-// The library may end while other threads of the host still call it: another thread calls exit(),
-// the host's own exit handlers run after our statics, or Xlib calls exit() from inside one of our
-// SDL calls when the X server dies. What stands here is constant-initialised and never destroyed,
-// so it can be asked at any time.
+// The library may end while threads of the host still call it:
+//   - Another thread calls exit().
+//   - The host's own exit handlers run after the library's static objects are destroyed.
+//   - Xlib calls exit() from inside one of the library's SDL calls when the X server dies.
+// Therefore all state here is constant-initialised and never destroyed, and every function may be
+// called at any time.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +14,8 @@
 
 namespace framesink {
 
-// One export at work. Tested false when the library has ended: the export then returns at once.
+// Counts one export as under way for as long as it lives. Converts to false if the library has
+// ended; the export must then return at once.
 class HostCall {
  public:
   HostCall();
@@ -27,13 +30,15 @@ class HostCall {
   std::size_t slot_;
 };
 
-// Turns new host calls away, for good, and waits for those under way. False when nothing that they
-// use may be torn down: this thread is itself inside the library (in a host call, or in SDL through
-// a display pass), calls still run when the budget is spent, this process is a fork of the one whose
-// windows these are, or the operating system has ended all other threads.
+// Makes new host calls return at once, for good, and waits for those under way. Returns false if
+// nothing that host calls use may be torn down:
+//   - This thread is itself inside the library, in a host call or in SDL during a display pass.
+//   - Calls are still under way when the budget is spent.
+//   - This process is a fork of the one that made the windows.
+//   - The operating system has ended all other threads.
 bool endHostCalls(WaitBudget& budget = unloadBudget());
 
-// Windows are about to be made: forks of this process leave them alone.
+// Records that this process is about to make windows, so that its forks leave them alone.
 void claimForThisProcess();
 
 }  // namespace framesink

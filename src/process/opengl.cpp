@@ -26,7 +26,7 @@ bool isCompositorThere() {
   return ::access(socket.c_str(), F_OK) == 0;
 }
 
-// SDL itself tries X11 first.
+// SDL tries X11 first, so a compositor matters only if DISPLAY is not set.
 bool isOnWayland() {
   const std::string_view driver = variable("SDL_VIDEODRIVER");
   if (!driver.empty()) return driver.starts_with("wayland");
@@ -51,9 +51,10 @@ void stayLoaded() {
   ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
-// exit() ends the thread_local objects of its thread first of all. Those of another thread than the
-// main one would end with their thread, too. Registered like one, because a real one would need
-// thread-local storage, which an unloadable library does without.
+// exit() destroys the thread_local objects of its thread before any static object. `end` is
+// registered like the destructor of such an object; a real one would need thread-local storage,
+// which this library avoids so that it really unloads. Main thread only, because on any other
+// thread `end` would also run when that thread ends.
 void callFirstAtExit(void (*end)()) {
   static std::atomic<bool> isRegistered{false};
   if (::syscall(SYS_gettid) != ::getpid() || isRegistered.exchange(true)) return;

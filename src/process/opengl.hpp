@@ -1,27 +1,29 @@
-// Where SDL draws through OpenGL: on Wayland, where SDL 2.26 has no software windows, and where the
-// user's environment says so.
+// Detects whether SDL draws through OpenGL, and keeps the process safe if it does. SDL does so on
+// Wayland, where SDL 2.26 has no software windows, and where the user's environment selects it.
 //
-// OpenGL loads and unloads libraries whenever it likes, on the thread that draws. While a host's
-// dlclose waits for the display thread it holds the loader's lock: a display thread that needs the
-// loader then never ends, and goes on in code that is no longer there once dlclose has given up.
-// A library that cannot be unloaded safely stays loaded.
+// Unloading: an OpenGL driver may load and unload libraries at any time, on the thread that draws.
+// A host's dlclose holds the loader's lock while it waits for the display thread. A display thread
+// that needs the loader would block until dlclose gives up, and would then run code that is no
+// longer mapped. Therefore the library stays loaded.
 //
-// The other end is exit(). The driver makes static objects whenever it compiles what it draws with,
-// so exit() ends them before any of ours, and a display thread that still draws crashes.
+// exit(): the driver makes some static objects only when it compiles what it draws with, later than
+// the library makes its own. exit() therefore destroys them first, and a display thread that still
+// draws crashes.
 #pragma once
 
 namespace framesink {
 
-// Told from the environment, which SDL reads when it starts. May run out of memory.
+// Decides by the environment variables that SDL reads when it starts. Throws std::bad_alloc.
 bool isOpenGlInUse();
 
-// dlclose leaves this library loaded, its windows open and its threads at work, to the end of the
-// process. On a host thread, before the display thread starts.
+// After this call, dlclose leaves the library loaded, its windows open and its threads running
+// until the process ends. Call it on a host thread, before the display thread starts.
 void stayLoaded();
 
-// exit(), called on the main thread, begins with `end`, before any static object ends; so does
-// pthread_exit() there, though the process lives on. Nothing happens when this thread is not the main
-// one. Keeps the library loaded, so after stayLoaded.
+// Makes exit() on the main thread call `end` first, before any static object is destroyed.
+// pthread_exit() on the main thread calls it too, although the process lives on. Does nothing on
+// any other thread, or if already registered. Keeps the library loaded, so call stayLoaded before
+// it.
 void callFirstAtExit(void (*end)());
 
 }  // namespace framesink

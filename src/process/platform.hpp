@@ -1,4 +1,4 @@
-// The few things that the display asks of the operating system itself.
+// What the library asks of the operating system directly.
 #pragma once
 
 #include <chrono>
@@ -8,43 +8,45 @@
 
 namespace framesink {
 
-// The operating system's number of a thread; 0 is no thread.
+// The operating system's id of a thread; 0 is no thread.
 using OsThreadId = std::uint64_t;
 
 OsThreadId currentThread();
 
-// True when that thread of this process has ended for good, its stack and code no longer in use.
+// True once that thread of this process has ended and uses neither its stack nor any code.
 bool isThreadGone(OsThreadId thread);
 
-// True when that thread, whose last word of ours is said, runs no code of this library any more and
-// never will again. Elsewhere that is when it is gone; on Windows a thread cannot end while another
-// unloads a library, so it is when the thread is in the system's own code.
+// True once a thread that has finished our work can never run this library's code again. A thread
+// must be gone for that, except on Windows: there it cannot end while another thread unloads a
+// library, so it is enough that the thread runs code outside this library.
 bool hasLeftLibrary(OsThreadId thread);
 
-// True when the process is ending and the system has ended all threads but this one already, in
-// whatever they were doing. Windows only: elsewhere threads live on while a process exits.
+// True if the process is ending and the operating system has already ended all other threads,
+// wherever they were. Windows only: elsewhere, threads live on while a process exits.
 bool areOtherThreadsGone();
 
-// The part of a thread's stack that nothing needs any more once the thread is gone. The system
-// keeps the stack of a thread that is neither joined nor detached; this part of it can be given
-// back. Empty where the system does not tell.
+// The part of a thread's stack that nothing needs once the thread is gone. A thread that is neither
+// joined nor detached keeps its stack; giveBack returns the memory of this part. Empty where the
+// part is not known.
 struct DeadStack {
   void* lowest = nullptr;
   std::size_t bytes = 0;
 };
 
-// That of the calling thread.
+// The dead stack that the calling thread will leave.
 DeadStack currentThreadStack();
 
-// Gives its memory back to the system; the addresses stay taken. Only when that thread is gone.
+// Returns the memory to the operating system; the addresses stay taken. Call it only once the
+// thread is gone.
 void giveBack(DeadStack stack);
 
-// What keeps a library loaded whatever hosts unload. Only Windows needs it, where loading and
-// unloading and the beginning and end of threads exclude each other; elsewhere it is always empty.
+// Keeps a library loaded, whatever hosts unload. Only Windows needs it, because there the loading
+// and unloading of libraries and the start and end of threads exclude one another. Elsewhere it is
+// always empty.
 class LibraryHold {
  public:
   LibraryHold() = default;
-  // On the library or program that holds `address`; empty when none does.
+  // Holds the library or program that contains `address`; empty if none does.
   explicit LibraryHold(const void* address);
   ~LibraryHold() { letGo(); }
   LibraryHold(const LibraryHold&) = delete;
@@ -54,35 +56,35 @@ class LibraryHold {
     return *this;
   }
 
-  // If this was the last hold, the library is unloaded soon, by a thread of the system's, so that
-  // it may be the library of the code that calls this.
+  // If this was the last hold, a thread of the operating system unloads the library soon
+  // afterwards. So the library may let go of itself.
   void letGo();
 
-  // Lets go and ends the calling thread, in the system's code, without a return to any of ours.
-  // Does nothing when empty.
+  // Lets go and ends the calling thread inside the operating system's code, without returning to
+  // the caller. Does nothing if empty.
   void endThread();
 
  private:
   void* library_ = nullptr;
 };
 
-// On the library that this code is linked into.
+// Holds the library that this code is linked into.
 LibraryHold holdThisLibrary();
 
-// On SDL, in whose code a thread that SDL began would end.
+// Holds SDL, because a thread that SDL started ends in SDL's code.
 LibraryHold holdSdl();
 
-// Only the thread that made a window can destroy it, on Windows.
+// On Windows, only the thread that made a window can destroy it.
 #if defined(_WIN32)
 inline constexpr bool kWindowsAreTheirThreads = true;
 #else
 inline constexpr bool kWindowsAreTheirThreads = false;
 #endif
 
-// The operating system's number of this process.
+// The operating system's id of this process.
 std::uint64_t currentProcess();
 
-// Sleeps without SDL, which may be shut down or blocked by then.
+// Sleeps without SDL, which may already be shut down or blocked.
 void sleepFor(std::chrono::milliseconds duration);
 
 }  // namespace framesink

@@ -20,15 +20,17 @@ bool hasLeftLibrary(OsThreadId thread) { return isThreadGone(thread); }
 
 bool areOtherThreadsGone() { return false; }
 
-// dlclose waits for nobody and excludes nobody: nothing to hold.
+// dlclose neither waits for other threads nor keeps them from starting or ending, so there is
+// nothing to hold.
 LibraryHold::LibraryHold(const void*) {}
 void LibraryHold::letGo() {}
 void LibraryHold::endThread() {}
 LibraryHold holdThisLibrary() { return {}; }
 LibraryHold holdSdl() { return {}; }
 
-// The C library's own record of a thread, its address the thread's handle, lies at the top of the
-// stack and stays in use; what is below it, down from its page, is dead with the thread.
+// The C library's record of a thread lies at the top of the thread's stack; pthread_self() is its
+// address. The record stays in use after the thread has ended, but the pages below the record's do
+// not.
 DeadStack currentThreadStack() {
   DeadStack stack;
 #if defined(__GLIBC__)

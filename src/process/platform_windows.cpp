@@ -9,7 +9,7 @@ namespace {
 
 constinit std::atomic<bool> processEnds{false};
 
-// Of the library or program that this code was linked into.
+// The module (library or program) that this code is linked into.
 HMODULE ownModule() {
   HMODULE module = nullptr;
   ::GetModuleHandleExW(
@@ -18,8 +18,8 @@ HMODULE ownModule() {
   return module;
 }
 
-// The number of a thread that has ended is not given to another while somebody has a handle of it,
-// as SDL has of a thread that is never joined.
+// A thread, opened by its id. The id cannot belong to another thread by now: Windows does not reuse
+// it while a handle to the thread is open, and SDL keeps one for a thread that is never joined.
 class OpenThread {
  public:
   OpenThread(OsThreadId thread, DWORD access)
@@ -37,7 +37,7 @@ class OpenThread {
   const HANDLE handle_;
 };
 
-// Where the thread is in its code; 0 when it cannot be told.
+// The address of the thread's next instruction, or 0 if it cannot be determined.
 std::uintptr_t instructionOf(HANDLE thread) {
   CONTEXT context{};
   context.ContextFlags = CONTEXT_CONTROL;
@@ -60,7 +60,7 @@ OsThreadId currentThread() { return ::GetCurrentThreadId(); }
 
 bool isThreadGone(OsThreadId thread) {
   const OpenThread opened(thread, SYNCHRONIZE);
-  // Other failures, of memory for example, tell nothing of the thread.
+  // Other errors, such as a lack of memory, do not mean that the thread is gone.
   if (!opened.isOpen()) return ::GetLastError() == ERROR_INVALID_PARAMETER;
   return ::WaitForSingleObject(opened.handle(), 0) == WAIT_OBJECT_0;
 }
@@ -82,7 +82,8 @@ LibraryHold::LibraryHold(const void* address) {
   library_ = module;
 }
 
-// FreeLibrary has the form of a thread's function. Without memory for that the library stays.
+// A thread of the operating system's pool calls FreeLibrary, whose signature fits a thread
+// function. If there is no memory to queue the call, the library stays loaded.
 void LibraryHold::letGo() {
   void* const library = std::exchange(library_, nullptr);
   if (library == nullptr) return;
@@ -96,11 +97,10 @@ void LibraryHold::endThread() {
 
 LibraryHold holdThisLibrary() { return LibraryHold(&processEnds); }
 
-// The address of a function of a DLL may be that of a jump to it; a DLL's name is what it is loaded
-// by.
+// By name, because the address of an SDL function may be that of a jump inside this library.
 LibraryHold holdSdl() { return LibraryHold(::GetModuleHandleW(L"SDL2.dll")); }
 
-// The system gives a thread's stack back itself.
+// Windows itself releases the stack of a thread that has ended.
 DeadStack currentThreadStack() { return {}; }
 
 void giveBack(DeadStack) {}
@@ -111,8 +111,8 @@ void sleepFor(std::chrono::milliseconds duration) { ::Sleep(static_cast<DWORD>(d
 
 }  // namespace framesink
 
-// The system's word when the library is loaded or unloaded. Our statics are destroyed right after
-// the one for unloading.
+// Windows calls this when it loads or unloads the library. Static objects are destroyed right after
+// the call for unloading.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID endOfProcess) {
   if (reason == DLL_PROCESS_DETACH) framesink::processEnds = endOfProcess != nullptr;
   return TRUE;

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #if defined(__ELF__)
-// The library still loads against an SDL that lacks it.
+// Weak, so that the library still loads with an SDL that lacks this function.
 #pragma weak SDL_SetHintWithPriority
 #endif
 
@@ -39,16 +39,16 @@ void SdlGate::unlock() {
   mutex_.unlock();
 }
 
-// The lowest priority: a user's environment variables win.
+// SDL_HINT_DEFAULT is the lowest priority, so a user's environment variables win.
 void setSdlHints() {
   if (!haveHints()) return;
-  // Otherwise SDL draws software windows through OpenGL on X11: it makes the window anew, starts
-  // the driver's threads, loads libraries while the loader's lock may be held by dlclose, and takes
-  // four times as long for a frame.
+  // Without this hint, SDL draws software windows on X11 through OpenGL. It then recreates the
+  // window, starts the driver's threads, takes four times as long for a frame, and loads libraries
+  // while a dlclose may hold the loader's lock.
   SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_DEFAULT);
-  // Ctrl-C and SIGTERM stay the host's.
+  // Leaves Ctrl-C and SIGTERM to the host.
   SDL_SetHintWithPriority(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
-  // The desktop's compositor stays on.
+  // Leaves the desktop's compositor on.
   SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
 }
 
@@ -60,9 +60,9 @@ void initVideo() {
   }
   SDL_EnableScreenSaver();
 #if defined(_WIN32)
-  // Nobody types text into these windows. Otherwise SDL sets up input methods with the first focus,
-  // which load libraries; they wait for the other server's thread each time the focus changes, and
-  // take COM down on the thread that unloads the library, which is the host's.
+  // Nobody types text into these windows. With text input on, SDL sets up input methods when a
+  // window first gets the focus. They load libraries, wait for the other server's thread at every
+  // change of focus, and shut COM down on the thread that unloads the library, which is the host's.
   SDL_StopTextInput();
 #endif
 }
@@ -80,8 +80,8 @@ void quitSdl() {
   quitSdl(budget);
 }
 
-// Counted before the generation is looked at, as quitSdl ends the generation before it looks at the
-// count.
+// Counts itself before it reads the generation, while quitSdl ends the generation before it reads
+// the count. So either the use sees that the generation has ended, or quitSdl waits for the use.
 SdlUse::SdlUse(std::uint32_t windowGeneration) {
   uses.fetch_add(1);
   current_ = generation == windowGeneration;

@@ -1,4 +1,4 @@
-// SDL as the whole process shares it: who may be inside it, and from when to when it is up.
+// SDL, which the whole process shares: which thread may be inside it, and when it starts and ends.
 #pragma once
 
 #include <atomic>
@@ -11,10 +11,10 @@
 
 namespace framesink {
 
-// Held by whoever is in SDL's window and event code: the display thread during a pass, any thread
-// during a call on the synchronous server. Two threads in there on one X connection crash.
-// Recursive; without contention unless both servers run. Host calls on threaded players never take
-// it.
+// Held by the thread that is inside SDL's window and event code: the display thread during a pass,
+// any thread during a call on the synchronous server. Two threads in that code on one X connection
+// crash. Recursive, and uncontended unless both servers run. Host calls on threaded players never
+// take it, except to start the server.
 class FRAMESINK_LOCK("gate") SdlGate {
  public:
   void lock() FRAMESINK_ACQUIRES();
@@ -29,7 +29,7 @@ class FRAMESINK_LOCK("gate") SdlGate {
 
 extern SdlGate sdlGate;
 
-// In the gate for its life.
+// Holds the gate for as long as it lives.
 class FRAMESINK_SCOPED_LOCK InGate {
  public:
   InGate() FRAMESINK_ACQUIRES(sdlGate) { sdlGate.lock(); }
@@ -38,24 +38,27 @@ class FRAMESINK_SCOPED_LOCK InGate {
   InGate& operator=(const InGate&) = delete;
 };
 
-// Initialises SDL video unless it is up. Errors go to standard error, and work goes on.
+// Initialises SDL video unless it is up. On failure, prints to standard error and continues.
 void initVideo();
 
-// Makes SDL behave as a guest in the host's process. Before anything that may initialise SDL.
+// Sets the hints that keep SDL from changing the host's process. Call it before anything that may
+// initialise SDL.
 void setSdlHints();
 
-// Counts SDL's lives: a window belongs to the one it was made in. After the life's end its SDL
-// window, renderer and texture are gone and must not be touched.
+// The number of times the library has shut SDL down. A window belongs to the generation in which it
+// was made. Once that generation has ended, the window's SDL objects are gone and must not be
+// touched.
 std::uint32_t sdlGeneration();
 
-// Ends the generation, waits for the uses of its windows while the budget lasts, and calls SDL_Quit.
+// Ends the generation, waits until no host thread uses its windows or the budget is spent, and
+// calls SDL_Quit.
 void quitSdl(WaitBudget& budget);
 
-// The same outside of unloading, with a budget of its own.
+// quitSdl outside of unloading, with a budget of its own.
 void quitSdl();
 
-// A host thread's use of a window of that generation outside the gate; quitSdl waits for it. Tests
-// false when the generation has ended.
+// A host thread's use, outside the gate, of a window of that generation; quitSdl waits for it.
+// Converts to false if the generation has ended; the window must then not be touched.
 class SdlUse {
  public:
   explicit SdlUse(std::uint32_t generation);

@@ -1,5 +1,5 @@
-// What the compiler is told about locks. Clang checks it (-Wthread-safety): touching what is
-// guarded without the lock does not compile. Other compilers see nothing.
+// Annotations that state which lock guards what. Clang checks them (-Wthread-safety): code that
+// touches guarded data without its lock does not compile. Other compilers ignore them.
 #pragma once
 
 #include <mutex>
@@ -13,26 +13,30 @@
 // On a class: it is a lock, or stands for one.
 #define FRAMESINK_LOCK(name) FRAMESINK_THREAD_ATTRIBUTE(capability(name))
 
-// On a class: it holds what its constructor acquires, to the end of its life.
+// On a class: its constructor takes a lock, its destructor releases it.
 #define FRAMESINK_SCOPED_LOCK FRAMESINK_THREAD_ATTRIBUTE(scoped_lockable)
 
-// On a variable: read and written only while the lock is held.
+// On a variable: it is read and written only while the lock is held.
 #define FRAMESINK_GUARDED_BY(lock) FRAMESINK_THREAD_ATTRIBUTE(guarded_by(lock))
 
-// On functions: the caller holds the locks, or must not; the function takes them, tries to (its
-// first argument is the result that says so), or gives them back.
+// On a function:
+//   - REQUIRES: the caller holds the locks.
+//   - EXCLUDES: the caller does not hold them.
+//   - ACQUIRES: the function takes them.
+//   - TRIES: the function tries to take them; its first argument is the result that means success.
+//   - RELEASES: the function releases them.
 #define FRAMESINK_REQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
 #define FRAMESINK_EXCLUDES(...) FRAMESINK_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define FRAMESINK_ACQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define FRAMESINK_TRIES(...) FRAMESINK_THREAD_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
 #define FRAMESINK_RELEASES(...) FRAMESINK_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 
-// On a function that is itself how a lock is taken or given back.
+// On a function that implements a lock; its body is not checked.
 #define FRAMESINK_IS_THE_LOCK FRAMESINK_THREAD_ATTRIBUTE(no_thread_safety_analysis)
 
 namespace framesink {
 
-// std::mutex, known to the check.
+// A std::mutex that Clang's check knows.
 class FRAMESINK_LOCK("mutex") Mutex {
  public:
   void lock() FRAMESINK_ACQUIRES() { mutex_.lock(); }

@@ -1,4 +1,4 @@
-// Time that several waits share, so that all of them together end within one bound.
+// Time that several waits share, so that together they end within one limit.
 #pragma once
 
 #include <atomic>
@@ -7,11 +7,11 @@
 
 namespace framesink {
 
-// The longest time that unloading waits, for host calls, the display thread and uses of windows
-// together. Hosts are promised 20 s.
+// The longest that unloading waits for host calls, the display thread and uses of windows together.
+// Hosts are promised 20 s.
 inline constexpr std::chrono::milliseconds kLongestUnload{20000};
 
-// The clock starts when the budget is first asked. Any thread.
+// The clock starts with the first call of isSpent. Any thread.
 class WaitBudget {
  public:
   constexpr explicit WaitBudget(std::chrono::milliseconds total) : total_(total) {}
@@ -20,22 +20,22 @@ class WaitBudget {
 
   bool isSpent();
 
-  // Counts a sleep that a wait asked SDL for. The longer of the counted sleeps and the time on the
-  // clock is what has been spent: a sleep may take much longer than it was asked to.
+  // Counts a sleep that was requested from SDL. The time spent is the sum of these sleeps or the
+  // time on the clock, whichever is longer, because a sleep may take much longer than requested.
   void count(std::chrono::milliseconds sleep) { counted_.fetch_add(sleep.count()); }
 
-  // Leaves nothing for later waits.
+  // Spends the whole budget, so that later waits end at once.
   void spend() { counted_ = total_.count(); }
 
  private:
   using Clock = std::chrono::steady_clock;
 
   const std::chrono::milliseconds total_;
-  std::atomic<Clock::rep> start_{0};      // 0: not asked yet
+  std::atomic<Clock::rep> start_{0};      // of the clock; 0: not started
   std::atomic<std::int64_t> counted_{0};  // milliseconds
 };
 
-// The budget of the end of the library. Its clock starts with the first step of the end.
+// The budget that all waits of an unload share. The end of host calls starts its clock.
 WaitBudget& unloadBudget();
 
 }  // namespace framesink

@@ -1,4 +1,4 @@
-// The loop over rows of bytes that the colour conversions of one instruction set share.
+// The loop over rows of bytes that all byte kernels share. Re-included for each instruction set.
 #if defined(FRAMESINK_BYTE_ROWS_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef FRAMESINK_BYTE_ROWS_INL
 #undef FRAMESINK_BYTE_ROWS_INL
@@ -35,7 +35,7 @@ void moveOn(Targets<Count>& out, std::size_t bytes, std::ptrdiff_t steps) {
   for (std::uint8_t*& target : out) target += steps * static_cast<std::ptrdiff_t>(bytes);
 }
 
-// A row shorter than a vector goes through a padded one.
+// Converts a row shorter than a vector, through padded copies.
 template <class Convert, std::size_t Inputs, std::size_t Outputs>
 void convertShortRow(const Convert& convert, const Sources<Inputs>& in, const Targets<Outputs>& out,
                      std::size_t count) {
@@ -55,10 +55,10 @@ void convertShortRow(const Convert& convert, const Sources<Inputs>& in, const Ta
   }
 }
 
-// Runs `convert` over `count` pixels, or pairs of pixels: convert(in, out) does as many as
-// convert.lanes(), reading kInputBytes[i] bytes of in[i] for each and writing kOutputBytes of every
-// out[i]. There are at most kMostLanes. The last vector overlaps the one before it: nothing beyond
-// is read or written. Outputs must not overlap inputs.
+// Runs `convert` over `count` elements, each a pixel or a pair of pixels. One convert(in, out)
+// converts convert.lanes() elements, at most kMostLanes. For each element it reads kInputBytes[i]
+// bytes of in[i] and writes kOutputBytes bytes of every out[i]. The last vector overlaps the one
+// before it, so nothing beyond the rows is read or written. Outputs must not overlap inputs.
 template <class Convert, std::size_t Inputs, std::size_t Outputs>
 void convertRow(const Convert& convert, Sources<Inputs> in, Targets<Outputs> out,
                 std::size_t count) {

@@ -17,15 +17,15 @@ constexpr std::int32_t toFixed214(double value) { return rounded(value * 16384.0
 constexpr double kLumaOffset = 16.0;
 constexpr double kChromaOffset = 128.0;
 
-// To RGB, from and to 8-bit steps.
+// YCbCr to RGB, both in 8-bit steps.
 constexpr double kLuma = 1.16438356164384;          // 255 / 219
 constexpr double kRedFromCr = 1.59602678571429;     // 255 / 224 x 2 (1 - 0.299)
 constexpr double kGreenFromCb = -0.39176229009491;  // -255 / 224 x 2 (1 - 0.114) 0.114 / 0.587
 constexpr double kGreenFromCr = -0.81296764723777;  // -255 / 224 x 2 (1 - 0.299) 0.299 / 0.587
 constexpr double kBlueFromCb = 2.01723214285714;    // 255 / 224 x 2 (1 - 0.114)
 
-// From RGB that reaches from 0 to 1 to 8-bit steps. The kernels feed 8-bit samples and divide by
-// 256, not 255: white has luma 234.
+// RGB in 0..1 to YCbCr in 8-bit steps. The kernels deliberately feed 8-bit samples and divide by
+// 256, not 255, so white has luma 234.
 constexpr double kLumaFromRed = 65.481;              // 219 x 0.299
 constexpr double kLumaFromGreen = 128.553;           // 219 x 0.587
 constexpr double kLumaFromBlue = 24.966;             // 219 x 0.114

@@ -5,8 +5,8 @@
 
 namespace framesink {
 
-// YCbCr to RGB, BT.601 studio range: offsets as they are, factors in 2.14 fixed point. `luma`
-// serves all three rows; the factors not named here are zero.
+// YCbCr to RGB, BT.601 studio range: offsets as they are, factors in 2.14 fixed point. `luma` is
+// the factor in all three rows of the matrix; factors without a field are zero.
 struct YcbcrToRgbConstants {
   std::int32_t lumaOffset;
   std::int32_t cbOffset;

@@ -5,7 +5,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/colour_rows.cpp"
 #include <hwy/foreach_target.h>
-// After foreach_target.
+// Must follow foreach_target.h.
 #include "simd/byte_rows-inl.hpp"
 
 HWY_BEFORE_NAMESPACE();
@@ -19,7 +19,7 @@ using namespace hwy::HWY_NAMESPACE;
 
 using Words = ScalableTag<std::int16_t>;
 
-// A whole number as 256 * high + low, such as one in 2.14 fixed point.
+// An integer as 256 * high + low, for example a factor in 2.14 fixed point.
 struct Digits {
   Digits(std::int32_t number)
       : high(static_cast<std::int16_t>((number + 128) >> 8)),
@@ -31,8 +31,8 @@ struct Digits {
 
 // The colour matrix in 16 bits, for two columns of pixels that share their chroma:
 //   (256 * high + low) >> 14  =  (high + (low >> 8)) >> 6
-// Every vector of bytes is taken as one of its even and one of its odd bytes. Luma less 128 and
-// chroma less its offset keep the low sums within 16 bits. The high sums are kBlack + 64 times the
+// Each vector of bytes is split into its even and its odd bytes. Subtracting 128 from luma, and the
+// offset from chroma, keeps the low sums within 16 bits. The high sums are kBlack + 64 times the
 // colour, so that they saturate at white.
 class YcbcrPairToRgb {
  public:
@@ -98,7 +98,7 @@ class YcbcrPairToRgb {
             {Add(green.high, Add(fromCr.high, black)), Add(green.low, fromCr.low)},
             {Add(blue.high, black), blue.low}};
   }
-  // kBlack to kBlack + 64 * 256 - 1.
+  // Returns kBlack to kBlack + 64 * 256 - 1.
   static V colour(const Sum& grey, const Sum& chroma) {
     const V carry = ShiftRight<8>(Add(grey.low, chroma.low));
     return Max(SaturatedAdd(grey.high, Add(chroma.high, carry)), set(kBlack));
@@ -114,7 +114,8 @@ class YcbcrPairToRgb {
   const Digits greenFromCb_ = ycbcrToRgbConstants.greenFromCb;
   const Digits greenFromCr_ = ycbcrToRgbConstants.greenFromCr;
   const Digits blueFromCb_ = ycbcrToRgbConstants.blueFromCb;
-  // One half, what luma less 128 lacks, and half of black.
+  // One half for rounding, the rest of the luma offset because load() subtracts 128, and half of
+  // kBlack because chroma() adds the other half.
   const Digits grey_ =
       8192 + ycbcrToRgbConstants.luma * (128 - ycbcrToRgbConstants.lumaOffset) + kBlack / 2 * 256;
   const std::int16_t cbOffset_ = static_cast<std::int16_t>(ycbcrToRgbConstants.cbOffset);
@@ -123,8 +124,8 @@ class YcbcrPairToRgb {
 
 // ---- RGB to YCbCr -------------------------------------------------------------------------------
 
-// All sums, offsets included, lie between 0 and 65535: 16 bits that wrap on the way suffice, and
-// the result of the shift is the byte.
+// All sums, offsets included, end between 0 and 65535. So 16 bits suffice although they wrap on the
+// way, and the shift leaves exactly the byte.
 class RgbToYcbcr {
  public:
   using Sums = ScalableTag<std::uint16_t>;
@@ -171,7 +172,7 @@ class RgbToYcbcr {
   const Factors crFactors_{k_.crFromRed, k_.crFromGreen, k_.crFromBlue};
 };
 
-// What runs over rows by this arithmetic.
+// The shared part of the row conversions that use RgbToYcbcr.
 struct RowOfYcbcr {
   static constexpr std::size_t kOutputBytes = 1;
   static constexpr std::size_t kMostLanes = MaxLanes(RgbToYcbcr::Bytes());
@@ -201,7 +202,7 @@ struct IntensityToLuma : RowOfYcbcr {
   }
 };
 
-// Two neighbours in 16 bits, the second one's luma mapped twice.
+// Two neighbours in one 16-bit lane. The luma of the second one is deliberately mapped twice.
 struct IntensityPairToLuma {
   static constexpr std::array<std::size_t, 1> kInputBytes{2};
   static constexpr std::size_t kOutputBytes = 2;

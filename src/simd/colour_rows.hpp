@@ -1,5 +1,5 @@
-// Runs of 8-bit pixels from one colour space to another, as fast as the machine's vectors go.
-// Nothing beyond the runs is read or written.
+// Converts runs of 8-bit pixels from one colour space to another, on the vectors of this machine.
+// Reads and writes nothing beyond the runs.
 #pragma once
 
 #include <array>
@@ -15,19 +15,20 @@ using YcbcrPair = std::array<const std::uint8_t*, 4>;
 using RgbPair = std::array<std::uint8_t*, 6>;
 using RgbPairSources = std::array<const std::uint8_t*, 6>;
 
-// What a group of YUY2 is made of: Y of the first column, Cb, Y of the second, Cr.
+// The parts of a YUY2 group: Y of the first column, Cb, Y of the second column, Cr.
 using Yuy2Targets = std::array<std::uint8_t*, 4>;
 
-// `count` pixels of each column to RGB clamped to 0..255: ycbcrToRgb pixel by pixel.
+// Converts `count` pixels of each column to RGB, clamped to 0..255. Gives the same as ycbcrToRgb
+// for each pixel.
 void ycbcrPairToRgb(const YcbcrPair& ycbcr, const RgbPair& rgb, std::size_t count);
 
-// `count` pixels of each column: rgbToYcbcr pixel by pixel, with the first column's chroma.
+// Converts `count` pixels of each column as rgbToYcbcr does; chroma is the first column's only.
 void rgbPairToYcbcr(const RgbPairSources& rgb, const Yuy2Targets& out, std::size_t count);
 
-// `count` intensities to luma: intensityToLuma one by one.
+// Converts `count` intensities to luma as intensityToLuma does.
 void intensityRowToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t count);
 
-// Two times `pairs` intensities to luma; the second of each pair is mapped twice.
+// Converts 2 * `pairs` intensities to luma. Deliberately maps the second of each pair twice.
 void intensityPairsToLuma(const std::uint8_t* intensity, std::uint8_t* luma, std::size_t pairs);
 
 }  // namespace framesink

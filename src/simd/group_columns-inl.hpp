@@ -1,5 +1,5 @@
-// Columns of 4-byte groups, each byte of a group from a run of its own, stored as rows: pixels for
-// a texture and YUY2 alike. Re-included for each instruction set.
+// Stores columns of 4-byte groups as rows; each byte of a group comes from a run of its own. Serves
+// texture pixels and YUY2 alike. Re-included for each instruction set.
 #if defined(FRAMESINK_GROUP_COLUMNS_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef FRAMESINK_GROUP_COLUMNS_INL
 #undef FRAMESINK_GROUP_COLUMNS_INL
@@ -19,23 +19,24 @@ namespace {
 
 using namespace hwy::HWY_NAMESPACE;
 
-// Columns that are stored side by side.
+// Columns of a tile, which are stored side by side.
 constexpr std::size_t kTileColumns = 4;
 
-// Rows of a tile: what a vector of 16 bytes holds of a column. Wider vectors were tried: the lines
-// of the cache, not the operations, are what a tile costs.
+// Rows of a tile: as many bytes of a column as a 16-byte vector holds. Wider vectors were tried and
+// gain nothing, because a tile costs its cache lines, not its operations.
 using TileRows = CappedTag<std::uint8_t, 16>;
 constexpr std::size_t kTileRows = 16;
 
-// Whether this instruction set has vectors that a tile can be made of.
+// True if this instruction set has the vectors that tiles need.
 constexpr bool kHasTiles = MaxLanes(TileRows()) == kTileRows;
 
-// The bytes of one column's groups, in the order in which they are stored. Not a struct that holds
-// such an array: GCC compiles its default constructor for the wrong instruction set on ARM.
+// The bytes of one column's groups, in the order in which they are stored. An array, not a struct
+// that holds one, because GCC compiles such a struct's default constructor for the wrong
+// instruction set on ARM.
 template <class D>
 using GroupColumn = Vec<D>[4];
 
-// Four groups of each of four columns to four rows.
+// Stores four groups of each of four columns as four rows.
 template <class D>
 void storeFourRows(D quads, const Vec<D> (&columns)[kTileColumns], std::uint8_t* out,
                    std::ptrdiff_t rowBytes) {
@@ -53,7 +54,7 @@ void storeFourRows(D quads, const Vec<D> (&columns)[kTileColumns], std::uint8_t*
            InterleaveUpper(quads, columns[2], columns[3]), out + 2 * rowBytes);
 }
 
-// The first eight rows, or the last.
+// Stores the first eight rows of a tile, or the last eight if kUpper is set.
 template <bool kUpper, class D>
 void storeEightRows(D bytes, const GroupColumn<D> (&columns)[kTileColumns], std::uint8_t* out,
                     std::ptrdiff_t rowBytes) {

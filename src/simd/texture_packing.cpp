@@ -6,7 +6,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/texture_packing.cpp"
 #include <hwy/foreach_target.h>
-// After foreach_target.
+// Must follow foreach_target.h.
 #include <hwy/cache_control.h>
 
 #include "simd/group_columns-inl.hpp"
@@ -16,15 +16,15 @@ namespace framesink {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Columns that are packed together: their pixels of a row fill a line of the cache.
+// Columns of a block: their pixels of one row fill a cache line.
 constexpr std::size_t kBlockColumns = 16;
 
-// Rows of these columns that are packed before the next columns: few enough that both their lines
-// and the next columns' stay in a second-level cache.
+// Rows of a block: few enough for the cache lines of this block and of the next columns to stay in
+// a second-level cache.
 constexpr std::size_t kBlockRows = 256;
 
-// How many columns ahead bytes and pixels are asked for. They are far apart in memory, so that no
-// machine does so by itself: measured, packing takes half the time.
+// How many columns ahead bytes and pixels are prefetched. They are too far apart in memory for a
+// processor to prefetch them by itself; measured, this halves the time of packing.
 constexpr std::size_t kColumnsAhead = 2 * kBlockColumns;
 
 class Packer {
@@ -55,7 +55,8 @@ class Packer {
     }
   }
 
-  // The tiles of one block. The last ones of rows and columns overlap those before.
+  // Packs the tiles of one block. At the frame's edges, the last tiles overlap the ones before
+  // them.
   template <class D>
   void packTiles(D bytes, std::size_t firstColumn, std::size_t firstRow) const {
     const std::size_t columnEnd = std::min(firstColumn + kBlockColumns, width_);
@@ -83,8 +84,9 @@ class Packer {
               static_cast<std::ptrdiff_t>(4 * width_));
   }
 
-  // For the tile kColumnsAhead later: its bytes, and the pixels of a quarter of its rows; the tiles
-  // beside it take the other quarters. Inline, as GCC drops calls that seem to have no effect.
+  // Prefetches for the tile kColumnsAhead columns later: its bytes, and the pixels of a quarter of
+  // its rows. The other three tiles of the block in these rows prefetch the other quarters. Inline,
+  // because GCC drops calls that seem to have no effect.
   HWY_INLINE void askAhead(std::size_t column, std::size_t row) const {
     for (std::size_t i = 0; i < kTileColumns; ++i) {
       const std::size_t e = (column + kColumnsAhead + i) * height_ + row;

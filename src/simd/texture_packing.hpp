@@ -1,4 +1,4 @@
-// Planes as converted, column by column, to pixels as SDL takes them, row by row.
+// Packs column-major planes into row-major texture pixels.
 #pragma once
 
 #include <cstddef>

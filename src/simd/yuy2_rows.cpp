@@ -5,7 +5,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/yuy2_rows.cpp"
 #include <hwy/foreach_target.h>
-// After foreach_target.
+// Must follow foreach_target.h.
 #include "simd/byte_rows-inl.hpp"
 #include "simd/group_columns-inl.hpp"
 
@@ -31,7 +31,7 @@ struct PackGroups {
   }
 };
 
-// Pairs of luma are words of their own: Y0 is the low byte.
+// Reads each pair of luma as one 16-bit word, with Y0 in the low byte.
 struct PackPairs {
   using Words = ScalableTag<std::uint16_t>;
   static constexpr std::array<std::size_t, 3> kInputBytes{2, 1, 1};
@@ -52,7 +52,7 @@ struct PackPairs {
   }
 };
 
-// One row after the other.
+// Packs one row after another, without vectors.
 void packFewColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
                     std::size_t first, std::size_t end) {
   for (std::size_t row = first; row < end; ++row) {
@@ -66,7 +66,7 @@ void packFewColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::p
   }
 }
 
-// Tiles of four columns; returns how many rows they hold.
+// Packs tiles of four columns. Returns the number of rows packed.
 template <class D>
 std::size_t packTiles(D bytes, std::span<const Yuy2Runs> columns, std::uint8_t* out,
                       std::ptrdiff_t lineBytes, std::size_t count) {

@@ -1,5 +1,5 @@
-// 8-bit luma and chroma to groups of four bytes Y0, Cb, Y1, Cr, as fast as the machine's vectors
-// go. Nothing beyond the runs is read or written.
+// Packs 8-bit luma and chroma into groups of four bytes Y0, Cb, Y1, Cr, on the vectors of this
+// machine. Reads and writes nothing beyond the runs.
 #pragma once
 
 #include <cstddef>
@@ -16,15 +16,16 @@ struct Yuy2Runs {
   const std::uint8_t* cr;
 };
 
-// `count` groups, one behind the other.
+// Packs `count` groups, one after another.
 void packGroups(const Yuy2Runs& runs, std::uint8_t* out, std::size_t count);
 
-// Groups that stand side by side in `count` rows, lineBytes apart: as many as there are columns, at
-// most four.
+// Packs one group of each column, at most four, side by side into each of `count` rows, which are
+// lineBytes apart.
 void packColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
                  std::size_t count);
 
-// Groups one behind the other from 2 * count bytes of luma, Y0 and Y1 by turns.
+// Packs `count` groups, one after another, from 2 * count bytes of luma in which Y0 and Y1
+// alternate.
 void packPairs(const std::uint8_t* luma, const std::uint8_t* cb, const std::uint8_t* cr,
                std::uint8_t* out, std::size_t count);
 

@@ -10,8 +10,8 @@
 
 #include "display/sdl_player.hpp"
 #include "display_helpers.hpp"
-#include "frames.hpp"
 #include "shown_frames.hpp"
+#include "support/frames.hpp"
 
 namespace framesink::test {
 namespace {

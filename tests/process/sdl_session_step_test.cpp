@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "process/sdl_session.hpp"
-#include "display_helpers.hpp"
+#include "support/dummy_video.hpp"
 #include "support/os_facts.hpp"
 #include "support/wait_until.hpp"
 

@@ -1,8 +1,8 @@
-// pixkit: what framesink asks of the host's media library. The stand-in beside this header has the
-// natural ranges; a host's own libpixkit.so with the same symbols takes its place at load, without
-// a rebuild, and may declare other ranges.
+// pixkit: what framesink needs from the host's media library. The stand-in beside this header
+// declares each type's natural range. A host's own libpixkit.so with the same symbols takes its
+// place at load, without a rebuild, and may declare other ranges.
 //
-// All data are constant, all functions re-entrant. Nothing allocates or throws.
+// All data is constant and every function is re-entrant. Nothing allocates or throws.
 #ifndef PIXKIT_PIXKIT_H
 #define PIXKIT_PIXKIT_H
 
@@ -20,13 +20,15 @@
 #define PIXKIT_API
 #endif
 
-// The nominal range of sample type N, and for each 8-bit value v (0..255) the sample of the type
-// that stands for it: min + v / 255 x (max - min), rounded to nearest for integers. N: 0 double, 1
-// single, 2 int8, 3 uint8, 4 int16, 5 uint16, 6 int32, 7 uint32, 8 boolean (a byte).
+// The nominal range of sample type N. EightBitLUT[v] is the sample that stands for the 8-bit value
+// v (0..255): min + v / 255 x (max - min), rounded to nearest for integers.
+//
+// N: 0 double, 1 single, 2 int8, 3 uint8, 4 int16, 5 uint16, 6 int32, 7 uint32, 8 boolean (a byte).
 template <int N>
 struct videoTraits;
 
-// Int8 ranges are declared as plain char; their bytes are to be read as signed.
+// Int8 ranges are declared as plain char, which is unsigned on some machines. Read their bytes as
+// signed.
 #define PIXKIT_VIDEO_TRAITS(N, Sample)                \
   template <>                                         \
   struct PIXKIT_API videoTraits<N> {                  \
@@ -47,9 +49,9 @@ PIXKIT_VIDEO_TRAITS(8, unsigned char);
 
 extern "C" {
 
-// Which conversion PK_GetDoubleToFixFcn is to return. Each maps the nominal doubles 0..1 onto the
-// whole range of its type: round(min + x (max - min)), halves to even, saturating outside 0..1; NaN
-// becomes the type's minimum.
+// Selects the conversion that PK_GetDoubleToFixFcn returns. Each one maps the nominal doubles 0..1
+// onto the whole range of its type: round(min + x (max - min)), halves to even, saturating outside
+// 0..1. NaN becomes the type's minimum.
 enum ScaledDoubleFunctionIndex : std::uint32_t {
   PK_NO_CONVERSION = 0,
   PK_DOUBLE_TO_INT8 = 1,
@@ -61,10 +63,10 @@ enum ScaledDoubleFunctionIndex : std::uint32_t {
 };
 
 // Converts `count` doubles at `source` into `count` samples at `destination`. The two may be the
-// same place; otherwise they must not overlap.
+// same address; otherwise they must not overlap.
 typedef void (*PK_DoubleToFixFcn)(const double* source, void* destination, std::size_t count);
 
-// The routine for an index; null for PK_NO_CONVERSION and for any index not listed.
+// Returns the routine for an index; null for PK_NO_CONVERSION and for any index not listed.
 PIXKIT_API PK_DoubleToFixFcn PK_GetDoubleToFixFcn(ScaledDoubleFunctionIndex index);
 }
 
