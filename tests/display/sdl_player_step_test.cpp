@@ -21,8 +21,8 @@ constexpr Size kSmall{4, 4};
 class InterruptedHandOff : public DummyVideoTest {
  protected:
   InterruptedHandOff() {
-    initSdlVideo();
-    player.emplace(initial.data(), kSmall, "title", WindowGeometry{kPlace, kSmall}, false, 0);
+    initVideo();
+    player.emplace(initial.data(), requestFor({.frameSize = kSmall}), 0);
     player->createWindow();
   }
   ~InterruptedHandOff() override {
