@@ -1,4 +1,4 @@
-// What the tests of the display have in common.
+// What the tests of the display share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace framesink {
 
-// For messages of failed tests.
+// GoogleTest prints sizes and positions with these when a test fails.
 inline void PrintTo(const Size& size, std::ostream* out) {
   *out << size.width << "x" << size.height;
 }
@@ -28,7 +28,8 @@ inline void PrintTo(const Position& position, std::ostream* out) {
 
 namespace framesink::test {
 
-// SDL without a screen, watched: for what is asked of SDL, not for what a user sees.
+// Runs SDL without a screen and records the calls to it. Such a test checks what the library calls,
+// not what a user sees.
 class DummyVideoTest : public testing::Test {
  protected:
   ScopedVariable driver{"SDL_VIDEODRIVER", "dummy"};
@@ -38,11 +39,11 @@ class DummyVideoTest : public testing::Test {
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};
 
-// What a window is asked to be.
+// The window that a test requests.
 struct Opening {
   std::string title = "player";
   Size frameSize = kFrameSize;
-  std::optional<Size> windowSize{};  // the frame's when absent
+  std::optional<Size> windowSize{};  // nullopt: the frame's size
   Position position = kPlace;
   bool fullscreen = false;
 };
@@ -54,7 +55,7 @@ std::uint32_t addPlayer(SdlServer& server, const Opening& opening = {});
 
 void deliver(SdlServer& server, std::uint32_t player, const Frame& frame);
 
-// The player's window has been made. Waits for it.
+// Waits until the player's window has been made; false if it never will be.
 bool hasWindow(SdlServer& server, std::uint32_t player);
 
 // Waits until the window shows `picture` and nothing else.

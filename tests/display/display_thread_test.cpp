@@ -18,7 +18,7 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// What the display thread runs here: it waits until it is told to end.
+// The display thread runs body() here, which waits until mayEnd is set.
 class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {

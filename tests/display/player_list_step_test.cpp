@@ -1,6 +1,6 @@
-// A reader of the player list that is interrupted at any instruction, by an owner who changes the
-// list right then. Needs a processor that can step through single instructions; the thread
-// sanitizer's own code cannot be interrupted so.
+// Interrupts a reader of the player list at every single instruction, and changes the list right
+// then. Requires a processor that can execute single steps. Not compiled with the thread sanitizer,
+// whose own code cannot be interrupted in this way.
 #include <gtest/gtest.h>
 
 #include "display/tearing.hpp"
@@ -21,7 +21,7 @@
 namespace framesink::test {
 namespace {
 
-// Known as dead or alive even after it was destroyed.
+// Keeps a flag outside itself, which tells whether it lives even after it has been destroyed.
 struct KnownPlayer {
   explicit KnownPlayer(bool& isAlive) : alive(isAlive) { alive = true; }
   ~KnownPlayer() { alive = false; }
@@ -32,11 +32,11 @@ struct KnownPlayer {
 
 using Players = PlayerList<KnownPlayer>;
 
-// The processor's trap flag: a signal after each instruction.
+// The processor's trap flag: while it is set, every instruction ends in a SIGTRAP.
 constexpr long long kTrapFlag = 0x100;
 
-// Lets `work` happen after a number of single instructions, in the midst of what this thread does.
-// That must not allocate.
+// Runs `work` in a signal handler on this thread, after so many instructions from construction. The
+// interrupted code must not allocate, because `work` does.
 class Interruption {
  public:
   Interruption(int instructions, std::function<void()> work)
@@ -50,7 +50,7 @@ class Interruption {
     sigaction(SIGTRAP, &action, &previous_);
     std::raise(SIGTRAP);
   }
-  // True when the work was done before now.
+  // Ends the stepping. True if `work` ran before.
   bool end() {
     ended_ = true;
     return left_ < 0;
@@ -74,7 +74,7 @@ class Interruption {
   struct sigaction previous_ {};
 };
 
-// A list, and a reader of it that is interrupted while it is made.
+// A list, and a reader of it that is interrupted while it is being constructed.
 class InterruptedReader {
  public:
   InterruptedReader() {
@@ -82,8 +82,8 @@ class InterruptedReader {
     add();
   }
 
-  // The owner exchanges players after so many of the reader's instructions, and again when the
-  // reader is ready. False when the reader was ready first.
+  // Makes the owner exchange players after so many instructions of the reader's constructor, and
+  // again after the constructor. False if the constructor ended first.
   bool isInterruptedAfter(int instructions, int exchanges) {
     Interruption interruption(instructions, [&] { exchange(exchanges); });
     const Players::Reader reader(list_);
@@ -109,14 +109,14 @@ class InterruptedReader {
     }
   }
 
-  std::array<bool, kPlayers> alive_{};  // before the list, whose end still writes here
+  std::array<bool, kPlayers> alive_{};  // before list_, whose destructor writes here
   std::size_t added_ = 0;
   Players list_;
   bool sawOnlyTheLiving_ = false;
 };
 
-// Were a reader counted in an epoch that has passed meanwhile, the owner would not wait for it.
-// Each exchange moves the epoch on by one.
+// If a reader counted itself in an epoch that has meanwhile passed, the owner would not wait for it.
+// Each exchange advances the epoch by one.
 TEST(PlayerListReader, MayBeInterruptedAtAnyInstruction) {
   for (const int exchanges : {1, 2, 3}) {
     int instructions = 0;
