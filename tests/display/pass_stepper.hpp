@@ -8,8 +8,8 @@
 
 namespace framesink::test {
 
-// While this exists, the display thread halts before each pass, holding no lock, until runPass() lets
-// it go on. The destructor lets it run freely again. Hooks SDL_LockMutex.
+// While this exists, the display thread halts before each pass, holding no lock, until runPass()
+// lets it go on. The destructor lets it run freely again. Hooks SDL_LockMutex.
 class PassStepper {
  public:
   explicit PassStepper(SdlRecorder& recorder);

@@ -115,8 +115,8 @@ class InterruptedReader {
   bool sawOnlyTheLiving_ = false;
 };
 
-// If a reader counted itself in an epoch that has meanwhile passed, the owner would not wait for it.
-// Each exchange advances the epoch by one.
+// If a reader counted itself in an epoch that has meanwhile passed, the owner would not wait for
+// it. Each exchange advances the epoch by one.
 TEST(PlayerListReader, MayBeInterruptedAtAnyInstruction) {
   for (const int exchanges : {1, 2, 3}) {
     int instructions = 0;

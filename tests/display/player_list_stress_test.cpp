@@ -1,4 +1,4 @@
-// Readers run at full speed while the owner changes the list; none may ever find a destroyed player.
+// Readers run at full speed while the owner changes the list. None may find a destroyed player.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -20,9 +20,9 @@ constexpr std::chrono::milliseconds kDuration{1000};
 constexpr std::uint64_t kSound = 0x5AFE5AFE5AFE5AFE;
 constexpr std::uint64_t kPoison = 0xDEADDEADDEADDEAD;
 
-// `mark` changes when the player is destroyed. It is not atomic, so that the thread sanitizer sees a
-// reader race with the destructor, and it is volatile, so that the compiler keeps the destructor's
-// write, which nothing may read.
+// `mark` changes when the player is destroyed. It is not atomic, so that the thread sanitizer sees
+// a reader race with the destructor, and it is volatile, so that the compiler keeps the
+// destructor's write, which nothing may read.
 struct MarkedPlayer {
   ~MarkedPlayer() {
     mark = kPoison;

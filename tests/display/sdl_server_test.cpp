@@ -217,8 +217,8 @@ TEST_F(SdlServerTest, AFrameOfAnotherSizeIsNotTaken) {
   EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
-// The library's own decision: the walk goes by index, and a removal moves the later entries down, so
-// that pass skips the next one.
+// The library's own decision: the walk goes by index, and a removal moves the later entries down,
+// so that pass skips the next one.
 TEST_F(SdlServerTest, TheEntryThatMovesDownIsServedOnTheNextPass) {
   const std::uint32_t first = open();
   const std::uint32_t second = open();

@@ -83,8 +83,7 @@ int isUnloaded(const char* name) {
   return GetModuleHandleA(name) == NULL;
 }
 
-/* The compiler takes the thread's own segment, from which NtCurrentTeb reads, for a null pointer.
- * */
+/* GCC takes the thread's own segment, from which NtCurrentTeb reads, for a null pointer. */
 #pragma GCC diagnostic ignored "-Warray-bounds"
 
 /* Reads the loader's own record of a library. The count lies behind the fields that winternl.h
