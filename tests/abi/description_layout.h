@@ -1,4 +1,4 @@
-/* One list for both compilers: where each field of InputDescription lies. */
+/* One list for the C and the C++ compiler: the offsets of InputDescription's fields, its size. */
 #ifndef DESCRIPTION_LAYOUT_H
 #define DESCRIPTION_LAYOUT_H
 

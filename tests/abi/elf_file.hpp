@@ -1,4 +1,4 @@
-// What a shared library's file says about itself.
+// Reads the ELF file of a shared library.
 #pragma once
 
 #include <elf.h>
@@ -19,18 +19,20 @@ struct ElfSymbol {
 
 class ElfFile {
  public:
-  // Throws std::runtime_error when that is no 64-bit ELF file of this machine's byte order.
+  // Throws std::runtime_error unless the file is a 64-bit ELF file. It must have this machine's
+  // byte order.
   explicit ElfFile(const std::string& path);
 
-  // What the loader sees, and everything that the file names (empty when it was stripped).
+  // The symbols that the loader sees, and all symbols of the file (none if it was stripped).
   const std::vector<ElfSymbol>& dynamicSymbols() const { return dynamicSymbols_; }
   const std::vector<ElfSymbol>& allSymbols() const { return allSymbols_; }
 
   bool hasSegment(std::uint32_t type) const;
-  // False when there is no such segment.
+  // False if there is no such segment.
   bool isSegmentExecutable(std::uint32_t type) const;
 
-  // Entries of the dynamic section by tag; the strings of those whose values are strings.
+  // The values of the dynamic section's entries with the tag, as numbers and as the strings to
+  // which they refer.
   std::vector<std::uint64_t> dynamicValues(std::int64_t tag) const;
   std::vector<std::string> dynamicStrings(std::int64_t tag) const;
 

@@ -1,4 +1,4 @@
-// The shared library as a file: what it offers, what it asks for, and that it can be unloaded.
+// The shared library as a file: what it exports, what it requires, and that it can be unloaded.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <link.h>
@@ -45,7 +45,7 @@ Names definedBy(const std::string& path) {
   return names;
 }
 
-// Paths of all loaded libraries by their own names.
+// The paths of all loaded libraries, by file name.
 std::map<std::string, std::string> loadedLibraries() {
   void* handle = dlopen(FRAMESINK_LIBRARY, RTLD_NOW);
   const link_map* loaded = nullptr;
@@ -84,7 +84,7 @@ TEST(LibraryFile, SymbolsHaveNoVersions) {
   EXPECT_TRUE(library().dynamicValues(DT_VERDEF).empty());
 }
 
-// A unique symbol, or the flag, would keep the library mapped after dlclose.
+// A unique symbol or the flag DF_1_NODELETE would keep the library mapped after dlclose.
 TEST(LibraryFile, CanBeUnloaded) {
   for (const auto* symbols : {&library().dynamicSymbols(), &library().allSymbols()}) {
     for (const ElfSymbol& symbol : *symbols) {
@@ -123,7 +123,7 @@ TEST(LibraryFile, NeedsSdlPixkitAndHighway) {
   EXPECT_TRUE(needs("libhwy"));
 }
 
-// Every other symbol comes from a library that it names itself.
+// Every undefined symbol comes from a library that the file itself names as needed.
 TEST(LibraryFile, LeavesNoSymbolUndefined) {
   const auto loaded = loadedLibraries();
   Names offered;
@@ -137,7 +137,7 @@ TEST(LibraryFile, LeavesNoSymbolUndefined) {
   }
 }
 
-// ---- SDL ----------------------------------------------------------------------------------------
+// ---- SDL ----
 
 const Names kAllowedSdlFunctions{"SDL_WasInit",           "SDL_Init",
                                  "SDL_EnableScreenSaver", "SDL_Quit",
@@ -173,14 +173,14 @@ TEST(LibraryFile, UsesOnlyTheSdlFunctionsThatItMay) {
   for (const std::string& name : used) EXPECT_TRUE(kAllowedSdlFunctions.count(name)) << name;
 }
 
-// Else the tests of the display would not see all that it asks of SDL.
+// Otherwise the tests of the display would miss some of the library's calls to SDL.
 TEST(LibraryFile, UsesOnlySdlFunctionsThatTheTestsRecord) {
   std::istringstream list(RECORDED_SDL_FUNCTIONS);
   const Names recorded{std::istream_iterator<std::string>(list), {}};
   for (const std::string& name : usedSdlFunctions()) EXPECT_TRUE(recorded.count(name)) << name;
 }
 
-// The library loads against an SDL that has no hints.
+// The reference is weak, so that the library loads against an SDL without hints.
 TEST(LibraryFile, CanDoWithoutSdlsHints) {
   int references = 0;
   for (const ElfSymbol& symbol : library().dynamicSymbols()) {

@@ -1,4 +1,4 @@
-// The shared library as it lies in memory.
+// The shared library, loaded into this process.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <link.h>
@@ -24,7 +24,7 @@ class LoadedLibrary : public testing::Test {
     EXPECT_NE(address, nullptr) << name;
     return address;
   }
-  // Where the data export's pointer leads.
+  // The string that the data export points to.
   std::string text(const char* name) {
     const auto* pointer = static_cast<const char* const*>(symbol(name));
     return pointer == nullptr ? "" : *pointer;
@@ -58,15 +58,15 @@ TEST_F(LoadedLibrary, TellsItsRelativePath) {
   EXPECT_EQ(text("framesink_relative_path"), "bin\\win64\\framesink.dll");
 }
 
-// ---- The table of entry points ------------------------------------------------------------------
+// ---- The table of entry points ----
 
 struct Table {
-  std::array<void*, 6> entries{};  // what it holds
-  std::uintptr_t base = 0;         // of the library
-  int found = 0;                   // how often
+  std::array<void*, 6> entries{};  // the addresses to search for
+  std::uintptr_t base = 0;         // the library's load address
+  int found = 0;                   // how many tables were found
 };
 
-// Between the library's variables lie bytes that the address sanitizer lets nobody read.
+// The search also reads between the library's variables, which the address sanitizer would report.
 __attribute__((no_sanitize("address"))) bool isTable(std::uintptr_t address, const Table& table) {
   const auto* here = reinterpret_cast<void* const*>(address);
   for (std::size_t i = 0; i < table.entries.size(); ++i) {
@@ -75,7 +75,7 @@ __attribute__((no_sanitize("address"))) bool isTable(std::uintptr_t address, con
   return true;
 }
 
-// What the loader makes read-only after relocation.
+// True if the loader makes that offset read-only after relocation.
 bool isReadOnly(const dl_phdr_info& library, std::uintptr_t offset) {
   for (int i = 0; i < library.dlpi_phnum; ++i) {
     const auto& segment = library.dlpi_phdr[i];

@@ -12,7 +12,7 @@ namespace {
 constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
 
-// The destination begins with bytes that the fill has to replace.
+// Fills the destination with other bytes first, all of which the call has to replace.
 Bytes centre(std::uint32_t dataType, const Bytes& source, PlaneSize sourceSize, PlaneSize frame) {
   const auto samples = static_cast<std::size_t>(frame.width) * frame.height;
   Bytes destination(samples * oracle::sampleBytes(dataType), 0xA5);
@@ -20,7 +20,7 @@ Bytes centre(std::uint32_t dataType, const Bytes& source, PlaneSize sourceSize, 
   return destination;
 }
 
-// Centring in place of a frame that is followed and preceded by other samples.
+// Centres into a frame that lies between other samples, and returns all of them.
 Bytes centreBetweenMargins(const Bytes& source, PlaneSize sourceSize, PlaneSize frame) {
   constexpr std::size_t kMargin = 64;
   const auto samples = static_cast<std::size_t>(frame.width * frame.height);
@@ -80,7 +80,7 @@ TEST(CentreIntoFrame, HeightZeroFillsOnly) {
             centred(Bytes{}, FRAMESINK_INT16, {0, 0}, {2, 1}));
 }
 
-// Six rows in a frame of four: each column runs on into the next.
+// Six rows in a frame of four are not clipped: each column runs on into the next.
 TEST(CentreIntoFrame, DoesNotClip) {
   const std::uint8_t m = minimumOf(FRAMESINK_UINT8)[0];
   const Bytes tall = centre(FRAMESINK_UINT8, {1, 2, 3, 4, 5, 6}, {1, 6}, {5, 4});
@@ -123,7 +123,7 @@ TEST(FitsWhenCentred, IsTrueExactlyWhenCentringStaysInside) {
   }
 }
 
-// A height that is no 32-bit number of rows passes for a negative one here.
+// Heights above 2147483647 arrive here as negative numbers.
 TEST(FitsWhenCentred, NothingFitsIntoAFrameWithoutPixels) {
   EXPECT_FALSE(fitsWhenCentred({3, 1}, {0, -1}));
   EXPECT_FALSE(fitsWhenCentred({3, 1}, {0, -5}));

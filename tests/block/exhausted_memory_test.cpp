@@ -1,4 +1,4 @@
-// Memory that runs out at any point of an export.
+// Memory may run out at any point of an export.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -47,7 +47,7 @@ TEST_P(ExhaustedMemory, PassesFromLibCreateToTheHostAndLeavesNothingBehind) {
   libDestroy(block);
 }
 
-// Each either does its work or nothing.
+// Each control either does all of its work or nothing.
 TEST_P(ExhaustedMemory, IsTakenSilentlyByTheWindowControls) {
   BlockRequest closed = request;
   closed.openAtStart = 0;

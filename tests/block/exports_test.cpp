@@ -1,4 +1,4 @@
-// The life of a block as the host's six calls make it, with real windows.
+// A block's life through the host's six calls, with real windows.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -15,7 +15,7 @@ namespace {
 constexpr Size kFrame{64, 48};
 constexpr std::uint32_t kMarker = 0x7FFFFFFF;
 
-// ---- Without a window ---------------------------------------------------------------------------
+// ---- Without a window ----
 
 TEST(LibCreate, RejectsUnsupportedTypesWithAText) {
   for (const std::uint32_t type : {9U, 10U, 0x80000000U, 4294967295U}) {
@@ -40,7 +40,8 @@ TEST(LibCreate, LeavesTheErrorBufferUntouchedOnSuccess) {
   libDestroy(block);
 }
 
-// 3 x 715827883 bytes are more than 2147483647; many more wrap around in 32 bits, and in 64.
+// 3 x 715827883 bytes are more than 2147483647. Some of the larger sizes wrap around in 32 bits,
+// the largest even in 64.
 TEST(LibCreate, LetsBadAllocPassWhenTheFrameIsTooLarge) {
   for (const Size size : {Size{715827883, 1}, Size{1, 715827883}, Size{26755, 26755},
                           Size{65536, 65536}, Size{0xFFFFFFFF, 0xFFFFFFFF}}) {
@@ -121,7 +122,7 @@ TEST(NullPointers, DescriptionIsOfABlockThatIgnoresFrames) {
   libDestroy(block);
 }
 
-// ---- With windows -------------------------------------------------------------------------------
+// ---- With windows ----
 
 class LifeOfABlock : public XTest, public testing::WithParamInterface<std::uint8_t> {
  protected:
@@ -131,7 +132,7 @@ class LifeOfABlock : public XTest, public testing::WithParamInterface<std::uint8
   Window window() { return x.waitForWindow(name); }
   bool isOpen() const { return isPlayerOpen(name.c_str()) == 1; }
 
-  // Lets a display thread come round twice, or drains the events of a synchronous display.
+  // Shows two frames, by which time a threaded or a synchronous server has handled pending events.
   void settle(HostBlock& block) {
     block.update(plainPlanes(0x4080C0, kFrame));
     EXPECT_TRUE(shows(x, window(), plainPicture(0x4080C0, kFrame)));
@@ -266,7 +267,7 @@ TEST_P(LifeOfABlock, StringsAreCopied) {
   libDestroy(block);
 }
 
-// A synchronous flag that changed is a changed setting.
+// A changed synchronous flag counts as a changed setting.
 TEST_P(LifeOfABlock, CreatedAgainForTheOtherDisplayGetsAFreshWindow) {
   HostBlock first(input(), open());
   settle(first);
@@ -289,7 +290,7 @@ TEST_P(LifeOfABlock, RejectedTypeLeavesAnOpenWindowOfTheNameAlone) {
   EXPECT_EQ(window(), before);
 }
 
-// A synchronous window shows its first frame first.
+// A synchronous window draws nothing before its first frame.
 TEST_F(ThreadedLifeOfABlock, ShowsZeroesBeforeTheFirstFrame) {
   const std::string name = BlockRequest::testName();
   const HostBlock block(describe(kRgb, FRAMESINK_UINT8, kFrame), {.openAtStart = 1});

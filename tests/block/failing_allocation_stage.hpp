@@ -1,4 +1,4 @@
-// A host with a window name or two, before, while and after its memory fails.
+// A host that uses one or two window names before, during and after a failed allocation.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ inline constexpr Size kOtherFrame{32, 20};
 // What a user and a host see of the stage's windows.
 struct Seen {
   struct Name {
-    std::optional<Size> frame;  // nothing: the name is not registered
+    std::optional<Size> frame;  // nullopt: the name is not registered
     bool open = false;
     std::vector<std::int32_t> posSize;
     bool operator==(const Name&) const = default;
@@ -31,8 +31,8 @@ struct Seen {
 };
 std::ostream& operator<<(std::ostream& out, const Seen& seen);
 
-// Its calls fail the test when they take a second or let anything but libCreate's std::bad_alloc
-// pass. Its end closes and forgets everything.
+// Its calls fail the test if they take a second, or if anything but std::bad_alloc from libCreate
+// leaves the library. The destructor closes all windows and forgets their names.
 class Stage {
  public:
   explicit Stage(std::uint8_t synchronous);
@@ -40,10 +40,10 @@ class Stage {
   Stage(const Stage&) = delete;
   Stage& operator=(const Stage&) = delete;
 
-  // Waits until there are as many windows as open players.
+  // Waits until there are as many windows as open players, then reports them.
   Seen seen() const;
 
-  // The window that the player is still to get has been made impossible. Waits for one of the two.
+  // Waits until the player has a window or can no longer get one. True if it is open without one.
   bool isOpenWithoutWindow() const;
 
   void create(Size frame, std::uint8_t openAtStart);

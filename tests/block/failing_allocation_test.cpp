@@ -1,5 +1,5 @@
-// One allocation of an export fails: the first, the second, ... until the export needs no more.
-// What the export does is done whole or not at all, and the next call is as good as ever.
+// One allocation of an export fails: the first, the second, ... until the export needs no more. The
+// export then does all of its work or nothing, and the next call works as usual.
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -15,13 +15,13 @@
 namespace framesink::test {
 namespace {
 
-// What a host does when an allocation fails, and what it has done before.
+// What a host does while an allocation fails, and what it has done before.
 struct Scenario {
   const char* name;
   void (*prepare)(Stage& stage);
   void (*act)(Stage& stage);
-  bool allocates = true;         // on the host's thread
-  bool mayLeaveNothing = false;  // the name is forgotten when it fails
+  bool allocates = true;         // act() allocates on the host's thread
+  bool mayLeaveNothing = false;  // a failed act() may forget the name
 };
 
 void nothing(Stage&) {}
@@ -64,7 +64,7 @@ std::ostream& operator<<(std::ostream& out, const Scenario& scenario) {
 
 using Setting = std::tuple<Scenario, std::uint8_t>;
 
-// What is seen after the scenario, undisturbed. Makes the server and its thread, too.
+// What is seen after the scenario without failures. The server and its thread then stay.
 Seen undisturbed(const Scenario& scenario, std::uint8_t synchronous) {
   Stage stage(synchronous);
   scenario.prepare(stage);
@@ -73,8 +73,8 @@ Seen undisturbed(const Scenario& scenario, std::uint8_t synchronous) {
   return stage.seen();
 }
 
-// Makes a try with the first allocation failing, the second, ... until a try needs fewer. Each has
-// to leave as much memory in use as there was before. Returns how many failed.
+// Tries with the first allocation failing, then the second, ... until a try makes fewer. Every try
+// has to leave as many memory blocks in use as before. Returns how many tries failed.
 template <class Try>
 std::size_t failOneByOne(Try failsAt) {
   const std::size_t inUse = blocksInUse();
@@ -92,7 +92,7 @@ void report(std::size_t failures) {
   testing::Test::RecordProperty("failures", static_cast<int>(failures));
 }
 
-// ---- On the host's thread -----------------------------------------------------------------------
+// ---- On the host's thread ----
 
 class HostsAllocation : public BareXTest, public testing::WithParamInterface<Setting> {
  protected:
@@ -135,7 +135,7 @@ TEST_P(HostsAllocation, ThatFailsLeavesTheWholeOrNothing) {
   report(failures);
 }
 
-// Servers, mutex and display thread are made within the call.
+// The first call of a process also makes the server, its mutex and its display thread.
 class FirstCallOfAProcess : public BareXTest, public testing::WithParamInterface<std::uint8_t> {};
 
 std::string displayName(const testing::TestParamInfo<std::uint8_t>& test) {
@@ -157,14 +157,14 @@ TEST_P(FirstCallOfAProcess, LeavesNothingWhenAnAllocationFails) {
   report(number - 1);
 }
 
-// ---- On the display thread ----------------------------------------------------------------------
+// ---- On the display thread ----
 
 class DisplayThreadsAllocation : public BareXTest, public testing::WithParamInterface<Scenario> {};
 
 INSTANTIATE_TEST_SUITE_P(In, DisplayThreadsAllocation, testing::ValuesIn(kWindowMakers),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// Hosts do not notice, and nobody waits for the window.
+// Host calls go on working, and none waits for the window.
 TEST_P(DisplayThreadsAllocation, ThatFailsLeavesThePlayerWithoutAWindow) {
   const Scenario& scenario = GetParam();
   const Seen whole = undisturbed(scenario, 0);
@@ -193,7 +193,8 @@ TEST_P(DisplayThreadsAllocation, ThatFailsLeavesThePlayerWithoutAWindow) {
   report(failures);
 }
 
-// It takes the events of the other server's windows from SDL's queue and keeps them.
+// The display thread takes the events of synchronous windows from SDL's queue too, and keeps them
+// for their server.
 class HandOver : public BareXTest {};
 
 TEST_F(HandOver, OfEventsWithoutMemoryLosesOneEvent) {
@@ -206,7 +207,7 @@ TEST_F(HandOver, OfEventsWithoutMemoryLosesOneEvent) {
     const FailingAllocation failing(++number, FailingAllocation::Of::kOtherThreads);
     synchronous.create(kFrame, 1);
     ASSERT_TRUE(waitUntil([] { return SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT) == 0; }));
-    // The queue is empty before the event is kept.
+    // The display thread empties the queue before it keeps the event, so wait a little longer.
     failed = waitUntil([&] { return failing.hasFailed(); }, std::chrono::milliseconds(100));
     synchronous.update();
     EXPECT_EQ(synchronous.seen().old.open, true);

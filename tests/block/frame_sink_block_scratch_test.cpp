@@ -1,4 +1,4 @@
-// Centring and input conversion: the block's use of its scratch planes.
+// Centring and input conversion: how the block uses its scratch planes.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -14,7 +14,7 @@ constexpr Size kFrame{10, 7};
 
 std::string name() { return BlockRequest::testName(); }
 
-// ---- Frames of another size ---------------------------------------------------------------------
+// ---- Frames of another size ----
 
 TEST(Centring, SmallerFramesAreSurroundedByTheMinimumOfTheirType) {
   for (const Kind* kind : kKinds) {
@@ -40,7 +40,7 @@ TEST(Centring, ClearsWhatTheFrameBeforeLeft) {
       converted(kRgb, FRAMESINK_UINT16, centred(planes, FRAMESINK_UINT16, {1, 1}, kFrame), kFrame));
 }
 
-// The chroma planes of half the width are centred in whole frames too.
+// Chroma planes have half the width, but they too are centred in planes of the frame's full size.
 TEST(Centring, ChromaScratchPlanesHoldAWholeFrame) {
   for (std::uint32_t type = 0; type < oracle::kTypeCount; ++type) {
     HostBlock block(describe(kYcbcr, type, kFrame), {.allocatePlaneBuffers = 1});
@@ -53,7 +53,7 @@ TEST(Centring, ChromaScratchPlanesHoldAWholeFrame) {
   }
 }
 
-// A description may even call the other planes empty.
+// The description may even declare the second and the third plane empty.
 TEST(Centring, ScratchPlanesHoldAWholeFrameWhateverTheirOwnSize) {
   InputDescription input = describe(kRgb, FRAMESINK_DOUBLE, kFrame);
   for (const int plane : {1, 2}) input.widths[plane] = input.heights[plane] = 0;
@@ -73,7 +73,7 @@ TEST(Centring, FrameWithoutScratchPlanesIsDropped) {
   }
 }
 
-// Three separate planes of one component each: only the first has a scratch plane.
+// Three planes are passed, but with one component only the first has a scratch plane.
 TEST(Centring, FrameWithoutAllTheScratchPlanesItNeedsIsDropped) {
   InputDescription input = describe(kRgb, FRAMESINK_UINT8, kFrame);
   input.componentCount = 1;
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, FrameThatWouldWriteOutside,
                                          Size{1, 0x7FFFFFFF}, Size{0x7FFFFFFF, 1},
                                          Size{0x7FFFFFFF, 0x7FFFFFFF}));
 
-// Taller than the frame but so narrow that the overlong columns stay in it.
+// The source is taller than the frame, but its only column stays inside the frame's samples.
 TEST(Centring, TallFrameThatStaysInsideIsShownUnclipped) {
   HostBlock block(describe(kIntensity, FRAMESINK_UINT8, {5, 4}), {.allocatePlaneBuffers = 1});
   HostPlanes planes;
@@ -108,7 +108,7 @@ TEST(Centring, TallFrameThatStaysInsideIsShownUnclipped) {
   EXPECT_EQ(recordedFrame(name()), converted(kIntensity, FRAMESINK_UINT8, frame, {5, 4}));
 }
 
-// Sizes are signed where centring works: the largest ones are negative.
+// Centring works with signed sizes, so a width of 0x80000000 is negative.
 TEST(Centring, FrameWithoutSamplesIsAllMinimum) {
   for (const Size size : {Size{0, 7}, Size{10, 0}, Size{0, 0}, Size{0x80000000, 7}}) {
     HostBlock block(describe(kRgb, FRAMESINK_INT32, kFrame), {.allocatePlaneBuffers = 1});
@@ -122,12 +122,12 @@ TEST(Centring, FrameWithoutSamplesIsAllMinimum) {
   }
 }
 
-// ---- Input conversion ---------------------------------------------------------------------------
+// ---- Input conversion ----
 
 struct Conversion {
   std::uint32_t routine;
   std::uint32_t dataType;
-  std::size_t bytes;  // of what the routine writes
+  std::size_t bytes;  // per sample that the routine writes
 };
 
 constexpr Conversion kConversions[] = {
@@ -136,14 +136,15 @@ constexpr Conversion kConversions[] = {
     {PK_DOUBLE_TO_INT32, FRAMESINK_INT32, 4}, {PK_DOUBLE_TO_UINT32, FRAMESINK_UINT32, 4},
 };
 
-// A host's own pixkit may give its routines any meaning, or have none.
+// A host's own pixkit may give its routines any meaning or lack them, so the expected samples come
+// from the routines themselves.
 class InputConversion : public testing::TestWithParam<Conversion> {
  protected:
   void SetUp() override {
     if (routine_ == nullptr) GTEST_SKIP() << "this pixkit has no such routine";
   }
 
-  // The plane's doubles, converted.
+  // Converts the plane's doubles with the routine.
   Bytes fixed(const Bytes& doubles) const {
     Bytes result(doubles.size());  // room for the widest
     routine_(reinterpret_cast<const double*>(doubles.data()), result.data(),
@@ -178,7 +179,7 @@ TEST_P(InputConversion, TurnsDoublesIntoSamplesOfTheType) {
   }
 }
 
-// Chroma planes of half the width: no double more than they have is read.
+// Chroma planes have half the width; the conversion must not read beyond their end.
 TEST_P(InputConversion, ConvertsEachPlaneInItsOwnSize) {
   HostBlock block(describe(kYcbcr, type_, kFrame), request_);
   const HostPlanes doubles = randomPlanes(kYcbcr, FRAMESINK_DOUBLE, kFrame);
@@ -197,8 +198,8 @@ TEST_P(InputConversion, FindsPlanesInOneBufferEightBytesASampleApart) {
   }
 }
 
-// The routine's samples may be wider than those of the type; the kernel then takes their bytes as
-// they lie.
+// The routine's samples may be wider than those of the type. The kernel then reads the same bytes
+// as samples of the type.
 TEST_P(InputConversion, MayWriteWiderSamplesThanTheType) {
   for (const std::uint32_t type : {FRAMESINK_INT8, FRAMESINK_UINT8, FRAMESINK_BOOLEAN}) {
     HostBlock block(describe(kRgb, type, kFrame), request_);
@@ -209,8 +210,8 @@ TEST_P(InputConversion, MayWriteWiderSamplesThanTheType) {
   }
 }
 
-// Centring moves samples of the type, although they are yet to become such; then the conversion
-// works in place on as many doubles as the configured plane has.
+// The library's own decision: centring comes first and moves the doubles as if they were samples of
+// the type. The conversion then works in place on as many doubles as the configured plane has.
 TEST_P(InputConversion, ComesAfterCentringAndWorksInPlace) {
   constexpr Size kSmall{4, 3};
   HostBlock block(describe(kRgb, type_, kFrame), request_);

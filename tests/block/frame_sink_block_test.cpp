@@ -1,5 +1,5 @@
-// What the block makes of its description and of the planes that it is given, seen in the frame
-// buffer of its window's record.
+// How the block treats its description and the planes it gets, as seen in the frame buffer of its
+// window's record.
 #include "block/frame_sink_block.hpp"
 
 #include <gtest/gtest.h>
@@ -68,7 +68,7 @@ TEST(FrameSinkBlock, RegistersABlankFrameOfTheConfiguredSize) {
   EXPECT_EQ(videoWindowRegistry().playerIdOf(name()), kNoPlayer);
 }
 
-// The block has no scratch planes here, so a frame that were to be centred would be dropped.
+// The block has no scratch planes here, so a frame that requires centring would be dropped.
 TEST(FrameSinkBlock, MarkersForTheConfiguredSizeMeanItAndNothingIsCentred) {
   HostBlock block(describe(kRgb, FRAMESINK_UINT8, kFrame));
   for (const Size size : {Size{FRAMESINK_CONFIGURED_SIZE, FRAMESINK_CONFIGURED_SIZE},
@@ -137,7 +137,7 @@ TEST(FrameSinkBlock, LastColumnOfAnOddYcbcrFrameKeepsItsBytes) {
   EXPECT_EQ(recordedFrame(name())[4 * 3], 0);
 }
 
-// ---- Planes in one buffer -----------------------------------------------------------------------
+// ---- Planes in one buffer ----
 
 TEST(FrameSinkBlock, PlanesInOneBufferFollowOneAnother) {
   for (const Kind* kind : {&kRgb, &kYcbcr}) {
@@ -185,7 +185,7 @@ TEST(FrameSinkBlock, NullBufferOfThreePlanesIsDropped) {
   EXPECT_EQ(recordedFrame(name()), blankFrame(kFrame));
 }
 
-// ---- Planes that are missing --------------------------------------------------------------------
+// ---- Planes that are missing ----
 
 class MissingPlane : public testing::TestWithParam<std::size_t> {};
 
@@ -224,7 +224,7 @@ TEST(FrameSinkBlock, IntensityWithoutItsPlaneIsDropped) {
   EXPECT_EQ(recordedFrame(name()), blankFrame(kFrame));
 }
 
-// The other two pointers lead nowhere: following them would end the process.
+// The other two pointers are invalid; reading through them would end the process.
 TEST(FrameSinkBlock, IntensityTouchesNoOtherPlane) {
   const auto* nowhere = reinterpret_cast<const void*>(std::uintptr_t{16});
   const HostPlanes planes = randomPlanes(kIntensity, FRAMESINK_UINT8, kFrame);
@@ -239,7 +239,7 @@ TEST(FrameSinkBlock, IntensityTouchesNoOtherPlane) {
                       kFrame));
 }
 
-// ---- Records that are missing or another's ------------------------------------------------------
+// ---- Records that are missing or another's ----
 
 TEST(FrameSinkBlock, FrameForADestroyedRecordIsDropped) {
   for (const bool synchronous : {false, true}) {
@@ -268,7 +268,7 @@ TEST(FrameSinkBlock, BlockCreatedUnderTheNewNameFindsTheRecord) {
   EXPECT_EQ(recordedFrame(newName), converted(kRgb, FRAMESINK_UINT8, planes, kFrame));
 }
 
-// The first block's frames are larger than the buffer that is registered now.
+// The first block's frames are larger than the frame buffer that the second block registered.
 TEST(FrameSinkBlock, OfTwoBlocksWithOneNameTheOneOfTheRecordsSizeIsShown) {
   HostBlock first(describe(kRgb, FRAMESINK_UINT8, {40, 30}));
   HostBlock second(describe(kRgb, FRAMESINK_UINT8, kFrame));
@@ -280,7 +280,7 @@ TEST(FrameSinkBlock, OfTwoBlocksWithOneNameTheOneOfTheRecordsSizeIsShown) {
   EXPECT_EQ(recordedFrame(name()), converted(kRgb, FRAMESINK_UINT8, planes, kFrame));
 }
 
-// As many pixels, but in another shape.
+// Both frames have the same number of pixels, so only a comparison of each side tells them apart.
 TEST(FrameSinkBlock, FrameWithTheRecordsSidesExchangedIsDropped) {
   HostBlock first(describe(kRgb, FRAMESINK_UINT8, {kFrame.height, kFrame.width}));
   const HostBlock second(describe(kRgb, FRAMESINK_UINT8, kFrame));

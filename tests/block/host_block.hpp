@@ -1,4 +1,4 @@
-// A block as the host has it: created, updated and destroyed through the exports.
+// A block as a host uses it: created, updated and destroyed through the exports.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,8 +12,8 @@
 
 namespace framesink::test {
 
-// What libCreate takes besides the description. Names are the running test's own, so that tests may
-// share a process.
+// The arguments of libCreate besides the description. Names default to the running test's, so that
+// tests may share a process.
 struct BlockRequest {
   std::string name = testName();
   std::string title = testName();
@@ -35,7 +35,8 @@ struct BlockRequest {
   }
 };
 
-// The host's error buffer, not one byte longer than it has to be; begins filled with kUntouched.
+// The host's error buffer. It has exactly the required size, so that the address sanitizer finds
+// writes beyond it, and is filled with kUntouched at first.
 struct ErrorBuffer {
   static constexpr char kUntouched = '#';
   std::vector<char> bytes = std::vector<char>(FRAMESINK_ERROR_BYTES, kUntouched);
@@ -53,7 +54,7 @@ inline void* createBlock(char* errorMessage, const BlockRequest& request,
                    request.synchronous);
 }
 
-// Fails the test when the library reports an error.
+// Fails the test if the library reports an error.
 class HostBlock {
  public:
   explicit HostBlock(const InputDescription& description, const BlockRequest& request = {})

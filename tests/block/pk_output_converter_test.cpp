@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint32_t kUnknownRoutine = 999;
 
-// Opens the scratch planes to the tests.
+// Gives the tests access to the scratch planes.
 class Converter : public PKOutputConverter {
  public:
   Converter(const InputDescription* input, bool allocatePlanes, std::uint32_t inputConversion = 0)
@@ -29,7 +29,7 @@ class Converter : public PKOutputConverter {
   int planeBuffers() const {
     return (planeBuffer(0) != nullptr) + (planeBuffer(1) != nullptr) + (planeBuffer(2) != nullptr);
   }
-  // Reports through the sanitizer when the plane is shorter.
+  // Writes `bytes` bytes; the address sanitizer reports a shorter plane.
   void touch(std::size_t plane, std::size_t bytes) { std::memset(planeBuffer(plane), 1, bytes); }
 };
 
@@ -76,7 +76,7 @@ TEST(PKOutputConverter, ComparesTheFourCharacterCodeOnExactlyFourBytes) {
     EXPECT_FALSE(Converter(&input, false).isInputYuy2()) << other;
   }
   InputDescription input = withFourcc("YUY2");
-  input.inputCount = 0x32595559;  // The bytes behind the code take no part.
+  input.inputCount = 0x32595559;  // bytes behind the code do not count
   EXPECT_TRUE(Converter(&input, false).isInputYuy2());
 }
 
@@ -148,7 +148,7 @@ TEST(PKOutputConverter, AllocatesPlaneBuffersForTheFlagOrAnInputConversion) {
   EXPECT_EQ(Converter(&input, false).planeBuffers(), 0);
   EXPECT_EQ(Converter(&input, true).planeBuffers(), 3);
   EXPECT_EQ(Converter(&input, false, PK_DOUBLE_TO_UINT8).planeBuffers(), 3);
-  // The routine may not exist; what counts is that one was asked for.
+  // The request alone counts: no such routine exists.
   const Converter unknown(&input, false, kUnknownRoutine);
   EXPECT_EQ(unknown.inputConversion(), nullptr);
   EXPECT_EQ(unknown.planeBuffers(), 3);

@@ -1,4 +1,4 @@
-// Looks at the frame buffer into which the blocks of a name convert.
+// Reads the frame buffer into which the blocks of a name convert.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace framesink::test {
 
-// Empty when the name is not registered.
+// A copy of the buffer; empty if the name is not registered.
 inline Bytes recordedFrame(const std::string& name) {
   const VideoWindow* window = videoWindowRegistry().findVideoWindow(name);
   if (window == nullptr) return {};
@@ -18,7 +18,7 @@ inline Bytes recordedFrame(const std::string& name) {
   return {frame, frame + frameBytes(window->frameSize())};
 }
 
-// A frame that nobody has converted anything to.
+// The frame buffer's content before the first frame: zeroes.
 inline Bytes blankFrame(Size size) { return Bytes(frameBytes(size)); }
 
 }  // namespace framesink::test

@@ -14,7 +14,7 @@
 namespace framesink::test {
 namespace {
 
-// Kind of the planes, synchronous.
+// The kind of the planes, and whether the window is synchronous.
 using Path = std::tuple<const Kind*, std::uint8_t>;
 
 std::string nameOf(const testing::TestParamInfo<Path>& info) {
@@ -24,7 +24,7 @@ std::string nameOf(const testing::TestParamInfo<Path>& info) {
 
 class ShownFrames : public BareXTest, public testing::WithParamInterface<Path> {
  protected:
-  // An open window for each block, none over another.
+  // Requests an open window for block i; no window covers another.
   BlockRequest open(std::uint32_t i) const {
     const std::string name = BlockRequest::testName() + " " + std::to_string(i);
     return {.name = name,
@@ -87,7 +87,7 @@ TEST_P(ShownFrames, OfOneColumnOrOneRowAreShown) {
   }
 }
 
-// Centring, conversion and delivery, in a window that is open.
+// Covers centring, conversion and delivery to an open window.
 TEST_P(ShownFrames, AllocateNothingOnTheHostsThread) {
   constexpr Size kSize{62, 47};
   BlockRequest request = open(0);
@@ -136,7 +136,7 @@ TEST_P(ShownFrames, OfNoPixelsAreHarmless) {
   }
 }
 
-// ---- Frames that go astray ----------------------------------------------------------------------
+// ---- Frames that go astray ----
 
 class AstrayFrames : public BareXTest {
  protected:
@@ -145,7 +145,7 @@ class AstrayFrames : public BareXTest {
 
 constexpr Size kSize{30, 20};
 
-// The block's player id is that of a synchronous player of another name and size.
+// The block's player has the id of a synchronous player with another name and size.
 TEST_F(AstrayFrames, DoNotReachAPlayerOfAnotherSizeWithTheSameId) {
   const BlockRequest other{.name = name + " other",
                            .title = name + " other",
@@ -195,7 +195,7 @@ TEST_F(AstrayFrames, OfASizeThatIsNotTheRecordsStillDrainTheEventsOfSynchronousW
   }));
 }
 
-// No kernel call, no hand-off, no events.
+// The block neither converts nor delivers the frame, and handles no events.
 TEST_F(AstrayFrames, OfADescriptionThatIsNotValidTouchNothing) {
   HostBlock block(describe(kRgb, FRAMESINK_UINT8, kSize), {.openAtStart = 1, .synchronous = 1});
   block.update(plainPlanes(0x00C000, kSize));
@@ -225,7 +225,7 @@ TEST_F(AstrayFrames, AfterTheUserClosedTheWindowAreDropped) {
   }
 }
 
-// The last frame of a run stays on screen.
+// The second block's last frame stays on the screen.
 TEST_F(AstrayFrames, OfTwoBlocksWithOneNameDoNotReplaceTheOther) {
   HostBlock first(describe(kRgb, FRAMESINK_UINT8, {50, 40}), {.openAtStart = 1});
   HostBlock second(describe(kRgb, FRAMESINK_UINT8, kSize));

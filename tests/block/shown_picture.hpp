@@ -9,7 +9,7 @@
 
 namespace framesink::test {
 
-// What differs, or that nothing does.
+// Success if the images are equal; otherwise failure with the first difference.
 inline testing::AssertionResult equals(const Image& shown, const Image& picture) {
   if (shown == picture) return testing::AssertionSuccess();
   if (shown.width != picture.width || shown.height != picture.height) {
@@ -23,15 +23,16 @@ inline testing::AssertionResult equals(const Image& shown, const Image& picture)
          << ", not 0x" << picture.pixels[i];
 }
 
-// Success as soon as the window shows the picture; after the deadline, the first pixel that
-// differs.
+// Success as soon as the window shows the picture; after the deadline, failure with the first
+// difference.
 inline testing::AssertionResult shows(XClient& x, Window window, const Image& picture) {
   Image shown;
   waitUntil([&] { return (shown = x.pixels(window)) == picture; });
   return equals(shown, picture);
 }
 
-// The same for whatever window bears the title at the time: one that is being closed may still.
+// Success as soon as any window with the title shows the picture: a window that is being closed may
+// have the title too.
 inline testing::AssertionResult shows(XClient& x, const std::string& title, const Image& picture) {
   Image shown;
   waitUntil([&] {

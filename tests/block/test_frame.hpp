@@ -1,4 +1,4 @@
-// Frames of random samples as a host has them, and what the display must make of them.
+// Frames of random samples as a host delivers them, and what windows must show for them.
 #pragma once
 
 #include <array>
@@ -24,7 +24,8 @@ inline constexpr std::array kKinds{&kRgb, &kIntensity, &kYcbcr};
 // Column-major planes of that kind: RGB and YCbCr in three buffers, intensity in one.
 InputDescription describe(const Kind& kind, std::uint32_t dataType, Size size);
 
-// The planes of one frame, not one byte longer than they have to be.
+// The planes of one frame. They have exactly the required size, so that the address sanitizer finds
+// reads beyond them.
 struct HostPlanes {
   std::array<Bytes, 3> bytes;
 
@@ -34,29 +35,29 @@ struct HostPlanes {
   }
 };
 
-// For a frame of the configured size.
+// Random planes of a frame of the configured size.
 HostPlanes randomPlanes(const Kind& kind, std::uint32_t dataType, Size size);
 
-// Three planes of width x height samples each, which is what a frame of another size needs.
+// Three random planes of width x height samples each, as a frame of another size requires.
 HostPlanes randomWholePlanes(std::uint32_t dataType, Size size);
 
-// Three planes of width x height doubles, the ends of 0..1 and values beyond among them.
+// Three planes of width x height random doubles; among them are 0, 1 and values beyond.
 HostPlanes randomDoubles(Size size);
 
 // The planes in one buffer, one after another.
 Bytes joined(const HostPlanes& planes);
 
-// Bytes of the minimum of the type's range.
+// The minimum of the type's range, as the bytes of one sample.
 Bytes minimumOf(std::uint32_t dataType);
 
-// The plane in the middle of a larger one that is else filled with the type's minimum.
+// The plane in the middle of a larger one that is otherwise filled with the type's minimum.
 Bytes centred(const Bytes& plane, std::uint32_t dataType, Size source, Size frame);
 HostPlanes centred(const HostPlanes& planes, std::uint32_t dataType, Size source, Size frame);
 
-// Red, green and blue planes as the conversion rules make them of planes of the frame's size.
+// The red, green and blue planes that the conversion rules give for planes of the frame's size.
 Bytes converted(const Kind& kind, std::uint32_t dataType, const HostPlanes& planes, Size frame);
 
-// What a window of the frame's size shows of red, green and blue planes.
+// What a window of the frame's size shows for red, green and blue planes.
 Image picture(const Bytes& rgbPlanes, Size frame);
 
 // A frame of one colour, 0x00RRGGBB, as uint8 planes.

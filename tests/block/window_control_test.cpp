@@ -51,7 +51,7 @@ class WindowControlBase {
  protected:
   explicit WindowControlBase(std::uint8_t isSynchronous) : synchronous(isSynchronous) {}
 
-  // The user's hand; a synchronous display sees it in the host's next update.
+  // Presses the window's close button. A synchronous server handles that in the host's next update.
   testing::AssertionResult closes(XClient& x) {
     if (!x.closeButton(x.waitForWindow(name))) return testing::AssertionFailure() << x.lastError();
     const bool gone = waitUntil([&] {
@@ -87,7 +87,7 @@ class SynchronousWindowControl : public BareXTest, protected WindowControlBase {
   Window window() { return x.waitForWindow(name); }
 };
 
-// On a user's desktop.
+// With a window manager, as on a user's desktop.
 class ManagedWindowControl : public ManagedXTest,
                              public testing::WithParamInterface<std::uint8_t>,
                              protected WindowControlBase {
@@ -102,7 +102,7 @@ std::string displayName(const testing::TestParamInfo<std::uint8_t>& info) {
 INSTANTIATE_TEST_SUITE_P(Display, WindowControl, testing::Values(0, 1), displayName);
 INSTANTIATE_TEST_SUITE_P(Display, ManagedWindowControl, testing::Values(0, 1), displayName);
 
-// ---- createVideoWindow --------------------------------------------------------------------------
+// ---- createVideoWindow ----
 
 TEST_P(WindowControl, CreateForAnUnknownNameDoesNothingAndReturnsAtOnce) {
   const std::string unknown = name + " unknown";
@@ -131,7 +131,7 @@ TEST_P(ManagedWindowControl, CreateFullscreenCoversTheScreen) {
     update();
     return x.isFullscreen(window());
   }));
-  // What it comes back to.
+  // The size to which the window returns from full screen.
   EXPECT_EQ(posSize(name).size, (Pair{200, 150}));
 }
 
@@ -189,7 +189,7 @@ TEST_P(WindowControl, CreateWithoutPositionOrSizeDoesNothing) {
   EXPECT_EQ(isPlayerOpen(name.c_str()), 0);
 }
 
-// ---- getWindowPosSize ---------------------------------------------------------------------------
+// ---- getWindowPosSize ----
 
 TEST_P(WindowControl, PosSizeOfARegisteredNameThatNeverHadAWindowIsMinusTwo) {
   EXPECT_EQ(posSize(name), kClosed);
@@ -234,7 +234,8 @@ TEST_P(ManagedWindowControl, PosSizeFollowsTheUsersMoving) {
   }));
 }
 
-// To a frame's width and title bar: window managers place the frame where the window was.
+// The place is exact but for the border and the title bar, because the window manager places its
+// frame where the picture was.
 TEST_P(ManagedWindowControl, FreshWindowOpensInThePlaceAndSizeOfTheOld) {
   openWindow(name);
   const Window before = window();
@@ -256,7 +257,7 @@ TEST_P(ManagedWindowControl, FreshWindowOpensInThePlaceAndSizeOfTheOld) {
   EXPECT_NEAR(now.position[1], left.position[1], 40);
 }
 
-// ---- isPlayerOpen -------------------------------------------------------------------------------
+// ---- isPlayerOpen ----
 
 TEST_P(WindowControl, IsOpenFollowsTheWindow) {
   EXPECT_EQ(isPlayerOpen((name + " unknown").c_str()), 0);
@@ -293,7 +294,7 @@ TEST_P(WindowControl, NamesCompareCaseSensitivelyAndWhole) {
   EXPECT_EQ(isPlayerOpen(lower.c_str()), 0);
 }
 
-// ---- destroyVideoWindow -------------------------------------------------------------------------
+// ---- destroyVideoWindow ----
 
 TEST_F(ThreadedWindowControl, DestroyClosesTheWindowAndForgetsTheName) {
   openWindow(name);
@@ -307,7 +308,7 @@ TEST_F(ThreadedWindowControl, DestroyClosesTheWindowAndForgetsTheName) {
   update();
 }
 
-// The close request always goes to the display thread's windows.
+// The library's own decision: the close request always goes to the threaded server.
 TEST_F(SynchronousWindowControl, DestroyForgetsTheNameAndLeavesTheWindow) {
   openWindow(name);
   update(0x20A0E0);
@@ -326,7 +327,7 @@ TEST_P(WindowControl, DestroyOfAnUnknownNameIsIgnored) {
   EXPECT_EQ(isPlayerOpen(name.c_str()), 1);
 }
 
-// ---- renameVideoWindow --------------------------------------------------------------------------
+// ---- renameVideoWindow ----
 
 TEST_P(WindowControl, RenamedWindowIsReportedUnderTheNewName) {
   openWindow(name);
@@ -354,7 +355,8 @@ TEST_F(SynchronousWindowControl, RenameLeavesTheOldTitle) {
   EXPECT_EQ(x.title(before), name);
 }
 
-// Of threaded and synchronous windows that happen to bear the same id, the threaded one.
+// The library's own decision: the title always goes to the threaded server, where another window
+// may have the same id.
 TEST_F(SynchronousWindowControl, RenameGivesTheTitleToTheThreadedWindowOfThatId) {
   openWindow(name);
   const std::string other = name + " threaded";
@@ -391,7 +393,7 @@ TEST_P(WindowControl, FramesOfABlockWhoseRecordWasRenamedAreDropped) {
   EXPECT_TRUE(shows(x, before, plainPicture(0x20A0E0, kFrame)));
 }
 
-// ---- Null names ---------------------------------------------------------------------------------
+// ---- Null names ----
 
 TEST_P(WindowControl, NullNamesAreUnknownOnes) {
   const std::uint32_t pair[2] = {60, 80};

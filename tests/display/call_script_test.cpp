@@ -1,4 +1,4 @@
-// The life of a window, call by call with every argument, as SDL sees it.
+// The calls that SDL gets over a window's life, in order and with every argument.
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 namespace framesink::test {
 namespace {
 
-// Calls as text; what SDL made is named by its kind, other addresses are "*".
+// Writes calls as text: objects that SDL made by their kind, other addresses as "*".
 class Script {
  public:
   explicit Script(std::vector<std::string> ignored) : ignored_(std::move(ignored)) {}
@@ -102,7 +102,8 @@ TEST_F(SynchronousScriptTest, AWindowsLife) {
   server.isPlayerFullscreen(player);
   server.closePlayer(player);
   Script script({"SDL_PollEvent"});
-  // What opening brought is drawn again in the drain: the window's being exposed.
+  // Opening exposes the window, so the drain draws it again. How often depends on SDL: only the
+  // beginning and the end of the script are compared.
   const Names lines = script.of(recorder.calls());
   const Names begin = kStart + Names{"WasInit(32)", "CreateWindow(one, 60, 80, 640, 240, 32)"} +
                       kIcon + parts(320, 240) + kDrawn;
@@ -140,7 +141,7 @@ TEST_F(ThreadedScriptTest, TheServersStart) {
   EXPECT_EQ(script.of(calls), expected);
 }
 
-// The display thread's, from its first call to its last.
+// Compares the calls of the display thread only, from its first to its last.
 TEST_F(ThreadedScriptTest, AWindowsLife) {
   std::optional<PassStepper> passes(recorder);
   const std::uint32_t player = addPlayer(server, {.title = "one"});
@@ -164,7 +165,7 @@ TEST_F(ThreadedScriptTest, AWindowsLife) {
   Names lines = script.of(calls);
   const auto firstWindow = std::find(lines.begin(), lines.end(), "WasInit(32)");
   EXPECT_EQ(lines.front(), "WasInit(" + std::to_string(SDL_INIT_EVERYTHING) + ")");
-  lines.erase(lines.begin(), firstWindow);  // passes before there was a player
+  lines.erase(lines.begin(), firstWindow);  // passes without players
   const Names life = Names{"WasInit(32)", "CreateWindow(one, 60, 80, 64, 48, 32)"} + kIcon +
                      parts(64, 48) + kDrawn;
   ASSERT_GE(lines.size(), life.size());

@@ -9,12 +9,12 @@ namespace {
 testing::AssertionResult firstDifference(const Image& seen, const Image& wanted) {
   auto failure = testing::AssertionFailure();
   if (seen.width != wanted.width || seen.height != wanted.height) {
-    return failure << "the window shows an " << seen << ", wanted is an " << wanted;
+    return failure << "the window shows an " << seen << ", expected is an " << wanted;
   }
   const auto [s, w] = std::mismatch(seen.pixels.begin(), seen.pixels.end(), wanted.pixels.begin());
   const auto index = static_cast<int>(s - seen.pixels.begin());
   return failure << "pixel " << index % seen.width << ", " << index / seen.width << " is "
-                 << std::hex << *s << ", wanted is " << *w;
+                 << std::hex << *s << ", expected is " << *w;
 }
 
 }  // namespace

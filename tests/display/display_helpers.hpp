@@ -1,4 +1,4 @@
-// What the tests of the display have in common.
+// What the tests of the display share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace framesink {
 
-// For messages of failed tests.
+// GoogleTest prints sizes and positions with these when a test fails.
 inline void PrintTo(const Size& size, std::ostream* out) {
   *out << size.width << "x" << size.height;
 }
@@ -31,17 +31,17 @@ namespace framesink::test {
 inline constexpr Size kFrameSize{64, 48};
 inline constexpr Position kPlace{60, 80};
 
-// None is a player's: as many pixels, one side alone shorter or longer.
+// Frame sizes that no player has: as many pixels, or one side shorter or longer.
 inline constexpr std::array kOtherSizes{
     Size{kFrameSize.height, kFrameSize.width}, Size{kFrameSize.width, kFrameSize.height - 1},
     Size{kFrameSize.width, kFrameSize.height + 1}, Size{kFrameSize.width - 1, kFrameSize.height},
     Size{kFrameSize.width + 1, kFrameSize.height}};
 
-// What a window is asked to be.
+// The window that a test requests.
 struct Opening {
   std::string title = "player";
   Size frameSize = kFrameSize;
-  std::optional<Size> windowSize{};  // the frame's when absent
+  std::optional<Size> windowSize{};  // nullopt: the frame's size
   Position position = kPlace;
   bool fullscreen = false;
 };
@@ -53,7 +53,7 @@ std::uint32_t addPlayer(SdlServer& server, const Opening& opening = {});
 
 void deliver(SdlServer& server, std::uint32_t player, const Frame& frame);
 
-// The player's window has been made. Waits for it.
+// Waits until the player's window has been made; false if it never will be.
 bool hasWindow(SdlServer& server, std::uint32_t player);
 
 // Waits until the window shows `picture` and nothing else.

@@ -1,4 +1,4 @@
-// What a user sees: the X server's pixels, compared one by one.
+// What a user sees: every pixel that the X server shows is compared.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,7 +11,7 @@ namespace {
 
 enum class Mode { kThreaded, kSynchronous };
 
-// Without a window manager windows have exactly the place and size that was asked for.
+// No window manager runs, so windows get exactly the place and size that the test requests.
 class DisplayPixelsTest : public BareXTest, public testing::WithParamInterface<Mode> {
  protected:
   Window open(const Opening& opening) {
@@ -20,7 +20,8 @@ class DisplayPixelsTest : public BareXTest, public testing::WithParamInterface<M
     if (display.hasOpenPlayer(player)) deliver(display, player, plainFrame(opening.frameSize, 0));
     return window;
   }
-  // A synchronous window lives in the calls on its server.
+  // Waits until the window shows `picture`. Drains meanwhile if the server is synchronous, because
+  // such a server handles events only inside its calls.
   testing::AssertionResult showsSoon(Window window, const Image& picture) {
     const auto end = std::chrono::steady_clock::now() + kDeadline;
     for (;;) {

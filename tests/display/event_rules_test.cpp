@@ -1,4 +1,4 @@
-// What either server makes of every event there is: the exact calls of SDL and what is remembered.
+// How each server reacts to every kind of event: the exact SDL calls it makes and what it stores.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -15,9 +15,9 @@ namespace {
 constexpr bool kThreaded = true;
 constexpr Size kAskedFor{300, 200};
 
-// What a drain may do to one window.
+// The effect of one drain on a window: the SDL calls it made, and the window's state afterwards.
 struct Reaction {
-  Names calls;  // of SDL
+  Names calls;
   Size size = kAskedFor;
   Position position = kPlace;
   bool isOpen = true;
@@ -47,7 +47,8 @@ Names joined(const Names& first, const Names& second) {
 
 class EventRulesTest : public DummyVideoTest, public testing::WithParamInterface<bool> {
  protected:
-  // A drawn window, and the display thread before its next pass.
+  // Opens a window and draws it. A threaded server then halts before its next pass, and drains get
+  // only the events that the test feeds.
   void openPlayer(bool fullscreen = false) {
     player = addPlayer(server, {.windowSize = kAskedFor, .fullscreen = fullscreen});
     ASSERT_TRUE(hasWindow(server, player));
@@ -73,7 +74,7 @@ class EventRulesTest : public DummyVideoTest, public testing::WithParamInterface
     }
   }
 
-  // What one drain does.
+  // Feeds the event, drains once and returns the effect.
   Reaction reactionTo(const SDL_Event& event) {
     recorder.forget();
     feed(event);
@@ -95,9 +96,9 @@ class EventRulesTest : public DummyVideoTest, public testing::WithParamInterface
   SdlServer server{GetParam() == kThreaded};
   std::uint32_t player = 0;
   std::uint32_t window = 0;
-  int fed = 0;  // and not yet taken
+  int fed = 0;  // events fed and not yet polled
   std::optional<PassStepper> passes;
-  std::optional<SdlHook> onlyFed;  // what SDL itself has to tell is dropped
+  std::optional<SdlHook> onlyFed;  // drops events of SDL's own
 };
 INSTANTIATE_TEST_SUITE_P(Servers, EventRulesTest, testing::Values(kThreaded, !kThreaded),
                          [](const auto& parameter) {
@@ -148,7 +149,7 @@ TEST_P(EventRulesTest, AResizeOfAFullScreenWindowIsDrawnOnly) {
             (Reaction{.calls = joined({"SDL_GetWindowFlags"}, kDrawing)}));
 }
 
-// Each of the two bits counts as full screen.
+// SDL's full screen on the desktop is two bits, 0x1001; each of them alone counts as full screen.
 TEST_P(EventRulesTest, AResizeIsNotRememberedWhileAnyFullScreenFlagIsSet) {
   openPlayer();
   for (const std::int64_t flag : {0x1, 0x1000, 0x1001}) {
@@ -184,7 +185,7 @@ TEST_P(EventRulesTest, EscapeInAWindowedWindowOnlyAsks) {
   EXPECT_EQ(reactionTo(keyEvent(window, 27)), (Reaction{.calls = {"SDL_GetWindowFlags"}}));
 }
 
-// The key's meaning counts, not its place on the keyboard.
+// Every event has Escape's scancode: only the key's symbol counts, not its place on the keyboard.
 TEST_P(EventRulesTest, NoOtherKeyDoesAnything) {
   openPlayer(/*fullscreen=*/true);
   for (const SDL_Keycode key : {0, 26, 28, int{SDLK_RETURN}, int{SDLK_F11}, int{SDLK_q}}) {
@@ -197,7 +198,7 @@ TEST_P(EventRulesTest, NoOtherKeyDoesAnything) {
 
 // ---- Everything else ----
 
-// SDL's types stand in groups, 256 apart, some with a second group in the middle.
+// SDL numbers event types in groups 0x100 apart; some groups contain a second one at 0x50.
 TEST_P(EventRulesTest, NoOtherTypeOfEventDoesAnything) {
   openPlayer(/*fullscreen=*/true);
   std::vector<Uint32> groups{0x7F00, 0x8000, 0xFF00};
@@ -219,7 +220,7 @@ TEST_P(EventRulesTest, AnEventWithoutEffectDoesNotEndTheDrain) {
             (Position{7, 8}));
 }
 
-// Whatever its type: it is dropped, and what follows waits for the next drain.
+// Such an event is dropped whatever its type, and later events wait for the next drain.
 TEST_P(EventRulesTest, AnEventOfNobodysWindowEndsTheDrain) {
   openPlayer();
   for (const SDL_Event& foreign :

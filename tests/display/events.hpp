@@ -1,4 +1,4 @@
-// SDL events as they come out of its queue.
+// Makes SDL events as SDL's queue delivers them.
 #pragma once
 
 #include <SDL.h>
@@ -29,10 +29,10 @@ inline SDL_Event applicationEvent(Uint32 type) {
   return event;
 }
 
-// Into SDL's queue, for the next drain. Any thread.
+// Puts the event into SDL's queue for the next drain. Any thread may call it.
 inline bool push(SDL_Event event) { return SDL_PushEvent(&event) == 1; }
 
-// No window of these tests ever has it.
+// A window id that no window of these tests ever gets.
 inline constexpr Uint32 kUnknownWindow = 4711;
 
 }  // namespace framesink::test

@@ -1,4 +1,4 @@
-// Holds the display thread in the middle of what it does.
+// Halts the display thread at a chosen call to SDL.
 #pragma once
 
 #include <atomic>
@@ -10,7 +10,7 @@
 
 namespace framesink::test {
 
-// Holds the display thread before its next call of an SDL function until release() or the end.
+// Halts the display thread before its next call to an SDL function, until release() or destruction.
 class Hold {
  public:
   Hold(SdlRecorder& recorder, const std::string& function)
@@ -23,7 +23,7 @@ class Hold {
   Hold(const Hold&) = delete;
   Hold& operator=(const Hold&) = delete;
 
-  // Waits until the thread is there; false at the deadline.
+  // Waits until the thread has halted; false at the deadline.
   bool isReached() const {
     return waitUntil([&] { return reached_.load(); });
   }

@@ -1,4 +1,4 @@
-// The last frame of a run is the one that stays on the screen, however fast the frames came.
+// The last frame of a run stays on the screen, however fast the frames came.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -23,15 +23,15 @@ class LastFrameTest : public BareXTest {
   SdlServer display{/*threaded=*/true};
 };
 
-// No recorder here: the wrappers must not slow the display down.
+// Uses no SdlRecorder, because its wrappers would slow the display down.
 TEST_F(LastFrameTest, IsOnTheScreenAfterEveryBurst) {
   const std::uint32_t player = addPlayer(display);
   const Window window = x.waitForWindow("player");
   const std::vector<Frame> passing{noiseFrame(kFrameSize, 1), noiseFrame(kFrameSize, 2),
                                    noiseFrame(kFrameSize, 3)};
   for (int burst = 0; burst < bursts(); ++burst) {
-    // From one frame up to more than the display can serve, so that the last one meets every part
-    // of a pass.
+    // The bursts range from one frame to more than the display can show, so that the last frame
+    // arrives in every part of a pass.
     for (int i = 0; i < burst * 7 % 400; ++i) {
       deliver(display, player, passing[static_cast<std::size_t>(i) % passing.size()]);
     }

@@ -8,8 +8,8 @@
 
 namespace framesink::test {
 
-// From construction on the display thread halts before each pass, holding no lock, until it is told
-// to go on; the destructor lets it run free again. Hooks on to SDL_LockMutex.
+// While this exists, the display thread halts before each pass, holding no lock, until runPass()
+// lets it go on. The destructor lets it run freely again. Hooks SDL_LockMutex.
 class PassStepper {
  public:
   explicit PassStepper(SdlRecorder& recorder);
@@ -17,9 +17,9 @@ class PassStepper {
   PassStepper(const PassStepper&) = delete;
   PassStepper& operator=(const PassStepper&) = delete;
 
-  // Waits until the thread halts; false at the deadline.
+  // Waits until the thread has halted; false at the deadline.
   bool halted();
-  // One pass from beginning to end, after `first` on the display thread; false at the deadline.
+  // Runs `first` on the display thread and then one whole pass; false at the deadline.
   bool runPass(std::function<void()> first = [] {});
   bool runPasses(int number);
 

@@ -1,5 +1,5 @@
-// A reader of the player list that is interrupted at any instruction, by an owner who changes the
-// list right then.
+// Interrupts a reader of the player list at every single instruction, and changes the list right
+// then.
 #include "support/interruption.hpp"
 
 #if defined(FRAMESINK_TESTS_CAN_INTERRUPT)
@@ -15,7 +15,7 @@
 namespace framesink::test {
 namespace {
 
-// Known as dead or alive even after it was destroyed.
+// Keeps a flag outside itself, which tells whether it lives even after it has been destroyed.
 struct KnownPlayer {
   explicit KnownPlayer(bool& isAlive) : alive(isAlive) { alive = true; }
   ~KnownPlayer() { alive = false; }
@@ -26,7 +26,7 @@ struct KnownPlayer {
 
 using Players = PlayerList<KnownPlayer>;
 
-// A list, and a reader of it that is interrupted while it is made.
+// A list, and a reader of it that is interrupted while it is being constructed.
 class InterruptedReader {
  public:
   InterruptedReader() {
@@ -34,8 +34,8 @@ class InterruptedReader {
     add();
   }
 
-  // The owner exchanges players after so many of the reader's instructions, and again when the
-  // reader is ready. False when the reader was ready first.
+  // Makes the owner exchange players after so many instructions of the reader's constructor, and
+  // again after the constructor. False if the constructor ended first.
   bool isInterruptedAfter(int instructions, int exchanges) {
     Interruption interruption(instructions, [&] { exchange(exchanges); });
     const Players::Reader reader(list_);
@@ -61,14 +61,14 @@ class InterruptedReader {
     }
   }
 
-  std::array<bool, kPlayers> alive_{};  // before the list, whose end still writes here
+  std::array<bool, kPlayers> alive_{};  // before list_, whose destructor writes here
   std::size_t added_ = 0;
   Players list_;
   bool sawOnlyTheLiving_ = false;
 };
 
-// Were a reader counted in an epoch that has passed meanwhile, the owner would not wait for it.
-// Each exchange moves the epoch on by one.
+// If a reader counted itself in an epoch that has meanwhile passed, the owner would not wait for
+// it. Each exchange advances the epoch by one.
 TEST(PlayerListReader, MayBeInterruptedAtAnyInstruction) {
   for (const int exchanges : {1, 2, 3}) {
     int instructions = 0;

@@ -1,5 +1,4 @@
-// Readers at full speed while the owner changes the list: none may ever meet a player that was
-// destroyed.
+// Readers run at full speed while the owner changes the list. None may find a destroyed player.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -21,8 +20,9 @@ constexpr std::chrono::milliseconds kDuration{1000};
 constexpr std::uint64_t kSound = 0x5AFE5AFE5AFE5AFE;
 constexpr std::uint64_t kPoison = 0xDEADDEADDEADDEAD;
 
-// Its memory says whether it lives. Plain, so that the thread sanitizer sees a reader and the
-// destructor meet; volatile, so that the poisoning is not left out as a dead store.
+// `mark` changes when the player is destroyed. It is not atomic, so that the thread sanitizer sees
+// a reader race with the destructor, and it is volatile, so that the compiler keeps the
+// destructor's write, which nothing may read.
 struct MarkedPlayer {
   ~MarkedPlayer() {
     mark = kPoison;
@@ -36,7 +36,7 @@ struct MarkedPlayer {
 
 using Players = PlayerList<MarkedPlayer>;
 
-// In order and alive.
+// True if all players are alive and in the order in which they were added.
 bool isSound(std::span<MarkedPlayer* const> players) {
   std::uint64_t last = 0;
   for (const MarkedPlayer* player : players) {
@@ -46,7 +46,7 @@ bool isSound(std::span<MarkedPlayer* const> players) {
   return true;
 }
 
-// The list's owner, who changes it at random.
+// The list's owner, which changes the list at random.
 class Owner {
  public:
   explicit Owner(Players& list) : list_(list) {}
@@ -120,7 +120,7 @@ TEST(PlayerListStress, NoReaderMeetsADestroyedPlayer) {
     EXPECT_GT(readers.reads(), 0U);
 
     list.removeAll();
-    EXPECT_TRUE(waitUntil([&] { return list.reclaim(); })) << "readers hold the owner up";
+    EXPECT_TRUE(waitUntil([&] { return list.reclaim(); })) << "readers hold up the owner";
   }
   EXPECT_GT(owner.added(), 100U);
   EXPECT_EQ(MarkedPlayer::destroyed, owner.added());

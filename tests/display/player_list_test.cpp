@@ -11,7 +11,7 @@
 namespace framesink::test {
 namespace {
 
-// Counts those that live.
+// Counts the living players in `count`.
 struct CountedPlayer {
   CountedPlayer(int which, int& count) : number(which), alive(count) { ++alive; }
   ~CountedPlayer() { --alive; }
@@ -256,7 +256,7 @@ TEST_F(PlayerListTest, TheDestructorDestroysEveryPlayer) {
   EXPECT_EQ(alive, 0);
 }
 
-// Each addition is tried with memory for 0, 1, 2, ... allocations, until it succeeds.
+// Tries each addition with memory for 0, 1, 2, ... allocations until it succeeds.
 TEST_F(PlayerListTest, AnAdditionThatFailsChangesNothing) {
   for (int number = 0; number < 4; ++number) {
     const Numbers before = owned();

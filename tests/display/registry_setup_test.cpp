@@ -1,5 +1,5 @@
-// What becomes of a window when its block is created again: setupVideoWindow, rule by rule, without
-// a screen. Each test needs a process of its own: the servers are the process's.
+// What setupVideoWindow does with a window when its block is created again, rule by rule, without a
+// screen. Each test needs a process of its own, because a process has one server of each kind.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -28,7 +28,7 @@ class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterf
         .synchronous = GetParam()};
   }
 
-  // Sets the window up and waits until a player that was asked for has its window.
+  // Sets the window up. If the record then has a player, waits until that player has its window.
   void apply(const WindowSetup& wish) {
     registry.setupVideoWindow(wish);
     if (record() != nullptr && record()->playerId != kNoPlayer) geometry();
@@ -40,13 +40,13 @@ class RegistrySetupTest : public DummyVideoTest, public testing::WithParamInterf
   bool isOpen() const { return registry.isVideoWindowOpen(*record()); }
   bool isFullscreen() const { return server().isPlayerFullscreen(player()); }
   std::size_t windowsMade() const { return recorder.count("SDL_CreateWindow"); }
-  // x, y, width, height of the window made last.
+  // x, y, width and height of the newest window.
   Numbers madeAt() const {
     const Numbers arguments = recorder.last("SDL_CreateWindow").arguments;
     return {arguments.begin() + 1, arguments.end() - 1};
   }
 
-  // The user's hand.
+  // Delivers an event of the user's; a synchronous server drains it at once.
   void happens(const SDL_Event& event) {
     push(event);
     if (record()->synchronous) deliver(server(), kNoPlayer, plainFrame(kFrameSize, 0));
@@ -294,7 +294,7 @@ TEST_P(RegistrySetupTest, AChangedSynchronousFlagGivesAFreshWindowInTheUsersPlac
   EXPECT_NE(&server(), &before);
   EXPECT_FALSE(before.hasOpenPlayer(0));
   EXPECT_TRUE(server().hasOpenPlayer(0));
-  EXPECT_EQ(player(), 0) << "the other server counts for itself";
+  EXPECT_EQ(player(), 0) << "each server counts its own players";
   EXPECT_EQ(madeAt(), (Numbers{500, 600, 400, 300}));
   EXPECT_EQ(record()->synchronous, !GetParam());
 }

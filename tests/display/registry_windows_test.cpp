@@ -1,5 +1,5 @@
-// Named windows on a user's desktop. Each test needs a process of its own: the servers are the
-// process's.
+// Named windows on a user's desktop. Each test needs a process of its own, because a process has
+// one server of each kind.
 #include <gtest/gtest.h>
 
 #include "display/server_instances.hpp"
@@ -27,7 +27,7 @@ class RegistryWindowsTest : public ManagedXTest {
     registry.setupVideoWindow(wish);
     return x.waitForWindow(wish.window.title);
   }
-  // What the registry reports.
+  // The position and size that the registry reports.
   Geometry reported() const {
     std::int32_t position[2];
     std::int32_t size[2];
@@ -41,7 +41,7 @@ class RegistryWindowsTest : public ManagedXTest {
       const Geometry place = x.geometry(window);
       return place.width == 200 && place.x >= 400 && reported() == place;
     };
-    ASSERT_TRUE(waitUntil(isReported)) << reported() << " for " << x.geometry(window);
+    ASSERT_TRUE(waitUntil(isReported)) << reported() << " reported for " << x.geometry(window);
   }
   void userCloses(Window window) {
     ASSERT_TRUE(x.closeButton(window));
@@ -79,7 +79,7 @@ TEST_F(RegistryWindowsTest, AChangedFrameSizeGivesAFreshWindowWhereTheUserLeftTh
   const Window fresh = x.waitForWindow("title");
   EXPECT_EQ(x.geometry(fresh).width, 200);
   EXPECT_EQ(x.geometry(fresh).height, 100);
-  // The window manager adds its decoration to the place that it is asked for.
+  // Compares the request, because the window manager adds its decoration to the requested place.
   const auto asked = recorder.last("SDL_CreateWindow").arguments;
   EXPECT_EQ((Geometry{static_cast<int>(asked[1]), static_cast<int>(asked[2]),
                       static_cast<int>(asked[3]), static_cast<int>(asked[4])}),

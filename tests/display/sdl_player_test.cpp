@@ -37,7 +37,7 @@ class SdlPlayerTest : public DummyVideoTest {
                                                      .fullscreen = fullscreen}),
                                          5);
   }
-  // With its window made and its initial frame shown.
+  // Makes the player and its window, and shows the initial frame.
   void open(const Frame& initialFrame) {
     make(initialFrame);
     player->createWindow();
@@ -170,7 +170,8 @@ TEST_F(SdlPlayerTest, SubmittingAllocatesNothingAndAsksNothingOfSdl) {
   EXPECT_EQ(recorder.order(), Names{});
 }
 
-// Were the marks changed one by one, a pair from which no frame is ever taken could remain.
+// If the marks were changed one by one, they could be left in a state from which no frame is ever
+// taken.
 TEST_F(SdlPlayerTest, TakesFramesAfterSeveralThreadsSubmittedAtOnce) {
   const Size small{4, 4};
   open(noiseFrame(small, 0));

@@ -1,4 +1,4 @@
-// What a threaded server's pass makes of SDL's events, without a screen.
+// How a threaded server's pass reacts to SDL's events, without a screen.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -13,7 +13,7 @@
 namespace framesink::test {
 namespace {
 
-// One player whose window is made and drawn, and the display thread before its next pass.
+// One player whose window is made and drawn. The display thread is halted before its next pass.
 class SdlServerEventsTest : public ThreadedServerTest {
  protected:
   void openPlayer(const Opening& opening = {}) {
@@ -74,7 +74,7 @@ TEST_F(SdlServerEventsTest, ARedrawUploadsTheWholeNewestFrame) {
   EXPECT_EQ(shown.all(), std::vector<Image>{pictureOf(noiseFrame(kFrameSize, 1))});
 }
 
-// The frame comes between the walk over the players and the drain.
+// The frame arrives after the walk over the players and before the drain.
 TEST_F(SdlServerEventsTest, AFrameThatARedrawShowedIsNotShownAgain) {
   openPlayer();
   bool first = true;
@@ -219,10 +219,10 @@ TEST_F(SdlServerEventsTest, AFullScreenPlayerFirstTakesTheOtherOutOfFullScreen) 
   EXPECT_FALSE(server.isPlayerFullscreen(player));
   EXPECT_TRUE(server.isPlayerFullscreen(second));
   const Names order = recorder.order();
-  const Names begin{"SDL_LockMutex",      "SDL_UnlockMutex",  // addPlayer
-                    "SDL_GetWindowFlags", "SDL_SetWindowFullscreen",
-                    "SDL_SetWindowSize",  "SDL_GetWindowFlags",
-                    "SDL_Delay"};
+  // addPlayer makes the first two calls.
+  const Names begin{
+      "SDL_LockMutex",     "SDL_UnlockMutex",    "SDL_GetWindowFlags", "SDL_SetWindowFullscreen",
+      "SDL_SetWindowSize", "SDL_GetWindowFlags", "SDL_Delay"};
   ASSERT_GT(order.size(), begin.size());
   EXPECT_EQ(Names(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(begin.size())), begin);
   EXPECT_EQ(recorder.calls("SDL_Delay").front().arguments, Numbers{2});
@@ -246,7 +246,7 @@ TEST_F(SdlServerEventsTest, AFullScreenPlayerWaitsUntilTheOtherHasLeftFullScreen
   ASSERT_TRUE(passes->runPass());
   Numbers rests;
   for (const SdlCall& rest : recorder.calls("SDL_Delay")) rests.push_back(rest.arguments[0]);
-  EXPECT_EQ(rests, (Numbers{2, 2, 2, 2, 2, 1})) << "four looks, one for good measure, one pass";
+  EXPECT_EQ(rests, (Numbers{2, 2, 2, 2, 2, 1})) << "four looks, one rest more, one pass";
 }
 
 TEST_F(SdlServerEventsTest, AFullScreenPlayerDoesNotWaitForAWindowThatSdlKeepsFullScreen) {

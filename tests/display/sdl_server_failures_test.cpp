@@ -1,4 +1,4 @@
-// A threaded server when SDL or memory fails: errors are told, and hosts never hang.
+// A threaded server when SDL or memory fails: it prints errors, and hosts never hang.
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 class SdlServerFailureTest : public ThreadedServerTest {
  protected:
-  // Everything that waits for a window answers as for an unknown player.
+  // Every call that waits for a window returns what it returns for an unknown player.
   void expectAbsent(std::uint32_t player) {
     EXPECT_FALSE(server.windowGeometry(player));
     EXPECT_EQ(server.getWindowWidth(player), 0U);
@@ -27,7 +27,7 @@ class SdlServerFailureTest : public ThreadedServerTest {
     server.raisePlayer(player);
     server.renamePlayer(player, "title");
   }
-  // The host goes on with a player whose window failed.
+  // The host can still call everything on a player whose window failed.
   void expectUsable(std::uint32_t player) {
     EXPECT_TRUE(server.windowGeometry(player));
     EXPECT_EQ(server.getFrameWidth(player), static_cast<std::int32_t>(kFrameSize.width));
@@ -137,7 +137,7 @@ TEST_F(SdlServerFailureTest, NoMemoryForAWindowLeavesThePlayerWithoutAndHostsDoN
   const std::uint32_t first = addPlayer(server);
   ASSERT_TRUE(passes.runPass());
   const std::uint32_t second = addPlayer(server);
-  ASSERT_TRUE(passes.runPass(failNextAllocation));  // that of the window
+  ASSERT_TRUE(passes.runPass(failNextAllocation));  // the allocation of the window
   EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
   expectAbsent(second);
   EXPECT_TRUE(server.hasOpenPlayer(second));
@@ -156,7 +156,7 @@ class SdlServerLostTextureTest : public SdlServerFailureTest {
     SDL_LogSetOutputFunction([](void*, int, SDL_LogPriority, const char*) {}, nullptr);
   }
 
-  // Two players, then a failed lock in the first one's window.
+  // Adds two players, then lets SDL fail to lock the texture of the first.
   void loseTexture() {
     open();
     open();
@@ -200,7 +200,7 @@ TEST_F(SdlServerLostTextureTest, ClosingReleasesNothingOfTheLostSdl) {
   }
 }
 
-// A later SDL numbers its windows from 1 again.
+// SDL numbers its windows from 1 again after SDL_Quit, so a later window has the id of a lost one.
 TEST_F(SdlServerLostTextureTest, AWindowOfTheLostSdlGetsNoEventsOfALaterOne) {
   loseTexture();
   const std::uint32_t later = open();

@@ -35,7 +35,7 @@ class SdlServerStopTest : public ThreadedServerTest {
     return rests;
   }
 
-  // Adds a player and lets the display thread stand where it draws it, in the middle of a pass.
+  // Adds a player and halts the display thread in the middle of the pass that draws it.
   void holdDisplayThread() {
     hold.emplace(recorder, "SDL_RenderPresent");
     addPlayer(server);
@@ -136,7 +136,7 @@ TEST_F(SdlServerStopTest, DoesNotRestWithSdlOnceNoPlayerIsListed) {
   for (const SdlCall& rest : recorder.calls("SDL_Delay")) EXPECT_NE(rest.arguments[0], 10);
 }
 
-// The rests are not made here, so that 20 s of them take no time.
+// SDL_Delay returns at once here, so that 20 s of waiting take no time.
 TEST_F(SdlServerStopTest, WaitsAtMostTwentySecondsForThePlayersToGo) {
   holdDisplayThread();
   recorder.forget();
@@ -178,7 +178,7 @@ TEST_F(SdlServerStopTest, DoesNotWaitOnTheDisplayThreadItself) {
   EXPECT_FALSE(answer);
   const Numbers rests = restsOf(displayThread);
   EXPECT_EQ(std::count(rests.begin(), rests.end(), 10), 0);
-  EXPECT_TRUE(server.stop()) << "from elsewhere it still stops";
+  EXPECT_TRUE(server.stop()) << "another thread can still stop the server";
 }
 
 TEST_F(SdlServerStopTest, WithoutAThreadItDoesNotWait) {

@@ -31,7 +31,7 @@ namespace {
 
 class SdlServerTest : public ThreadedServerTest {
  protected:
-  // The numbers of milliseconds that the display thread slept, one per pass.
+  // How long the display thread slept after each pass, in milliseconds.
   Numbers passRests() const {
     Numbers rests;
     for (const SdlCall& call : recorder.calls("SDL_Delay")) {
@@ -194,7 +194,7 @@ TEST_F(SdlServerTest, APassIsOneLockOneWalkAndOneDrain) {
   ASSERT_TRUE(passes.runPass());
   EXPECT_EQ(recorder.order(),
             (Names{"SDL_PollEvent", "SDL_UnlockMutex", "SDL_Delay", "SDL_LockMutex"}))
-      << "from behind one lock to the next";
+      << "the calls after one lock up to the next";
 }
 
 TEST_F(SdlServerTest, MakesTheWindowAndShowsTheInitialFrameInOnePass) {
@@ -250,7 +250,8 @@ TEST_F(SdlServerTest, AFrameOfAnotherSizeIsNotTaken) {
   EXPECT_EQ(recorder.count("SDL_LockTexture"), 0U);
 }
 
-// The walk goes by index, and removal closes the gap.
+// The library's own decision: the walk goes by index, and a removal moves the later entries down,
+// so that pass skips the next one.
 TEST_F(SdlServerTest, TheEntryThatMovesDownIsServedOnTheNextPass) {
   const std::uint32_t first = open();
   const std::uint32_t second = open();

@@ -1,4 +1,4 @@
-// Windows whose parts SDL refuses to make.
+// Windows of which SDL fails to make some part.
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ namespace {
 using Numbers = std::vector<std::int64_t>;
 using Names = std::vector<std::string>;
 
-// What SDL logs, in place of its own output.
+// Captures what SDL logs, which SDL then does not write.
 class CaptureLog {
  public:
   CaptureLog() {
@@ -190,7 +190,7 @@ TEST_F(SdlWindowLostTextureTest, IsLoggedAndShutsSdlDown) {
   recorder.refuse("SDL_LockTexture");
   const CaptureLog log;
   showFrame();
-  // SDL's logging takes one line feed off each message and lets its output add its own.
+  // SDL removes one line feed from the end of each message before it calls the output function.
   EXPECT_EQ(log.text, "Could not lock texture: refused by the test");
   EXPECT_EQ(log.category, SDL_LOG_CATEGORY_APPLICATION);
   EXPECT_EQ(log.priority, SDL_LOG_PRIORITY_ERROR);

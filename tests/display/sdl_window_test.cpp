@@ -1,4 +1,4 @@
-// What a window asks of SDL. The windows here belong to no server.
+// The calls that a window makes to SDL. The windows here belong to no server.
 #include "display/sdl_window.hpp"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using Names = std::vector<std::string>;
 
 constexpr std::uint32_t kUndefined = 0x1FFF0000;
 
-// A coordinate as the host passes it.
+// A coordinate as the host passes it: unsigned, in two's complement.
 std::uint32_t coordinate(std::int32_t value) { return static_cast<std::uint32_t>(value); }
 
 struct WindowWish {
@@ -45,7 +45,7 @@ class SdlWindowTest : public DummyVideoTest {
                                                    .fullscreen = wish.fullscreen}));
   }
 
-  // x, y, width, height, flags as SDL gets them; the window may be more than SDL can make.
+  // x, y, width, height and flags as SDL gets them. SDL may fail to make a window of that size.
   Numbers createdWith(const WindowWish& wish) {
     const CaptureStderr failure;
     open(wish);
@@ -68,14 +68,14 @@ class SdlWindowTest : public DummyVideoTest {
     return {arguments[1], arguments[2]};
   }
 
-  // What is written to standard error while a window is made.
+  // What the library prints on standard error while it makes a window.
   std::string saidWhileOpening(const WindowWish& wish = {}) {
     const CaptureStderr said;
     window = open(wish);
     return said.text();
   }
 
-  // The calls from the window's making to its end that belong to its parts.
+  // The recorded calls to `functions`, in order.
   Names callsFor(Names functions) const {
     Names found;
     for (const std::string& name : recorder.order()) {

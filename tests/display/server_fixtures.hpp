@@ -1,4 +1,4 @@
-// A server of the test's own, without a screen.
+// Fixtures that own a server, without a screen.
 #pragma once
 
 #include <cstdint>
@@ -18,14 +18,14 @@ class ServerTest : public DummyVideoTest {
  protected:
   explicit ServerTest(bool threaded) : server(threaded) {}
 
-  // A player whose window is made.
+  // Adds a player and waits until its window has been made.
   std::uint32_t open(const Opening& opening = {}) {
     const std::uint32_t player = addPlayer(server, opening);
     EXPECT_TRUE(hasWindow(server, player));
     return player;
   }
 
-  // Of the window that was made last.
+  // SDL's id of the newest window.
   std::uint32_t lastWindowId() const {
     return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
   }

@@ -7,7 +7,8 @@ namespace framesink::test {
 
 struct ShownFrames::Album {
   std::mutex mutex;
-  std::map<std::int64_t, void* const*> locked;  // where SDL puts a texture's pixels
+  // By texture: where SDL_LockTexture writes the address of the pixels.
+  std::map<std::int64_t, void* const*> locked;
   std::vector<Image> images;
 
   void note(std::int64_t texture, std::int64_t whereThePixelsWillBe) {

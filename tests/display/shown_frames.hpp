@@ -1,4 +1,4 @@
-// The frames that windows draw, taken from the textures on their way to the screen.
+// Records the frames that windows draw, as they stand in the windows' textures.
 #pragma once
 
 #include <functional>
@@ -12,8 +12,8 @@
 
 namespace framesink::test {
 
-// Watches textures of one size, whichever window they belong to. Hooks on to SDL_LockTexture
-// and SDL_UnlockTexture; `duringDrawing` runs between the choice of the buffer and its copying.
+// Records the textures of all windows, which must have one size. Hooks SDL_LockTexture and
+// SDL_UnlockTexture. `duringDrawing` runs after the player chose a buffer and before it copies it.
 class ShownFrames {
  public:
   ShownFrames(
@@ -21,10 +21,10 @@ class ShownFrames {
 
   ~ShownFrames();
 
-  // In the order of drawing, 0x00RRGGBB.
+  // The frames in the order of drawing; their pixels are 0x00RRGGBB.
   std::vector<Image> all() const;
   std::size_t count() const { return all().size(); }
-  Image last() const;  // empty when there was none
+  Image last() const;  // empty if nothing was drawn
 
  private:
   struct Album;

@@ -1,4 +1,4 @@
-// The synchronous server: everything happens in the call. Without a screen.
+// The synchronous server, which does everything inside the host's calls. Without a screen.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 
 class SynchronousSdlServerTest : public SynchronousServerTest {
  protected:
-  // A player that was drawn once, with no event left in SDL's queue.
+  // Adds a player, draws it once, and empties SDL's queue and the recorder.
   std::uint32_t openDrawn(const Opening& opening = {}) {
     const std::uint32_t player = open(opening);
     window = lastWindowId();
@@ -27,7 +27,7 @@ class SynchronousSdlServerTest : public SynchronousServerTest {
     recorder.forget();
     return player;
   }
-  // A drain with nothing to draw.
+  // Drains SDL's events without drawing a frame.
   void drain() { deliver(server, kNoPlayer, plainFrame(kFrameSize, 0)); }
   std::size_t drawings() const { return recorder.count("SDL_LockTexture"); }
 
@@ -54,7 +54,7 @@ TEST_F(SynchronousSdlServerTest, TheFirstPlayerInitialisesSdlOnce) {
 TEST_F(SynchronousSdlServerTest, MakesTheWindowWhenThePlayerIsAdded) {
   addPlayer(server);
   EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
-  EXPECT_EQ(drawings(), 0U) << "the first frame is the first delivered";
+  EXPECT_EQ(drawings(), 0U) << "no frame was delivered yet";
 }
 
 TEST_F(SynchronousSdlServerTest, DoesEverythingOnTheCallersThread) {
@@ -65,7 +65,7 @@ TEST_F(SynchronousSdlServerTest, DoesEverythingOnTheCallersThread) {
     player = addPlayer(server);
     deliver(server, player, noiseFrame(kFrameSize, 1));
     server.closePlayer(player);
-    SDL_TLSCleanup();  // SDL's error text of this thread
+    SDL_TLSCleanup();  // frees SDL's error text of this thread
   }).join();
   ASSERT_EQ(recorder.count("SDL_DestroyWindow"), 1U);
   for (const SdlCall& call : recorder.calls()) EXPECT_EQ(call.thread, caller) << call.function;
@@ -254,7 +254,7 @@ TEST_F(SynchronousSdlServerTest, AnUnknownPlayerYieldsNothingAndNoAction) {
   EXPECT_EQ(recorder.order(), Names{});
 }
 
-// A host thread that only asks must not keep a closed window on the screen for good.
+// A host thread that polls a player must not keep its closed window on the screen.
 TEST_F(SynchronousSdlServerTest, AClosedWindowGoesWithinAFewFramesWhoeverAsksMeanwhile) {
   std::atomic<bool> stop{false};
   std::thread asking([&] {

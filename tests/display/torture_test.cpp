@@ -1,4 +1,4 @@
-// A host at full speed on several windows while their user closes, moves and resizes them.
+// A host shows frames in several windows at full speed while a user closes, moves and resizes them.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -37,8 +37,8 @@ std::vector<std::string> titles() {
   return titles;
 }
 
-// Four threaded windows fed by one host thread and a synchronous one fed by another, so that both
-// servers are in SDL all the time. No recorder here: its bookkeeping would keep the threads apart.
+// One host thread feeds four threaded windows and another a synchronous one, so that both servers
+// call SDL all the time. Uses no SdlRecorder, because its bookkeeping would keep the threads apart.
 class TortureTest : public ManagedXTest {
  protected:
   static SdlServer& serverOf(std::uint32_t index) { return serverFor(index == kThreadedWindows); }
@@ -47,7 +47,7 @@ class TortureTest : public ManagedXTest {
     players[index] =
         addPlayer(serverOf(index), {.title = titleOf(index), .position = {40 + 200 * index, 60}});
   }
-  // A frame for the window, and now and then all that a host may ask.
+  // Delivers a frame to the window, and now and then makes the other calls too.
   void step(std::uint32_t index, std::uint32_t number) {
     SdlServer& display = serverOf(index);
     if (!display.hasOpenPlayer(players[index])) open(index);

@@ -17,13 +17,14 @@
 namespace framesink::test {
 namespace {
 
-// Each test needs a process of its own: the servers are the process's.
+// Each test needs a process of its own, because a process has one server of each kind.
 class TwoServersTest : public DummyVideoTest {
  protected:
   std::uint32_t lastWindowId() const {
     return static_cast<std::uint32_t>(recorder.last("SDL_GetWindowID").result);
   }
-  // One drawn player in each server, the display thread before its next pass, no event waiting.
+  // Draws one player in each server, halts the display thread before its next pass, and empties
+  // SDL's queue and the recorder.
   void openBoth(bool fullscreen = false) {
     threadedPlayer = addPlayer(threadedServer(), {.fullscreen = fullscreen});
     EXPECT_TRUE(hasWindow(threadedServer(), threadedPlayer));
@@ -36,7 +37,7 @@ class TwoServersTest : public DummyVideoTest {
     SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
     recorder.forget();
   }
-  // The synchronous server's.
+  // Makes the synchronous server drain SDL's events.
   void drain() { deliver(synchronousServer(), kNoPlayer, plainFrame(kFrameSize, 0)); }
   Position storedPosition(SdlServer& server, std::uint32_t player) const {
     return server.windowGeometry(player)->position;
@@ -155,7 +156,7 @@ TEST_F(TwoServersTest, EscapeWorksWhicheverDrainTakesIt) {
   ASSERT_TRUE(passes->runPass());
   drain();
   EXPECT_FALSE(synchronousServer().isPlayerFullscreen(synchronousPlayer));
-  SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);  // what leaving full screen brought
+  SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);  // those of leaving full screen
   push(keyEvent(threadedWindow, SDLK_ESCAPE));
   drain();
   ASSERT_TRUE(passes->runPass());
@@ -217,7 +218,7 @@ TEST_F(TwoServersTest, HostCallsOnThreadedPlayersDoNotWaitForTheGate) {
   const Hold pass(recorder, "SDL_RenderPresent");
   deliver(threadedServer(), threadedPlayer, noiseFrame(kFrameSize, 1));
   ASSERT_TRUE(pass.isReached());
-  // All these return although the pass stands.
+  // All these calls return although the display thread is halted inside a pass.
   deliver(threadedServer(), threadedPlayer, noiseFrame(kFrameSize, 2));
   threadedServer().windowGeometry(threadedPlayer);
   threadedServer().isPlayerFullscreen(threadedPlayer);

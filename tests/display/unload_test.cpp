@@ -1,5 +1,5 @@
-// The end of the process, as at the library's unload: the servers' static destructors run. Each end
-// happens in a process of its own, which repeats the test up to there.
+// The end of the process runs the servers' static destructors, as unloading the library does. Each
+// test ends a child process, which runs the same test up to that point.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,19 +24,19 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kHostsStatus = 7;
 
-// ---- What is asked of SDL, without a screen ----
+// ---- Calls to SDL, without a screen ----
 
 SdlRecorder* recorderAtExit = nullptr;
 std::size_t serversAtExit = 0;
 
-// Told on standard error, where the test that started this process finds it.
+// Prints a failure on standard error, which GoogleTest shows for a failed death test.
 void expectAtExit(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "At exit: %s\n", what);
   ::_exit(1);
 }
 
-// Runs after the servers' ends, because it was registered before they were made.
+// Runs after the servers have ended, because it is registered before they are made.
 void checkTheEnd() {
   const Names order = recorderAtExit->order();
   const auto firstQuit = std::find(order.begin(), order.end(), "SDL_Quit");
@@ -57,7 +57,7 @@ class UnloadTest : public DummyVideoTest {
  protected:
   UnloadTest() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
 
-  // Two players in each server, made in this order.
+  // Makes the servers in the given order, adds two players to each, and exits.
   void exitWith(const std::vector<bool>& synchronousFlags) {
     recorderAtExit = &recorder;
     serversAtExit = synchronousFlags.size();
@@ -148,7 +148,7 @@ class ScreenUnloadTest : public BareXTest {
       }
     }
   }
-  // Frames until something ends the process; gives up with a status of its own.
+  // Delivers frames until something ends the process; exits with status 3 if nothing does.
   [[noreturn]] static void playOn(bool synchronous) {
     const auto end = Clock::now() + kDeadline;
     while (Clock::now() < end) deliver(serverFor(synchronous), 0, noiseFrame(kFrameSize, 2));

@@ -1,4 +1,4 @@
-// What a user does to windows under a window manager, and what the servers make of it.
+// What a user does to windows under a window manager, and how the servers react.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -19,7 +19,7 @@ class UserHandsTest : public ManagedXTest, public testing::WithParamInterface<bo
     deliver(display, player, shown);
     EXPECT_TRUE(becomes([&] { return x.isViewable(window); }));
   }
-  // Waits for `holds`; a synchronous server takes its events in the calls on it.
+  // Waits for `holds`, and calls a synchronous server meanwhile: it takes events only in its calls.
   template <class Predicate>
   bool becomes(Predicate holds, std::chrono::milliseconds deadline = kDeadline) {
     return waitUntil(
@@ -38,7 +38,7 @@ class UserHandsTest : public ManagedXTest, public testing::WithParamInterface<bo
   WindowGeometry stored() const { return stored(player); }
   bool isFullscreen() { return x.isFullscreen(window) && display.isPlayerFullscreen(player); }
   bool isWindowed() { return !x.isFullscreen(window) && !display.isPlayerFullscreen(player); }
-  // What the X server says of the window's size.
+  // The window's size according to the X server.
   Size sizeOnScreen() {
     const Geometry place = x.geometry(window);
     return {static_cast<std::uint32_t>(place.width), static_cast<std::uint32_t>(place.height)};
@@ -178,7 +178,7 @@ TEST_P(UserHandsTest, EscapeInAWindowedWindowDoesNothing) {
   open({.windowSize = Size{300, 200}});
   const SdlRecorder recorder;
   ASSERT_TRUE(x.pressKey(window, "Escape"));
-  // Events come in order: once a later resize has arrived, the key has.
+  // Events arrive in order: once the later resize has arrived, the key has arrived too.
   ASSERT_TRUE(x.resize(window, 310, 210));
   ASSERT_TRUE(becomes([&] { return stored().size == Size{310, 210}; }));
   EXPECT_EQ(recorder.count("SDL_SetWindowFullscreen"), 0U);

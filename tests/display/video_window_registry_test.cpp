@@ -1,5 +1,5 @@
-// Records and names, without a screen. Each test needs a process of its own: the servers are the
-// process's.
+// Records and names, without a screen. Each test needs a process of its own, because a process has
+// one server of each kind.
 #include "display/video_window_registry.hpp"
 
 #include <gtest/gtest.h>
@@ -48,7 +48,7 @@ class VideoWindowRegistryTest : public DummyVideoTest {
     EXPECT_TRUE(registry.isVideoWindowOpen(*window));
     return window;
   }
-  // Waits until the threaded server has really closed it.
+  // Waits until the display thread has removed the player from the threaded server.
   static bool awaitClosed(std::uint32_t player) {
     return waitUntil([&] { return !threadedServer().windowGeometry(player); });
   }
@@ -170,7 +170,7 @@ TEST_F(VideoWindowRegistryTest, OfTwoRecordsWithOneNameTheLowerAddressIsFoundFir
     EXPECT_EQ(registry.playerIdOf("one"), 7);
     registry.unregisterVideoWindow("one");
     EXPECT_EQ(registry.findVideoWindow("one"), upper);
-    upper->name = "spent " + std::to_string(pair);  // stays, so that addresses vary
+    upper->name = "spent " + std::to_string(pair);  // kept, so that addresses vary
   }
 }
 
@@ -316,14 +316,15 @@ TEST_F(VideoWindowRegistryTest, ClosingAnUnknownNameDoesNothing) {
   EXPECT_TRUE(registry.isVideoWindowOpen(*window));
 }
 
-// The flag is not asked: both ids are 0, one in each server.
+// The library's own decision: closing by name always addresses the threaded server. Both players
+// have the id 0, each in its own server.
 TEST_F(VideoWindowRegistryTest, ClosingASynchronousWindowAddressesTheThreadedServer) {
   const VideoWindow* threaded = openRecord("threaded");
   openRecord("synchronous", /*synchronous=*/true);
   registry.closeVideoWindow("synchronous");
   EXPECT_EQ(registry.findVideoWindow("synchronous"), nullptr);
-  EXPECT_TRUE(synchronousServer().hasOpenPlayer(0)) << "it stays on screen";
-  EXPECT_FALSE(registry.isVideoWindowOpen(*threaded)) << "the bearer of its id is asked to close";
+  EXPECT_TRUE(synchronousServer().hasOpenPlayer(0)) << "the synchronous window stays on screen";
+  EXPECT_FALSE(registry.isVideoWindowOpen(*threaded)) << "the window of that id closes instead";
 }
 
 TEST_F(VideoWindowRegistryTest, ClosingASynchronousWindowAloneLeavesItOnScreen) {

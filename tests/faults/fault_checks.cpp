@@ -1,5 +1,5 @@
-// What a whole run's calls tell: nothing left behind, nothing used after its end or from another thread,
-// every failure told.
+// Checks all calls of a run: nothing is left behind, nothing is used after its release or on a
+// foreign thread, and every failure is printed.
 #include <algorithm>
 #include <map>
 #include <set>
@@ -11,8 +11,8 @@ namespace {
 
 using Names = std::set<std::string>;
 
-// Something that SDL makes. All but the mutex is used and released by the thread that had it made,
-// and goes with SDL's shut-down.
+// A kind of object that SDL makes. Only the thread that made an object may use and release it, and
+// SDL's shut-down ends it; mutexes are the exception.
 struct Kind {
   const char* made;
   const char* released;
@@ -33,10 +33,10 @@ const Kind kKinds[] = {
     {"SDL_CreateRGBSurfaceFrom", "SDL_FreeSurface", {}},
     {"SDL_CreateMutex", "SDL_DestroyMutex", {"SDL_LockMutex", "SDL_UnlockMutex"}, false}};
 
-// What hosts may ask of a window of the display thread.
+// The functions that host threads may call on the display thread's windows.
 const Names kForAnyThread{"SDL_RaiseWindow", "SDL_SetWindowTitle", "SDL_GetWindowFlags"};
 
-// Those of one kind, while they live.
+// Follows the living objects of one kind.
 class Living {
  public:
   explicit Living(const Kind& kind) : kind_(kind) {}
@@ -62,16 +62,16 @@ class Living {
   void use(const SdlCall& call, std::int64_t thing) const {
     if (thing == 0) return;
     const auto found = threads_.find(thing);
-    if (found == threads_.end()) giveUp(call.function + " of what is not there");
+    if (found == threads_.end()) giveUp(call.function + " of an object that does not exist");
     const bool isForeign = found->second != call.thread && kForAnyThread.count(call.function) == 0;
     if (kind_.isOfOneThread && isForeign) giveUp(call.function + " on another thread");
   }
 
   const Kind& kind_;
-  std::map<std::int64_t, int> threads_;  // that had it made
+  std::map<std::int64_t, int> threads_;  // by object: the thread that made it
 };
 
-// SDL is shut down under windows that are still there only when a texture was lost.
+// SDL may be shut down while windows exist only if a texture was lost.
 void checkLives(const std::vector<SdlCall>& calls) {
   for (const Kind& kind : kKinds) {
     Living living(kind);
@@ -85,7 +85,7 @@ void checkLives(const std::vector<SdlCall>& calls) {
   }
 }
 
-// SDL_Init comes when SDL video is down, and the screen saver's call after each, only then.
+// SDL_Init is called only while SDL video is down, and then followed by SDL_EnableScreenSaver.
 void checkStart(const std::vector<SdlCall>& calls) {
   bool isVideoDown = false;
   std::size_t starts = 0;
@@ -103,7 +103,7 @@ void checkStart(const std::vector<SdlCall>& calls) {
   if (starts != screenSavers) giveUp("SDL_Init without SDL_EnableScreenSaver");
 }
 
-// 1 and 3 ms between passes, 1 ms for a lock, 2 ms for a window, 10 ms for the end.
+// The library rests 1 or 3 ms between passes, 1 ms for a lock, 2 ms for a window, 10 ms to end.
 void checkRests(const std::vector<SdlCall>& calls) {
   static const std::set<std::int64_t> kRests{1, 2, 3, 10};
   for (const SdlCall& call : calls) {
@@ -116,7 +116,7 @@ void checkRests(const std::vector<SdlCall>& calls) {
 
 void checkEnd(const std::vector<SdlCall>& calls) {
   const auto last = std::find_if(calls.rbegin(), calls.rend(), [](const SdlCall& call) {
-    return call.function != "SDL_WaitThread";  // the test's own, to clean up
+    return call.function != "SDL_WaitThread";  // made by the test, to clean up
   });
   if (last->function != "SDL_Quit") giveUp("the last call is " + last->function);
 }

@@ -10,7 +10,7 @@
 namespace framesink::test {
 namespace {
 
-constexpr std::chrono::milliseconds kMostSlept{1000};  // by the clock that SDL_Delay moves
+constexpr std::chrono::milliseconds kMostSlept{1000};  // by the clock that SDL_Delay advances
 constexpr int kGaveUp = 3;
 
 InputDescription describeFrames() {
@@ -27,7 +27,7 @@ InputDescription describeFrames() {
   return description;
 }
 
-// What a renderer has drawn. Right before it is presented, on the thread that presents it.
+// What a renderer has drawn. Call it right before the picture is presented, on the same thread.
 Image drawnBy(std::int64_t renderer) {
   const SDL_Rect frame{0, 0, kFrameSize.width, kFrameSize.height};
   Image image{frame.w, frame.h, {}};
@@ -78,7 +78,7 @@ void* FaultRun::create(const char* name, std::uint8_t fullscreen, std::uint8_t s
                       /*useWindowSize=*/0, kFrameSize.width, kFrameSize.height, 0, 0,
                       synchronous == 2 ? synchronous_ : synchronous);
   });
-  if (block == nullptr || error[0] != '\0') giveUp("libCreate told of an error");
+  if (block == nullptr || error[0] != '\0') giveUp("libCreate reported an error");
   libStart(block, error);
   return block;
 }
@@ -91,7 +91,7 @@ void FaultRun::update(void* block, std::uint32_t seed) {
     libUpdate(block, error, frame.data(), frame.data() + plane, frame.data() + 2 * plane,
               FRAMESINK_CONFIGURED_SIZE, FRAMESINK_CONFIGURED_SIZE);
   });
-  if (error[0] != '\0') giveUp("libUpdate told of an error");
+  if (error[0] != '\0') giveUp("libUpdate reported an error");
 }
 
 void FaultRun::open(const char* name, std::uint8_t fullscreen) {
@@ -119,7 +119,7 @@ void FaultRun::letPass(int passes) {
   }
 }
 
-// SDL numbers its windows from 1; a window whose number SDL does not tell gets no events.
+// SDL numbers its windows from 1. A window whose id SDL fails to return gets no events.
 std::uint32_t FaultRun::lastWindowId() const {
   const auto asked = recorder_.calls("SDL_GetWindowID");
   const std::int64_t id = asked.empty() ? 0 : asked.back().result;
@@ -161,20 +161,20 @@ void FaultRun::renameRaiseAndAsk() {
   letPass();
 }
 
-// The second full screen window takes the first out of full screen; Escape takes out the second.
+// The second full-screen window takes the first out of full screen; Escape takes out the second.
 void FaultRun::goFullscreenAndBack() {
   void* wide = create("wide", 1);
   ask("wide");
   update(wide, 4);
   letPass();
-  void* again = create("wide", 1);  // as it is: stays open
+  void* again = create("wide", 1);  // unchanged: stays open
   void* wider = create("wider", 1);
   ask("wider");
   letPass();
   feed(keyEvent(lastWindowId(), SDLK_ESCAPE));
   letPass();
   expect(recorder_.count("SDL_SetWindowFullscreen") >= 4, "nothing left full screen");
-  void* small = create("wider", 0);  // another one in its place
+  void* small = create("wider", 0);  // windowed: replaced by another
   letPass(2);
   for (void* block : {wide, again, wider, small}) {
     call("libDestroy", [&] { libDestroy(block); });
@@ -211,8 +211,8 @@ void FaultRun::liveThrough() {
   openAgain();
 }
 
-// A threaded server that never got its thread or its lock has no windows for good; the synchronous
-// one still has.
+// A threaded server that failed to make its thread or its lock never has windows; the synchronous
+// server still has.
 void FaultRun::showHealthyFrame() {
   recorder_.suspendRefusals();
   bool isThreadless = false;

@@ -1,4 +1,4 @@
-// One run of a host whose SDL fails on the way, and what it must be like afterwards.
+// One run of a host whose SDL fails on the way, and the checks of that run.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace framesink::test {
 
-// Ends the process, with the reason on standard output.
+// Prints the reason on standard output and ends the process.
 [[noreturn]] void giveUp(const std::string& reason);
 
 class FaultRun {
@@ -20,14 +20,14 @@ class FaultRun {
   FaultRun(SdlRecorder& recorder, bool synchronous)
       : synchronous_(synchronous), recorder_(recorder), clock_(recorder) {}
 
-  // The life of a few windows: opened, drawn, renamed, raised, asked, full screen, closed by the
-  // user, opened again, destroyed.
+  // Takes a few windows through their lives: they are opened, drawn, renamed, raised, queried, made
+  // full screen, closed by the user, opened again and destroyed.
   void liveThrough();
 
-  // SDL works again, and so do we: a new window shows a frame.
+  // Lets SDL work again and requires that a new window shows a frame.
   void showHealthyFrame();
 
-  // Some call was refused.
+  // True if SDL has refused a call.
   bool isFaulty() const;
 
   SdlClock& clock() { return clock_; }
@@ -39,7 +39,8 @@ class FaultRun {
   void closeAsTheUser();
   void openAgain();
 
-  // Each makes calls of the library; none may take a second, by either clock.
+  // Each of these calls the library. No call may take a second, neither by the real clock nor by
+  // the one that SDL_Delay advances.
   template <class Action>
   void call(const char* name, Action action);
   void* create(const char* name, std::uint8_t fullscreen = 0, std::uint8_t synchronous = 2);
@@ -48,13 +49,13 @@ class FaultRun {
   bool isOpen(const char* name);
   void ask(const char* name);
 
-  // Lets the display thread make passes; the synchronous server drains.
+  // Lets the display thread make passes, or the synchronous server drain.
   void letPass(int passes = 1);
 
   std::uint32_t lastWindowId() const;
   void feed(SDL_Event event) { recorder_.feed(event); }
 
-  // The scenario is what it says it is, as long as nothing was refused.
+  // Gives up unless the condition holds or SDL has refused a call.
   void expect(bool holds, const char* what) const;
 
   const bool synchronous_;
@@ -64,10 +65,10 @@ class FaultRun {
   std::uint32_t firstWindow_ = 0;
 };
 
-// What the whole run's calls must be like, once the servers have ended; gives up if they are not.
+// Checks all calls of a run, once the servers have ended; gives up if a check fails.
 void checkCalls(const std::vector<SdlCall>& calls);
 
-// The lines that must have been written to standard error, in no particular order.
+// The lines that the library must have printed on standard error, in no particular order.
 std::vector<std::string> expectedMessages(const std::vector<SdlCall>& calls);
 
 }  // namespace framesink::test

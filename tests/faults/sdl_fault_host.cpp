@@ -1,10 +1,13 @@
-// sdl_fault_host SERVER [FUNCTION FIRST LAST]: a host of the threaded or the synchronous server whose SDL
-// refuses calls number FIRST to LAST of FUNCTION, "any" being all functions counted together (and LAST
-// not read). Without a screen.
+// sdl_fault_host SERVER [FUNCTION FIRST LAST]: a host of the "threaded" or the "synchronous"
+// server, whose SDL refuses the calls number FIRST to LAST of FUNCTION. If FUNCTION is "any", SDL
+// refuses call number FIRST, counted over all functions, and LAST is ignored.
 //
-// Tells on standard output: "point FUNCTION" for each call that could have been refused, "fault
-// FUNCTION" for each that was, "message TEXT" for each line that belongs on standard error, and
-// "stop MILLISECONDS"; "wrong: REASON" at once when something is.
+// Prints on standard output when it ends:
+//   point FUNCTION     for each call that could have been refused
+//   fault FUNCTION     for each call that was refused
+//   message TEXT       for each line that belongs on standard error
+//   stop MILLISECONDS  how long stopping took
+// Prints "wrong: REASON" and ends at once if a check fails.
 #include <unistd.h>
 
 #include <chrono>
@@ -23,10 +26,10 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLongestStop{20};
 
-// Made before anything of the library, and ended last.
+// Constructed before any object of the library, and destroyed last.
 [[gnu::init_priority(101)]] SdlRecorder recorder;
 
-// Made before any server, and so ended after the last.
+// Constructed before any server, so that its destructor runs after both servers have ended.
 class Ending {
  public:
   ~Ending() {
@@ -63,12 +66,12 @@ void refuse(const std::vector<std::string>& arguments) {
 
 int host(const std::vector<std::string>& arguments) {
   if (!recorder.calls().empty()) giveUp("SDL was called at load");
-  // Lives to the end of the process, as the display thread may.
+  // Never deleted, because the display thread may live to the end of the process.
   auto* run = new FaultRun(recorder, arguments.at(0) == "synchronous");
   if (arguments.size() > 1) refuse(arguments);
   run->liveThrough();
   run->showHealthyFrame();
-  // SDL was shut down under its renderers and textures.
+  // SDL was shut down while renderers and textures existed, which therefore leak.
   if (recorder.count("SDL_Quit") != 0) expectLeaks();
   ending.isExpected = true;
   ending.began = Clock::now();

@@ -1,5 +1,5 @@
-// Every call of SDL that can fail does, one after another and for good: hosts never notice.
-// FRAMESINK_FAULT_TABLE=1 prints how many refusals hosts came through, function by function.
+// Each fallible call to SDL fails once, then permanently: hosts never notice.
+// FRAMESINK_FAULT_TABLE=1 prints for each function how many refusals hosts survived.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ using Lines = std::vector<std::string>;
 
 constexpr std::chrono::seconds kLongestRun{30};
 
-// A lock that is never had is waited for without end, on purpose: it fails so many times only.
+// The library's own decision: it retries a failed lock without end. So only this many calls fail.
 constexpr const char* kEndlesslyRetried = "SDL_LockMutex";
 constexpr std::size_t kRetries = 100;
 
@@ -33,7 +33,7 @@ Lines linesOf(const std::string& text) {
   return lines;
 }
 
-// What follows `key` and a blank.
+// The rest of each line that begins with `key` and a blank.
 Lines valuesOf(const std::string& key, const Lines& lines) {
   Lines values;
   for (const std::string& line : lines) {
@@ -47,10 +47,10 @@ Lines sorted(Lines lines) {
   return lines;
 }
 
-// One host, from beginning to end.
+// What one run of a host reported.
 struct Outcome {
-  Lines points;  // the functions of the calls that could have been refused, in their order
-  Lines faults;  // of those that were
+  Lines points;  // functions of the calls that could have been refused, in order
+  Lines faults;  // functions of the calls that were refused
 };
 
 class SdlFaultsTest : public testing::TestWithParam<const char*> {
@@ -60,7 +60,7 @@ class SdlFaultsTest : public testing::TestWithParam<const char*> {
     environment_.push_back("XDG_RUNTIME_DIR=" + folder_.path());
   }
 
-  // Fails the test when the host does not come through.
+  // Runs a host. Fails the test if it hangs, ends badly or prints the wrong messages.
   Outcome run(const Lines& fault = {}) {
     Lines command{SDL_FAULT_HOST, GetParam()};
     command.insert(command.end(), fault.begin(), fault.end());
@@ -136,7 +136,8 @@ TEST_P(SdlFaultsTest, EachFunctionMayFailFromAnyOfItsCallsOn) {
   }
 }
 
-// Windows that somebody could see. What the X server tells, and when, is another thing each time.
+// Windows on an X server, whose events and their times differ from run to run. Runs are therefore
+// not compared with each other.
 class SdlFaultsOnX11Test : public SdlFaultsTest {
  protected:
   SdlFaultsOnX11Test()

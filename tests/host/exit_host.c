@@ -1,5 +1,6 @@
-/* exit_host LIBRARY DISPLAY ENDING: shows two windows and ends in some way, or is ended. Ends with
- * status 7 when all goes well. DISPLAY is threaded, synchronous, both, or closed for no windows. */
+/* exit_host LIBRARY DISPLAY ENDING: shows two windows and then ends, or is ended, as ENDING says.
+ * Its own status is 7 if all goes well. DISPLAY is threaded, synchronous, both, or closed for no
+ * windows. */
 #include <pthread.h>
 #include <signal.h>
 #include <stdatomic.h>
@@ -36,15 +37,14 @@ static void showOnce(uint32_t colour) {
   updateBlock(&library, blocks[1], &frame);
 }
 
-/* ---- Endings that the host chooses
- * --------------------------------------------------------------- */
+/* ---- Endings that the host chooses ---- */
 
 static void leave(void) {
   say("leaving");
   exit(STATUS);
 }
 
-static atomic_int pumped; /* frames */
+static atomic_int pumped; /* frames delivered */
 
 static void* leaveFromThread(void* unused) {
   while (pumped < 10) sleepMilliseconds(1);
@@ -72,7 +72,7 @@ static void leaveWithoutHandlers(void) {
   _exit(STATUS);
 }
 
-/* Ends by SIGABRT, and leaves no core behind. */
+/* Ends by SIGABRT, without a core file. */
 static void throwException(void) {
   const struct rlimit none = {0, 0};
   CHECK(setrlimit(RLIMIT_CORE, &none) == 0);
@@ -80,8 +80,7 @@ static void throwException(void) {
   throwUncaught();
 }
 
-/* ---- Calls from exit handlers
- * -------------------------------------------------------------------- */
+/* ---- Calls from exit handlers ---- */
 
 static void callEverything(void) {
   const InputDescription description = describeFrames();
@@ -111,8 +110,7 @@ static void callEverything(void) {
   say("late calls done");
 }
 
-/* ---- Endings that others choose
- * ------------------------------------------------------------------ */
+/* ---- Endings that others choose ---- */
 
 static volatile sig_atomic_t handled;
 
@@ -134,7 +132,7 @@ static void pumpUntilHandled(void) {
   leave();
 }
 
-/* A child that ends leaves the windows to its parent. */
+/* The end of a forked child must leave the windows to its parent. */
 static void forkAndGoOn(void) {
   const double start = secondsNow();
   const pid_t child = fork();
@@ -143,15 +141,14 @@ static void forkAndGoOn(void) {
   int status = 0;
   CHECK(waitpid(child, &status, 0) == child);
   CHECK(WIFEXITED(status) && WEXITSTATUS(status) == 5);
-  CHECK(secondsNow() - start < 10); /* against the 20 s that unloading may take */
+  CHECK(secondsNow() - start < 10); /* unloading waits up to 20 s; a child does not */
   CHECK(library.isOpen(names[0]) && library.isOpen(names[1]));
   say("forked");
   showUntilClosed(&library, blocks[0], names[0], 0x30C060);
   leave();
 }
 
-/* ---- All together
- * -------------------------------------------------------------------------------- */
+/* ---- All together ---- */
 
 typedef struct Ending {
   const char* name;

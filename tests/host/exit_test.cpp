@@ -1,4 +1,4 @@
-// Hosts that end, or are ended, while windows are open.
+// Hosts that end, or are killed, while windows are open.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -21,7 +21,7 @@ class Exit : public BareXTest, public testing::WithParamInterface<const char*> {
 
   bool hasWindows() { return x.findWindow("exit A") && x.findWindow("exit B"); }
 
-  // With the host's status, right after its decision.
+  // Expects the host's own status soon after its decision to leave, and no window afterwards.
   void leavesAtOnce(HostProcess& host) {
     ASSERT_TRUE(host.says("leaving"));
     EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
@@ -63,7 +63,7 @@ TEST_P(Exit, ByAnUncaughtExceptionIsAnAbort) {
   EXPECT_TRUE(x.waitForNoWindow("exit A"));
 }
 
-// ---- Exit handlers ------------------------------------------------------------------------------
+// ---- Exit handlers ----
 
 TEST_P(Exit, CallsFromAHandlerRegisteredBeforeLoadingFindNothing) {
   HostProcess host("exit_host", {GetParam(), "late-calls-before-load"});
@@ -101,7 +101,7 @@ TEST_F(ExitWithoutWindows, CallsFromAHandlerRegisteredBeforeLoadingFindNothing) 
   EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
-// Even the first window of all may be opened there.
+// Such a handler may even open the first window of the process.
 TEST_F(ExitWithoutWindows, CallsFromALaterHandlerStillWork) {
   HostProcess host("exit_host", {"closed", "late-calls-before-use"});
   EXPECT_TRUE(host.says("late block: made"));
@@ -110,7 +110,7 @@ TEST_F(ExitWithoutWindows, CallsFromALaterHandlerStillWork) {
   EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
-// ---- Forks --------------------------------------------------------------------------------------
+// ---- Forks ----
 
 TEST_P(Exit, ExitOfAForkedChildLeavesTheParentsWindowsAlive) {
   HostProcess host("exit_host", {GetParam(), "fork"});
@@ -122,7 +122,7 @@ TEST_P(Exit, ExitOfAForkedChildLeavesTheParentsWindowsAlive) {
   leavesAtOnce(host);
 }
 
-// ---- Signals ------------------------------------------------------------------------------------
+// ---- Signals ----
 
 class Signal : public BareXTest,
                public testing::WithParamInterface<std::tuple<const char*, int, const char*>> {
@@ -168,7 +168,7 @@ TEST_P(RunsTheHostsHandler, AndNothingElse) {
   EXPECT_TRUE(host.endsWith(kHostsStatus, kAtOnce));
 }
 
-// ---- The X server dies --------------------------------------------------------------------------
+// ---- The X server dies ----
 
 class XServersDeath : public testing::TestWithParam<std::tuple<const char*, const char*>> {};
 
@@ -176,7 +176,7 @@ std::string deathName(const testing::TestParamInfo<XServersDeath::ParamType>& te
   return std::string(std::get<0>(test.param)) + std::get<1>(test.param);
 }
 
-// A synchronous display that is idle has no way to notice.
+// An idle synchronous host is left out: without calls it does not notice the X server's death.
 INSTANTIATE_TEST_SUITE_P(Display, XServersDeath,
                          testing::Values(std::tuple("threaded", "pump"),
                                          std::tuple("threaded", "idle"),
@@ -187,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(Display, XServersDeath,
 TEST_P(XServersDeath, EndsTheHostTheWayOfX) {
   XServer server;
   XClient x(server.display());
-  // Xlib ends the process from inside the library, which leaves everything as it is.
+  // Xlib ends the process from inside the library, which then frees nothing: no leak check.
   HostProcess host("exit_host", {std::get<0>(GetParam()), std::get<1>(GetParam())},
                    {"ASAN_OPTIONS=detect_leaks=0"});
   ASSERT_TRUE(host.says("showing"));

@@ -4,8 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* ---- Checks
- * -------------------------------------------------------------------------------------- */
+/* ---- Checks ---- */
 
 void checkThat(int holds, const char* condition, const char* file, int line) {
   if (holds) return;
@@ -19,10 +18,9 @@ void say(const char* text) {
   fflush(stdout);
 }
 
-/* ---- The library
- * --------------------------------------------------------------------------------- */
+/* ---- The library ---- */
 
-/* C has no conversion from a symbol's address to a function's; the bytes are the same. */
+/* C has no conversion from an object pointer to a function pointer, so this copies the bytes. */
 static void find(const Library* library, const char* name, void* function) {
   void* const address = findSymbol(library->handle, name);
   CHECK(address != NULL);
@@ -57,8 +55,7 @@ const char* libraryText(const Library* library, const char* name) {
   return *text;
 }
 
-/* ---- Frames and blocks
- * --------------------------------------------------------------------------- */
+/* ---- Frames and blocks ---- */
 
 void fillFrame(Frame* frame, uint32_t colour) {
   for (int plane = 0; plane < 3; ++plane) {

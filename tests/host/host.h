@@ -1,4 +1,4 @@
-/* What the hosts of these tests share: the library as they load it, frames, and checks.
+/* What the hosts of these tests share: loading the library, frames and checks.
  *
  * The hosts are written in C and know the library by its header alone. */
 #ifndef HOST_H
@@ -9,34 +9,32 @@
 
 #include "framesink/framesink.h"
 
-/* ---- Checks
- * -------------------------------------------------------------------------------------- */
+/* ---- Checks ---- */
 
-/* Ends the process with status 3, without exit handlers, unless the condition holds. */
+/* Ends the process with status 3, without running exit handlers, unless the condition holds. */
 #define CHECK(condition) checkThat((condition) != 0, #condition, __FILE__, __LINE__)
 void checkThat(int holds, const char* condition, const char* file, int line);
 
-/* Writes a line to standard output at once: the test waits for it. */
+/* Prints a line on standard output and flushes it, because the test waits for it. */
 void say(const char* text);
 
-/* A locale that is not the one of the process's beginning, or the nearest to it. */
+/* A locale other than "C", with which a process starts. */
 #if defined(_WIN32)
 #define HOST_LOCALE "English"
 #else
 #define HOST_LOCALE "C.UTF-8"
 #endif
 
-/* From here to the library, and at the end: host_posix.c and host_windows.c. */
+/* host_posix.c and host_windows.c define these functions and those at the end of this header. */
 void sleepMilliseconds(long milliseconds);
 double secondsNow(void);
 
-/* Tells the loader's complaint on standard error; null then. */
+/* Prints the loader's message on standard error and returns null if loading fails. */
 void* openLibrary(const char* path);
-void* findSymbol(void* handle, const char* name); /* null when there is none */
+void* findSymbol(void* handle, const char* name); /* null if there is none */
 void closeLibrary(void* handle);
 
-/* ---- The library
- * --------------------------------------------------------------------------------- */
+/* ---- The library ---- */
 
 typedef struct Library {
   void* handle;
@@ -55,8 +53,8 @@ typedef struct Library {
 
 Library loadLibrary(const char* path);
 
-/* In a build that looks for leaks: looks now, and not again at the end of the process. What is left
- * behind on purpose can be told from leaks only while the library is there. */
+/* With the leak sanitizer: checks for leaks now instead of at the end of the process. What is left
+ * behind on purpose can be told from leaks only while the library is loaded. */
 void checkForLeaks(void);
 
 void unloadLibrary(Library* library);
@@ -64,8 +62,7 @@ void unloadLibrary(Library* library);
 /* The string that a data export points to. */
 const char* libraryText(const Library* library, const char* name);
 
-/* ---- Frames and blocks
- * --------------------------------------------------------------------------- */
+/* ---- Frames and blocks ---- */
 
 enum { FRAME_WIDTH = 64, FRAME_HEIGHT = 48, FRAME_SAMPLES = FRAME_WIDTH * FRAME_HEIGHT };
 
@@ -73,49 +70,50 @@ typedef struct Frame {
   uint8_t planes[3][FRAME_SAMPLES];
 } Frame;
 
-/* 0x00RRGGBB all over. */
+/* Gives every pixel the colour 0x00RRGGBB. */
 void fillFrame(Frame* frame, uint32_t colour);
 
-/* RGB planes of uint8. */
+/* Describes three uint8 planes of RGB. */
 InputDescription describeFrames(void);
 
 typedef struct WindowRequest {
-  const char* name; /* of window, record and title */
+  const char* name; /* of the record; also the window's title */
   uint32_t x, y;
   uint8_t open;
   uint8_t synchronous;
 } WindowRequest;
 
-/* Creates and starts; checks that no error is reported. */
+/* Creates and starts a block; CHECKs that the library reports no error. */
 void* createBlock(const Library* library, WindowRequest request);
 void updateBlock(const Library* library, void* block, const Frame* frame);
 
 /* Shows `colour` in the block's window until the user closes it. */
 void showUntilClosed(const Library* library, void* block, const char* name, uint32_t colour);
 
-/* ---- This process as the system sees it
- * ---------------------------------------------------------- */
+/* ---- This process as the operating system sees it ---- */
 
 int countThreads(void);
 
-/* None but those counted before, and one that the thread sanitizer keeps for itself. */
+/* True if only the threads counted before are left, and the thread sanitizer's own. */
 int areThreadsGone(int before);
 
 #if defined(_WIN32)
-/* Waits until nobody but the host itself holds that library. Under Wine only: Windows does not tell. */
+/* Waits until only the host holds that library. Under Wine only: Windows has no such count. */
 int isHeldOnce(const char* name);
 #else
-/* The test gives the word to go on by SIGUSR1. Held from before the library is loaded, so that no
- * thread takes it, and waited for. */
+/* The test sends SIGUSR1 when the host shall go on, and awaitSignal() waits for it. Call
+ * holdSignal() before the library is loaded: it blocks the signal, so that no thread takes it. */
 void holdSignal(void);
 void awaitSignal(void);
 
 int countDescriptors(void);
-/* Code of a file whose path holds `part`: a sanitizer may map such a file to read its symbols. */
+/* True if code of a file whose path contains `part` is mapped. Only code counts, because a
+ * sanitizer may map such a file to read its symbols. */
 int isMapped(const char* part);
 #endif
 
-/* "SDL2" and its like: no code of that library is left. Windows may still be about it: waits. */
+/* True if no code of the library is left; `name` is like "SDL2". Waits on Windows, which may still
+ * be unloading it. */
 int isUnloaded(const char* name);
 
 #endif

@@ -36,8 +36,7 @@ double secondsNow(void) {
   return (double)now.tv_sec + (double)now.tv_nsec * 1e-9;
 }
 
-/* ---- The system's loader
- * ------------------------------------------------------------------------- */
+/* ---- The operating system's loader ---- */
 
 void* openLibrary(const char* path) {
   void* const handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
@@ -55,8 +54,7 @@ void checkForLeaks(void) {
   if (__lsan_do_leak_check != NULL) __lsan_do_leak_check();
 }
 
-/* ---- This process as the system sees it
- * ---------------------------------------------------------- */
+/* ---- This process as the operating system sees it ---- */
 
 static int countEntries(const char* path) {
   DIR* const folder = opendir(path);

@@ -5,7 +5,7 @@ namespace {
 
 std::vector<std::string> commandOf(const std::string& program,
                                    const std::vector<std::string>& arguments) {
-#if defined(HOST_RUNNER)  // what runs Windows programs
+#if defined(HOST_RUNNER)  // the command that runs Windows programs
   std::vector<std::string> command{HOST_RUNNER, HOST_FOLDER "/" + program + ".exe",
                                    FRAMESINK_LIBRARY};
 #else
@@ -20,7 +20,7 @@ bool hasReport(const std::string& error) {
          error.find("runtime error:") != std::string::npos;
 }
 
-// Leaks that are left on purpose are named there.
+// The leak sanitizer lists the leaks that it suppressed on standard error, which is no error.
 bool isWorthAWord(const std::string& error) {
   return !error.empty() && error.find("Suppressions used:") == std::string::npos;
 }
@@ -38,7 +38,7 @@ bool HostProcess::hasSaid(const std::string& line) const {
 testing::AssertionResult HostProcess::says(const std::string& line) {
   waitUntil([&] { return hasSaid(line) || !isRunning(); });
   if (hasSaid(line)) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << "has not said \"" << line << "\" but:\n"
+  return testing::AssertionFailure() << "has not printed \"" << line << "\" but:\n"
                                      << output() << error();
 }
 

@@ -1,4 +1,4 @@
-// A host under test: one of the C programs of this folder, and what its end should look like.
+// A host under test, which is one of the C programs of this folder, and checks of how it ends.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace framesink::test {
 
 class HostProcess {
  public:
-  // `program` of this folder, with the library's path as its first argument.
+  // Starts `program` of this folder, with the library's path as its first argument.
   explicit HostProcess(const std::string& program, std::vector<std::string> arguments = {},
                        std::vector<std::string> environment = {});
 
@@ -22,14 +22,14 @@ class HostProcess {
 
   bool hasSaid(const std::string& line) const;
 
-  // Waits until the host has written that line.
+  // Waits until the host has printed that line.
   testing::AssertionResult says(const std::string& line);
 
-  // Waits for the end: that status, by itself, without a word from a sanitizer. Nothing else may
-  // have been written to standard error either.
+  // Waits until the host ends by itself with that status. Nothing may have been printed on standard
+  // error, by a sanitizer or by anything else.
   testing::AssertionResult endsWith(int status, std::chrono::milliseconds deadline = kDeadline);
 
-  // The same for an end during which something is written to standard error.
+  // Like endsWith(), but only a sanitizer's report on standard error counts as a failure.
   testing::AssertionResult endsNoisilyWith(int status, std::chrono::milliseconds deadline);
 
   testing::AssertionResult endsBySignal(int signal, std::chrono::milliseconds deadline);

@@ -11,7 +11,7 @@
 
 enum { PATIENCE = 10000 }; /* milliseconds */
 
-/* Lines end as everywhere else: the test reads them. */
+/* The test expects lines to end with a line feed only. */
 __attribute__((constructor)) static void writePlainLines(void) {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
@@ -26,7 +26,7 @@ double secondsNow(void) {
   return (double)ticks.QuadPart / (double)frequency.QuadPart;
 }
 
-/* In full and with backslashes, or Windows would not look for the other DLLs beside this one. */
+/* Windows looks for the other DLLs beside this one only if the path is full and has backslashes. */
 void* openLibrary(const char* path) {
   char fullPath[MAX_PATH];
   CHECK(GetFullPathNameA(path, sizeof fullPath, fullPath, NULL) < sizeof fullPath);
@@ -43,10 +43,9 @@ void closeLibrary(void* handle) { CHECK(FreeLibrary(handle)); }
 
 void checkForLeaks(void) {}
 
-/* ---- This process as the system sees it
- * ---------------------------------------------------------- */
+/* ---- This process as the operating system sees it ---- */
 
-/* The headers lack it. */
+/* The headers lack this declaration. */
 HRESULT WINAPI GetThreadDescription(HANDLE thread, PWSTR* description);
 
 static int isDisplayThread(DWORD number) {
@@ -60,7 +59,7 @@ static int isDisplayThread(DWORD number) {
   return is;
 }
 
-/* The system keeps threads of its own in a process: only the display's are counted. */
+/* Counts display threads only, because Windows keeps threads of its own in a process. */
 int countThreads(void) {
   THREADENTRY32 entry = {.dwSize = sizeof entry};
   const HANDLE all = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
@@ -73,7 +72,7 @@ int countThreads(void) {
   return count;
 }
 
-/* A thread's last steps come after the library's unloading. */
+/* Waits, because a thread's last steps come after the library has been unloaded. */
 int areThreadsGone(int before) {
   for (int i = 0; i < PATIENCE && countThreads() != before; ++i) Sleep(1);
   return countThreads() == before;
@@ -84,10 +83,11 @@ int isUnloaded(const char* name) {
   return GetModuleHandleA(name) == NULL;
 }
 
-/* The compiler takes the thread's own segment, from which NtCurrentTeb reads, for a null pointer. */
+/* GCC takes the thread's own segment, from which NtCurrentTeb reads, for a null pointer. */
 #pragma GCC diagnostic ignored "-Warray-bounds"
 
-/* The loader's own record of a library; the count stands behind what winternl.h tells of it. */
+/* Reads the loader's own record of a library. The count lies behind the fields that winternl.h
+ * declares. */
 static int loadCount(const char* name) {
   enum { COUNT_AT = 0x6C };
   const HMODULE module = GetModuleHandleA(name);

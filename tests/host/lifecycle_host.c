@@ -1,5 +1,5 @@
 /* lifecycle_host LIBRARY: the whole life of two blocks and their windows, threaded and synchronous.
- * The user closes each window once, when the test has looked at it. */
+ * The test closes each window once as a user would, after it has looked at it. */
 #include <locale.h>
 #include <string.h>
 
@@ -42,7 +42,7 @@ static int isClosed(const Library* library, const char* name) {
   return hasPosSize(library, name, minusTwo) && !library->isOpen(name);
 }
 
-/* A run: frames until the user closes the window, one more frame, the end. */
+/* One run: shows frames until the user closes the window, delivers one more, and ends. */
 static void run(const Library* library, void* block, const char* name) {
   const PosSize place = {{100, 120}, {FRAME_WIDTH, FRAME_HEIGHT}};
   CHECK(library->isOpen(name));
@@ -58,7 +58,7 @@ static void run(const Library* library, void* block, const char* name) {
   CHECK(isClosed(library, name));
 }
 
-/* The window opens again by name and outlives the block. */
+/* Opens the window again by name; it must then outlive the block. */
 static void reopen(const Library* library, void* block, const char* name) {
   const uint32_t position[2] = {300, 200};
   const uint32_t size[2] = {222, 111};

@@ -1,4 +1,4 @@
-// Hosts that live a whole life with the library.
+// Hosts that load, use and unload the library.
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
@@ -56,11 +56,11 @@ TEST_F(Hosts, MayUseSdlThemselves) {
   EXPECT_TRUE(host.endsWith(0));
 }
 
-// ---- A host's own media library -----------------------------------------------------------------
+// ---- A host's own media library ----
 
 class HostsOwnRanges : public Hosts {
  protected:
-  // 8 x 6 samples of the value in the middle of 16 x 12.
+  // Expects 8 x 6 pixels of that grey in the middle of a black frame of 16 x 12.
   void showsValueAs(const char* value, std::uint32_t grey, std::vector<std::string> environment) {
     HostProcess host("ranges_host", {value}, std::move(environment));
     Image expected{16, 12, std::vector<std::uint32_t>(16 * 12, 0)};
@@ -80,12 +80,12 @@ TEST_F(HostsOwnRanges, TheOnesBuiltWithApply) {
   showsValueAs("0.6", oracle::scaleTo8Bit(1, &sample), {});
 }
 
-// Singles range from 10 to 20 in that one.
+// In the other pixkit, singles range from 10 to 20.
 TEST_F(HostsOwnRanges, AnotherPixkitChangesThePictureWithoutARebuild) {
   showsValueAs("15", 128, {"LD_LIBRARY_PATH=" OTHER_PIXKIT_FOLDER});
 }
 
-// ---- Loading and unloading ----------------------------------------------------------------------
+// ---- Loading and unloading ----
 
 class RepeatedLoading : public Hosts {
  protected:
@@ -96,11 +96,10 @@ class RepeatedLoading : public Hosts {
                                                      static_cast<std::int16_t>(row)));
   }
 
-  // Many, for the second half is measured, and now and then the heap takes more at once.
+  // Many, because only the second half is measured and the heap sometimes grows in large steps.
   const std::string cycles = environmentVariable("FRAMESINK_LOAD_CYCLES").value_or("100");
   const std::chrono::seconds deadline{50 + std::stoi(cycles)};
-  // Leaks are not looked for: the thread that is never joined leaves SDL's small record behind in
-  // each cycle.
+  // No leak check: in each cycle SDL keeps a small record of the thread, which is never joined.
   const std::vector<std::string> environment{"ASAN_OPTIONS=detect_leaks=0:fast_unwind_on_malloc=1"};
 };
 
@@ -112,7 +111,7 @@ TEST_F(RepeatedLoading, IsHarmlessWhileAUserIsAtTheWindows) {
   int deeds = 0;
   const auto end = std::chrono::steady_clock::now() + deadline;
   while (host.isRunning() && std::chrono::steady_clock::now() < end) {
-    std::this_thread::sleep_for(1ms);  // nobody is quicker
+    std::this_thread::sleep_for(1ms);  // faster than any user
     const auto window = x.findWindow(deeds % 2 == 0 ? "cycle A" : "cycle B");
     if (!window) continue;
     if (deeds % 8 == 0) x.closeButton(*window);

@@ -1,7 +1,6 @@
-/* load_cycles_host LIBRARY CYCLES WINDOWS measured|unmeasured SECONDS: loads and unloads the library
- * again and again, each time with so many windows, while a user may be at them; an unloading may
- * take so many seconds. Prints how long that took, and what each cycle leaves in memory or, where
- * memory is not measured, each cycle's end. */
+/* load_cycles_host LIBRARY CYCLES WINDOWS measured|unmeasured SECONDS: loads and unloads the library CYCLES
+ * times, each time with WINDOWS windows, which a user may move or close meanwhile. Fails if one unloading takes
+ * longer than SECONDS. Prints how long each took and, if measured, how much memory each cycle leaves in use. */
 #define _GNU_SOURCE
 #include <malloc.h>
 #include <pthread.h>
@@ -19,19 +18,19 @@
 #endif
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
     HAS_FEATURE(address_sanitizer) || HAS_FEATURE(thread_sanitizer)
-/* Sanitizers keep records of every load and thread for ever: about 80 KB for loading and unloading
- * alone. What the library itself leaves cannot be told from that. */
+/* Sanitizers keep records of every load and thread: about 80 KB for loading and unloading alone.
+ * What the library itself leaves cannot be told from those. */
 enum { MEASURES_MEMORY = 0 };
 #else
 enum { MEASURES_MEMORY = 1 };
 #endif
 
-/* A size that nothing else has, so that the stacks of threads can be told from other memory. */
+/* No other memory has this size, so that the stacks of threads can be recognised by it. */
 static const size_t kStackBytes = 3 * 1024 * 1024 + 5 * 4096;
 
 typedef struct Memory {
   long stacks; /* resident bytes in the stacks of threads that have ended */
-  long other;  /* resident bytes in all else */
+  long other;  /* all other resident bytes */
 } Memory;
 
 static Memory measureMemory(void) {
@@ -52,8 +51,7 @@ static Memory measureMemory(void) {
   return memory;
 }
 
-/* ---- One cycle
- * ------------------------------------------------------------------------------------ */
+/* ---- One cycle ---- */
 
 enum { MOST_WINDOWS = 8 };
 static const char* const names[MOST_WINDOWS] = {"cycle A", "cycle B", "cycle C", "cycle D",
@@ -64,14 +62,14 @@ typedef struct Windows {
   void* blocks[MOST_WINDOWS];
 } Windows;
 
-/* Blocks of one display, of the other, and of both, either one first; each display shuts SDL down
- * in its own way. */
+/* The cycles use one server, the other, and both in either order, because each server shuts SDL
+ * down in its own way. */
 static uint8_t isSynchronous(int cycle, int window) {
   static const uint8_t flags[4][2] = {{0, 0}, {1, 1}, {0, 1}, {1, 0}};
   return flags[cycle % 4][window % 2];
 }
 
-/* Without windows there is still one block, which nobody sees. */
+/* Without windows there is still one block, whose window stays closed. */
 static Windows createBlocks(const Library* library, int count, int cycle) {
   Windows windows = {.count = count};
   for (int i = 0; i < count || i == 0; ++i) {
@@ -99,7 +97,8 @@ static int howManyToClose(int cycle, int count) {
   return choice < count ? choice : count;
 }
 
-/* Every other time the windows may still be in the making when the library goes. */
+/* Waits for the windows in cycles 0 to 11 of every 24. In the others they may still be in the
+ * making when the library is unloaded. */
 static void play(const Library* library, int cycle, int count) {
   Windows windows = createBlocks(library, count, cycle);
   showFrames(library, &windows);
@@ -111,7 +110,7 @@ static void play(const Library* library, int cycle, int count) {
   for (int i = 0; i < count || i == 0; ++i) library->destroy(windows.blocks[i]);
 }
 
-/* 0 to 10 ms: the display thread may be anywhere in its pass. */
+/* Rests 0 to 10 ms, so that the display thread may be anywhere in its pass. */
 static void restAWhile(void) {
   const struct timespec rest = {0, rand() % 10001 * 1000L};
   nanosleep(&rest, NULL);
@@ -134,8 +133,7 @@ static double runCycle(const char* path, int cycle, int windows, int threads, do
   return seconds;
 }
 
-/* ---- All cycles
- * ----------------------------------------------------------------------------------- */
+/* ---- All cycles ---- */
 
 static void setStackSize(void) {
   pthread_attr_t attributes;
@@ -145,14 +143,14 @@ static void setStackSize(void) {
   pthread_attr_destroy(&attributes);
 }
 
-/* Written at once, so that a host that is ended by force leaves behind how far it came. */
+/* Flushes each line, so that a host that is ended by force has reported every finished cycle. */
 static void reportCycle(int cycle, double unloading, double sinceStart) {
   printf("cycle %d ended after %.1f s, unloading took %.0f ms\n", cycle, sinceStart,
          unloading * 1e3);
   fflush(stdout);
 }
 
-/* Cycles without windows start no thread. */
+/* Cycles without windows start no thread, so they must leave no stack behind. */
 static void limitGrowth(Memory begin, Memory end, long cycles, int windows) {
   const long other = (end.other - begin.other) / cycles;
   const long stacks = (end.stacks - begin.stacks) / cycles;
@@ -162,7 +160,7 @@ static void limitGrowth(Memory begin, Memory end, long cycles, int windows) {
   }
   printf("%ld bytes a cycle, and %ld in stacks of ended threads\n", other, stacks);
   CHECK(other < 4096);
-  /* The thread is never joined, so the C library keeps its record of it, at the stack's top. */
+  /* The thread is never joined, so the C library keeps its record of it at the top of the stack. */
   CHECK((end.stacks > 0) == (windows != 0));
   CHECK(stacks <= 8192);
 }

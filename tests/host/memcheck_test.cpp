@@ -1,4 +1,4 @@
-// Hosts under valgrind's memcheck, which also knows what ran in a library that is gone.
+// Hosts under valgrind's memcheck, which also names functions of a library that was unloaded.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -29,7 +29,7 @@ std::string stacksOf(const ChildProcess& host) {
 
 class Memcheck : public BareXTest {
  protected:
-  // SDL's D-Bus code forks; what a fork leaves behind is nobody's.
+  // Ignores forked children: SDL's D-Bus code forks, and what such a child leaves does not matter.
   static void findsNothing(const std::string& program, const std::vector<std::string>& arguments,
                            int hostsStatus) {
     std::vector<std::string> command{"valgrind",
@@ -53,7 +53,7 @@ class Memcheck : public BareXTest {
   }
 };
 
-// Every choice of servers, with all windows, one and none closed before the end.
+// The 12 cycles cover every choice of servers, each with all windows, one and none closed.
 TEST_F(Memcheck, FindsNothingWhereAHostLoadsAndUnloads) {
   findsNothing("load_cycles_host", {"12", "2", "unmeasured", kLongestUnloading}, 0);
 }

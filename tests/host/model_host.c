@@ -1,6 +1,6 @@
-/* model_host LIBRARY: a model that does not care whether anybody can see it. Shows three windows and
- * prints what they answer. Told to go on by SIGUSR1 it closes two and unloads the library; told
- * again, it ends. */
+/* model_host LIBRARY: a model that runs whether or not its windows can be seen. Shows three windows
+ * and prints their state. At the first SIGUSR1 it closes two of them and unloads the library; at
+ * the second it ends. */
 #include <stdio.h>
 
 #include "host.h"
@@ -11,7 +11,7 @@ static const char* const names[WINDOWS] = {"model A", "model B", "model C"};
 static Library library;
 static void* blocks[WINDOWS];
 
-/* The second one is synchronous. */
+/* The second window is synchronous. */
 static void openWindows(void) {
   for (int i = 0; i < WINDOWS; ++i) {
     const uint32_t x = 100 + 200 * (uint32_t)i;
@@ -21,7 +21,7 @@ static void openWindows(void) {
 
 static double step(double state) { return 3.75 * state * (1 - state); }
 
-/* The logistic map; its result is known. */
+/* The logistic map. Showing frames must not change its result. */
 static double runModel(uint32_t colour) {
   double state = 0.5;
   Frame frame;
@@ -48,7 +48,7 @@ static void printAnswers(void) {
   }
 }
 
-/* Raises, and renames. */
+/* Creating a window that is open raises it. */
 static void useWindows(void) {
   const uint32_t pair[2] = {10, 10};
   for (int i = 0; i < WINDOWS; ++i) {
@@ -57,7 +57,7 @@ static void useWindows(void) {
   }
 }
 
-/* The third one is left to the library's end. */
+/* The third window stays open until the library is unloaded. */
 static void closeWindows(void) {
   for (int i = 0; i < WINDOWS; ++i) {
     library.terminate(blocks[i]);
@@ -68,7 +68,7 @@ static void closeWindows(void) {
   }
 }
 
-/* Where the library cannot be unloaded safely, loading it again finds it as it was. */
+/* A library that cannot be unloaded safely stays; loading it again finds it unchanged. */
 static void loadAgainWhereItStays(const char* path) {
   if (!isMapped("libframesink")) return;
   library = loadLibrary(path);

@@ -1,6 +1,6 @@
-/* own_sdl_host LIBRARY CYCLES: a host that uses SDL for a window of its own. With 0 cycles both
- * windows stay until the user closes the library's; otherwise the host starts SDL, loads and unloads
- * so many times. */
+/* own_sdl_host LIBRARY CYCLES: a host that uses SDL for a window of its own. If CYCLES is 0, both
+ * windows stay until the user closes the library's. Otherwise the host, CYCLES times,
+ * starts SDL, loads the library and unloads it. */
 #include <SDL.h>
 #include <stdlib.h>
 
@@ -18,7 +18,8 @@ static SDL_Window* openOwnWindow(void) {
   return window;
 }
 
-/* The library shuts SDL down for the whole process when it goes. The host may start it again. */
+/* The library's own decision: its unloading shuts SDL down for the whole process. The host may
+ * start SDL again. */
 static void unloadAndCheck(Library* library) {
   const double start = secondsNow();
   unloadLibrary(library);
@@ -43,7 +44,7 @@ static void showUntilTheUserCloses(const char* path) {
   unloadAndCheck(&library);
 }
 
-/* The guest's window is threaded, or synchronous, or never opened. */
+/* In turn, the library's window is never opened, synchronous and threaded. */
 static void runCycle(const char* path, int cycle) {
   SDL_Window* const own = openOwnWindow();
   Library library = loadLibrary(path);
@@ -54,7 +55,7 @@ static void runCycle(const char* path, int cycle) {
   for (int i = 0; i < 5; ++i) updateBlock(&library, block, &frame);
   library.destroy(block);
   if (cycle % 3 == 0) {
-    /* No window, no server: SDL stays the host's. */
+    /* Without a window the library makes no server, and does not shut SDL down. */
     unloadLibrary(&library);
     CHECK(SDL_WasInit(SDL_INIT_VIDEO) != 0);
     SDL_DestroyWindow(own);

@@ -1,4 +1,4 @@
-// The same host on every window system there is, and on none.
+// The same host on every window system, and on none.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -21,7 +21,7 @@ using Environment = std::vector<std::string>;
 constexpr int kFramePixels = 64 * 48;
 constexpr std::uint32_t kLastColour = 0xFF00FF;
 
-// OpenGL keeps memory for the life of the process, and allocates more often than can be traced.
+// OpenGL keeps memory for the life of the process, and allocates too often for full stack traces.
 constexpr const char* kWithOpenGl = "ASAN_OPTIONS=detect_leaks=0:fast_unwind_on_malloc=1";
 
 class ModelHost {
@@ -34,7 +34,8 @@ class ModelHost {
     return result;
   }
 
-  // Every window open, of the size of its frames and, where nobody places windows, as asked for.
+  // Expects every window to be open, in its frames' size and at the requested place. For use where
+  // no window manager places windows.
   void answersAsAskedFor() {
     for (const char* line :
          {"model A: open, 64 x 48 at 100, 120", "model B: open, 64 x 48 at 300, 120",
@@ -50,7 +51,7 @@ class ModelHost {
     }
   }
 
-  // The host closes windows and unloads; says what became of the library.
+  // Lets the host close windows and unload the library, and waits until it prints `outcome`.
   testing::AssertionResult unloads(const std::string& outcome) {
     goOn();
     return host_.says(outcome);
@@ -81,7 +82,7 @@ int countOf(const std::string& part, const std::string& text) {
   return count;
 }
 
-// ---- X11 ----------------------------------------------------------------------------------------
+// ---- X11 ----
 
 class OnBareX : public BareXTest {};
 
@@ -112,7 +113,7 @@ TEST_F(OnBareX, TheLibraryStaysLoadedWhereTheUserChoosesOpenGl) {
   }
 }
 
-// ---- Wayland ------------------------------------------------------------------------------------
+// ---- Wayland ----
 
 class OnWayland : public BareXTest {
  protected:
@@ -130,7 +131,7 @@ class OnWayland : public BareXTest {
   WaylandServer wayland{server};
 };
 
-// The compositor places the windows as it likes; at least one is in nobody's way.
+// The compositor places the windows as it likes, so only one whole window is certain to be visible.
 TEST_F(OnWayland, FramesAreShown) {
   ModelHost model(environment());
   ASSERT_TRUE(model.hasRun());
@@ -148,8 +149,8 @@ TEST_F(OnWayland, TheLibraryStaysLoadedAndItsWindowsOpen) {
   EXPECT_TRUE(waitUntil([&] { return pixelsOf(kLastColour) == 0; }));
 }
 
-// The display thread draws with what OpenGL's driver has of static objects. It lost them to exit() in
-// every third run once, so ten of each.
+// The display thread draws with static objects of OpenGL's driver, which exit() must not destroy
+// first. That used to happen in every third run, so each case runs ten times.
 class ExitOnWayland : public OnWayland, public testing::WithParamInterface<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Display, ExitOnWayland, testing::Values("threaded", "synchronous", "both"),
                          paramName);
@@ -171,7 +172,7 @@ TEST_F(OnBareX, ExitReturnsTheHostsStatusWhereTheUserChoosesOpenGl) {
   }
 }
 
-// ---- Drivers that show nothing ------------------------------------------------------------------
+// ---- Drivers that show nothing ----
 
 class OnADriver : public testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(OfSdl, OnADriver, testing::Values("dummy", "offscreen"), paramName);
@@ -184,9 +185,9 @@ TEST_P(OnADriver, TheModelRunsAndWindowsAnswer) {
   EXPECT_TRUE(model.endsQuietly());
 }
 
-// ---- No display ---------------------------------------------------------------------------------
+// ---- No display ----
 
-// Each of the two servers tries SDL once, each window is tried once; frames cost no word.
+// Each server tries to start SDL once, and each window is tried once. Frames print nothing.
 TEST(OnNoDisplay, TheModelRunsAndWindowsAnswerAllTheSame) {
   ModelHost model({"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER=x11"});
   ASSERT_TRUE(model.hasRun());

@@ -1,5 +1,5 @@
-/* ranges_host LIBRARY VALUE: shows a small frame of that value, a single, centred in a larger one
- * until the user closes the window. */
+/* ranges_host LIBRARY VALUE: shows a small frame, whose samples are singles of that value, centred
+ * in a larger one until the user closes the window. */
 #include <stdlib.h>
 
 #include "host.h"

@@ -1,5 +1,5 @@
-/* stuck_host LIBRARY DEED: opens windows A and B. Told to go on by SIGUSR1, it asks for window C,
- * which cannot be made now; told again, it does the deed. Ends with status 7 when all goes well. */
+/* stuck_host LIBRARY DEED: opens windows A and B. At the first SIGUSR1 it requests window C, which
+ * cannot be made then; at the second it does the deed. Ends with status 7 if all goes well. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -12,8 +12,7 @@ static const char* const names[WINDOWS] = {"stuck A", "stuck B", "stuck C"};
 static Library library;
 static void* blocks[WINDOWS];
 
-/* ---- Set-up
- * --------------------------------------------------------------------------------------- */
+/* ---- Set-up ---- */
 
 static void* openWindow(int index) {
   const uint32_t x = 100 + 200 * (uint32_t)index;
@@ -32,8 +31,7 @@ static void showOnce(uint32_t colour) {
   for (int i = 0; i < WINDOWS; ++i) updateBlock(&library, blocks[i], &frame);
 }
 
-/* ---- Calls that do not wait
- * ----------------------------------------------------------------------- */
+/* ---- Calls that do not wait ---- */
 
 #define AT_ONCE(call)                  \
   do {                                 \
@@ -61,8 +59,7 @@ static void callWhatDoesNotWait(void) {
   awaitSignal();
 }
 
-/* ---- Calls that wait for the window, or for the display pass that makes it
- * ------------------------- */
+/* ---- Calls that wait for the window, or for the display pass that makes it ---- */
 
 static void askForItsPlace(void) { awaitWindow(2); }
 
@@ -73,7 +70,7 @@ static void openItAgain(void) {
 
 static void renameIt(void) { library.rename(names[2], names[2], "stuck C renamed"); }
 
-/* Xlib lets nobody at the connection while SDL waits for the window to be shown. */
+/* Xlib keeps its connection locked while SDL waits for the window to be shown. */
 static void raiseAnother(void) {
   const uint32_t pair[2] = {100, 100};
   library.createWindow(names[0], 0, pair, pair, 0);
@@ -85,8 +82,7 @@ static void openAnother(void) {
   library.destroy(createBlock(&library, (WindowRequest){"stuck D", 100, 300, 1, 0}));
 }
 
-/* ---- Ends
- * ----------------------------------------------------------------------------------------- */
+/* ---- Ends ---- */
 
 static void unload(void) {
   const double start = secondsNow();
@@ -101,8 +97,7 @@ static void unload(void) {
 
 static void leave(void) { exit(STATUS); }
 
-/* ---- All together
- * --------------------------------------------------------------------------------- */
+/* ---- All together ---- */
 
 typedef struct Deed {
   const char* name;

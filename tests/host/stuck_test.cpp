@@ -17,10 +17,10 @@ using namespace std::chrono_literals;
 
 constexpr int kHostsStatus = 7;
 
-// A display of the test's own, because its window manager is stopped.
+// Each test has a display of its own, because it stops that display's window manager.
 class Stuck : public testing::Test {
  protected:
-  // Xlib's and SDL's own memory is left as it is when the display thread is stuck.
+  // No leak check: when the display thread is stuck, the library leaves Xlib's and SDL's memory.
   HostProcess start(const std::string& deed) {
     return HostProcess("stuck_host", {deed}, {"ASAN_OPTIONS=detect_leaks=0"});
   }
@@ -32,7 +32,7 @@ class Stuck : public testing::Test {
     manager.hang();
   }
 
-  // SDL gives the window its title before it waits for it to be shown.
+  // SDL sets the title before it waits until the window is shown, so window C can be found.
   void untilStuck(HostProcess& host) {
     hangManager(host);
     host.process().signal(SIGUSR1);
@@ -93,7 +93,7 @@ TEST_P(StuckCall, WaitsUntilTheWindowManagerAnswers) {
   EXPECT_TRUE(host.endsWith(kHostsStatus));
 }
 
-// ---- The end, after 20 s ------------------------------------------------------------------------
+// ---- The end, after 20 s ----
 
 using StuckForLong = Stuck;
 

@@ -1,5 +1,5 @@
-/* torture_host LIBRARY SECONDS: frames at full speed for four windows; whatever the user closes is
- * opened again. */
+/* torture_host LIBRARY SECONDS: shows frames in four windows at full speed, and opens again what
+ * the user closes. */
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -8,7 +8,7 @@
 enum { WINDOWS = 4 };
 static const char* const names[WINDOWS] = {"torture 0", "torture 1", "torture 2", "torture 3"};
 
-/* All that a host's user interface may do. */
+/* Makes every call that a host's user interface may make. */
 static void useWindow(const Library* library, int index, uint32_t number) {
   const uint32_t position[2] = {40 + 300 * (uint32_t)index, 60};
   const uint32_t size[2] = {200, 150};

@@ -1,4 +1,4 @@
-// A host at full speed while its user closes, moves and resizes the windows.
+// A host shows frames at full speed while a user closes, moves and resizes its windows.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -23,7 +23,7 @@ TEST_F(Torture, LeavesTheHostUnharmed) {
   const RestlessUser user(server.display(), {"torture 0", "torture 1", "torture 2", "torture 3"},
                           {.deeds = {Deed::kClose, Deed::kRaise, Deed::kMaximise, Deed::kIconify,
                                      Deed::kResize, Deed::kResize, Deed::kMove, Deed::kMove},
-                           .pace = 5ms});  // a window manager has to keep up
+                           .pace = 5ms});  // as fast as a window manager can follow
   EXPECT_TRUE(host.endsWith(0, std::chrono::seconds(std::stoi(seconds)) + kDeadline));
   EXPECT_GT(user.deeds(), 0);
   RecordProperty("frames", host.output());

@@ -1,4 +1,4 @@
-/* What a host in C cannot do itself. */
+/* Lets a host in C throw an exception. */
 #ifndef UNCAUGHT_H
 #define UNCAUGHT_H
 

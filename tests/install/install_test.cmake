@@ -7,11 +7,11 @@ function(run)
   set(out "${out}" PARENT_SCOPE)
 endfunction()
 
-# Both load the library by the paths they were linked with, and no other.
+# Without LD_LIBRARY_PATH, the program finds the library only by the path it was linked with.
 function(expect_version program)
   run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH SDL_VIDEODRIVER=dummy ${program})
   if(NOT out STREQUAL "framesink ${VERSION}, no error, window open: 1\n")
-    message(FATAL_ERROR "${program} said: ${out}")
+    message(FATAL_ERROR "${program} printed: ${out}")
   endif()
 endfunction()
 
@@ -32,7 +32,7 @@ get_filename_component(pc_folder ${pc} DIRECTORY)
 get_filename_component(lib_folder ${pc_folder} DIRECTORY)
 run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_folder} pkg-config --modversion framesink)
 if(NOT out STREQUAL "${VERSION}\n")
-  message(FATAL_ERROR "pkg-config tells version ${out}")
+  message(FATAL_ERROR "pkg-config reports version ${out}")
 endif()
 run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_folder} pkg-config --cflags --libs framesink)
 separate_arguments(flags UNIX_COMMAND "${out}")

@@ -18,8 +18,8 @@ constexpr std::chrono::seconds kLongestPass{20};
 std::mutex mutex;
 std::condition_variable changed;
 bool active = false;
-bool halted = false;   // the display thread is between two passes
-bool mayPass = false;  // ... but not for long
+bool halted = false;   // the display thread stands between two passes
+bool mayPass = false;  // the display thread may go on for one pass
 OsThreadId host = 0;
 
 bool isActive() {
@@ -70,7 +70,8 @@ extern "C" {
 void __real_SDL_Delay(Uint32 milliseconds);
 void __wrap_SDL_Delay(Uint32 milliseconds);
 
-// Who waits inside the gate waits for SDL, in the middle of a pass.
+// A wait inside the gate is part of a pass and returns at once. Where the host waits, one pass
+// runs. Where the display thread waits between passes, it halts.
 void __wrap_SDL_Delay(Uint32 milliseconds) {
   using namespace framesink;
   if (!test::isActive()) return __real_SDL_Delay(milliseconds);

@@ -1,13 +1,14 @@
-// Lets a threaded server's display thread make one pass at a time, at once: waiting costs a switch
-// of threads instead of milliseconds, and no pass comes unasked.
+// Lets a threaded server's display thread make single passes, and only on request. A wait costs a
+// switch of threads instead of milliseconds.
 //
-// For programs that are linked with --wrap=SDL_Delay.
+// The program must be linked with --wrap=SDL_Delay.
 #pragma once
 
 namespace framesink::test {
 
-// While one lives the display thread halts where it would wait between two passes. Where the thread
-// that made this would wait, one pass is made instead. The display thread must be running.
+// While a LockStep exists, the display thread halts where it would wait between two passes. Where
+// the thread that constructed it would wait, one pass runs instead. The display thread must be
+// running.
 class LockStep {
  public:
   LockStep();
@@ -15,7 +16,7 @@ class LockStep {
   LockStep(const LockStep&) = delete;
   LockStep& operator=(const LockStep&) = delete;
 
-  // One pass from beginning to end. Throws std::runtime_error when it takes 20 s.
+  // Runs one whole pass. Throws std::runtime_error if it takes 20 s.
   static void runPass();
 };
 

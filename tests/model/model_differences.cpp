@@ -1,4 +1,4 @@
-// What library and model come to, side by side.
+// Compares the library's state with the model's.
 #include <SDL.h>
 
 #include <algorithm>
@@ -41,7 +41,7 @@ std::string differenceOf(const test::SdlWindowFacts& window, const Player& playe
   return "";
 }
 
-// A frame of one colour?
+// True if every pixel of the three planes is `colour`, 0xRRGGBB.
 bool isPlain(const std::uint8_t* planes, std::size_t samples, std::uint32_t colour) {
   for (std::size_t i = 0; i < 3 * samples; ++i) {
     if (planes[i] != static_cast<std::uint8_t>(colour >> (16 - 8 * (i / samples)))) return false;
@@ -66,8 +66,8 @@ const VideoWindow* findInLibrary(const std::string& name) {
   return videoWindowRegistry().findVideoWindow(name);
 }
 
-// A drain ends at each event of no window of ours: until all are taken, and then until closed
-// players are gone.
+// A drain ends at each event that belongs to none of our windows. Therefore passes run until three
+// in a row leave no event behind; closed players are gone by then.
 void ModelHost::settle() {
   constexpr int kEnough = 1000;
   int passes = 0;
@@ -79,7 +79,8 @@ void ModelHost::settle() {
   noteWindows();
 }
 
-// A player whose window is new is known by it, or else takes the first that is nobody's.
+// A new window belongs to the first player that matches it and has none yet. If none matches, it
+// belongs to the first player without a window.
 void ModelHost::noteWindows() {
   for (const test::SdlWindowFacts& window : test::sdlWindows()) {
     const bool synchronous = window.isOfThisThread;
@@ -97,7 +98,8 @@ void ModelHost::noteWindows() {
   }
 }
 
-// Of several records with one name the library shows only its first.
+// Notes the addresses of the library's records. Of several records with one name, the library
+// reveals only the first.
 void ModelHost::noteAddresses() {
   for (const char* name : kNames) {
     const VideoWindow* window = findInLibrary(name);

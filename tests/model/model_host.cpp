@@ -21,7 +21,7 @@ constexpr Deed kResize{Deed::Kind::kResize, {120, 80}};
 constexpr const char* kWrittenTitle = "renamed\nwindow";
 constexpr const char* kTitle = "renamed window";
 
-// Updates after which no event is left that stopped a drain before all were taken.
+// A drain ends at each event that belongs to none of our windows. After so many, none is left.
 constexpr int kDrains = 100;
 
 Deed deedOf(Kind kind) {
@@ -46,7 +46,7 @@ SDL_Event eventOf(std::uint32_t window, const Deed& deed) {
 
 }  // namespace
 
-// Starts both servers.
+// Creates a window in each server, which starts both. LockStep requires the display thread.
 ModelHost::ModelHost() : model_(findInLibrary) {
   create({0, 0});
   create({1, 3});
@@ -112,8 +112,9 @@ bool ModelHost::wouldChange(const Operation& operation) const {
 
 void ModelHost::apply(const Operation& operation) {
   if (operation.kind >= Kind::kUserMoves) return letUserAct(operation);
-  // A window that is made full screen takes the others out of it when it is made, not when it is
-  // asked for; and of two that are to be made the display may pass over the first for one pass.
+  // A full-screen window takes the others out of full screen when it is made, not when it is
+  // requested, and of two requested windows the display may skip the first for one pass. The model
+  // knows neither, so the display settles before and after.
   const bool isFullscreen =
       operation.kind == Kind::kCreate && blockOf(0, operation.form).fullscreen;
   if (isFullscreen) settle();
@@ -190,7 +191,7 @@ void ModelHost::update(int name) {
   }
 }
 
-// Needs the window, and waits until the display has seen what was done.
+// Does nothing if there is no window; otherwise waits until the display has handled the deed.
 void ModelHost::letUserAct(const Operation& operation) {
   settle();
   const std::string name = kNames[operation.name];

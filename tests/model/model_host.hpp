@@ -1,4 +1,4 @@
-// A host that does the same to the library and to the model, and compares what they come to.
+// A host that does the same with the library and with the model, and compares the two.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +21,10 @@ inline Size sizeOf(Pair pair) {
   return {static_cast<std::uint32_t>(pair.first), static_cast<std::uint32_t>(pair.second)};
 }
 
-// The first record of that name; null when there is none.
+// The first record of that name; null if there is none.
 const VideoWindow* findInLibrary(const std::string& name);
 
-// SDL draws without a screen; the user's deeds are events in its queue, as a window system's are.
+// SDL runs without a screen. The user's deeds are events in SDL's queue, as they are on a screen.
 class ModelHost {
  public:
   ModelHost();
@@ -32,18 +32,18 @@ class ModelHost {
   ModelHost(const ModelHost&) = delete;
   ModelHost& operator=(const ModelHost&) = delete;
 
-  // Closes and forgets everything. Both servers give the same next number to a player afterwards.
+  // Closes and forgets everything. Afterwards the next player of each server has the same id.
   void startOver();
 
-  // Whether the model is another one after the operation.
+  // True if the operation would change the model or create a new block.
   bool wouldChange(const Operation& operation) const;
 
-  // Does it to both. Display passes are made only where the host waits for one, and around the
-  // user's deeds.
+  // Applies the operation to library and model. Display passes run only where the host waits for
+  // one, around the user's deeds and around the creation of full-screen windows.
   void apply(const Operation& operation);
 
-  // Lets the display come to rest. Tells the first thing in which the library is not as the model
-  // says; "" when it is.
+  // Lets the display settle, then describes the first difference between library and model; "" if
+  // there is none.
   std::string difference();
 
  private:
@@ -70,7 +70,7 @@ class ModelHost {
   test::ErrorBuffer error_;
   std::map<Slot, Handle> blocks_;
   WindowModel model_;
-  std::map<std::pair<bool, int>, std::uint32_t> windowIds_;  // SDL's, by server and player
+  std::map<std::pair<bool, int>, std::uint32_t> windowIds_;  // SDL's ids, by server and player
   std::optional<test::LockStep> lockStep_;
 };
 

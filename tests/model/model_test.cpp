@@ -1,9 +1,9 @@
-// Registry and window controls against the model: in every short order of operations, and in long
-// ones drawn by lot.
+// Compares the registry and the window controls with the model, in every short sequence of
+// operations and in long random ones.
 //
-//   FRAMESINK_MODEL_DEPTH      operations in a row, in every order (3)
-//   FRAMESINK_MODEL_SEQUENCES  sequences drawn by lot (40), of up to 200 operations
-//   FRAMESINK_MODEL_SEED       of the first one (1); that of the others follow one by one
+//   FRAMESINK_MODEL_DEPTH      longest sequence of which every order is tried (3)
+//   FRAMESINK_MODEL_SEQUENCES  number of random sequences (40), each of up to 200 operations
+//   FRAMESINK_MODEL_SEED       seed of the first random sequence (1); each further one has the next
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -33,7 +33,7 @@ std::string told(const Sequence& sequence) {
 
 class ModelTest : public testing::Test {
  protected:
-  // False when library and model differ afterwards.
+  // False if library and model differ after the sequence; the test then fails.
   bool agree(const Sequence& sequence) {
     ++checks;
     const std::string difference = host.difference();
@@ -46,13 +46,13 @@ class ModelTest : public testing::Test {
   ModelHost host;
 };
 
-// Every sequence goes on from each shorter one by the operations that change the model. One that
-// does not is done, too, wherever it may be, and library and model have to agree after it; but what
-// would follow it is what follows without it. So the first operation creates a block, and as the
-// two names are alike it does so under the first of them; each form of that block is a test.
+// Extends every sequence by every operation. An operation that changes the model makes a longer
+// sequence. One that does not is applied and checked, but not extended: the same would follow as
+// without it. Therefore every sequence begins with the creation of a block. It always has the first
+// of the two names, which are interchangeable, and each form of that block is one test.
 class EveryOrder : public ModelTest, public testing::WithParamInterface<int> {
  protected:
-  // From the state after `sequence`, whose check has been made.
+  // Extends `sequence`, which has been applied and checked. False at the first difference.
   bool goOn(Sequence& sequence, std::uint32_t depth) {
     Sequence changing;
     for (const Operation& operation : operations) {
@@ -103,8 +103,8 @@ TEST_P(EveryOrder, LibraryAndModelAgree) {
 
 class DrawnByLot : public ModelTest {
  protected:
-  // Checks after one operation in `pace`: what comes between meets windows that are not made yet
-  // and players that are still to go.
+  // Checks after one operation in `pace`, because a check lets the display settle. The operations
+  // in between meet windows that are not made yet and players that are not gone yet.
   bool run(std::uint32_t seed) {
     std::mt19937 random(seed);
     const std::uint32_t length = 1 + static_cast<std::uint32_t>(random()) % kLongest;

@@ -1,4 +1,4 @@
-// What hosts and users do to windows, in the forms that the tests try in every order.
+// The operations of hosts and users that the tests try in every order.
 #pragma once
 
 #include <ostream>
@@ -10,8 +10,8 @@ namespace framesink::model {
 
 struct Operation {
   enum class Kind {
-    kCreate,  // a block of some form
-    kUpdate,  // all blocks that were created under the name, one after another
+    kCreate,  // a block of the given form
+    kUpdate,  // every block created under the name, one after another
     kOpen,
     kOpenSized,
     kDestroy,
@@ -21,16 +21,16 @@ struct Operation {
     kUserEscapes,
     kUserCloses,
   } kind;
-  int name;      // of two
-  int form = 0;  // of a block
+  int name;      // index into kNames
+  int form = 0;  // of the block that kCreate creates
 };
 std::ostream& operator<<(std::ostream& out, const Operation& operation);
 
-// The names as the library keeps them, and as the host writes some of them.
+// The names as the library stores them, and as hosts also write them.
 inline constexpr const char* kNames[] = {"model A", "model B"};
 inline constexpr const char* kWrittenNames[] = {"model\nA", "model\nB"};
 
-// Forms of blocks: they differ in one thing each, and in the colour of their frames.
+// Each form differs from the plain one in one setting, and in the colour of its frames.
 inline constexpr int kForms = 6;
 Block blockOf(int name, int form);
 

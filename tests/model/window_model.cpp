@@ -97,7 +97,7 @@ void WindowModel::open(const std::string& name, Pair position, Pair size, bool u
                        useWindowSize ? size : record->frame, false);
 }
 
-// A synchronous record closes the threaded player that bears its player's number.
+// The library's own decision: a synchronous record closes the threaded player that has its id.
 void WindowModel::destroy(const std::string& name) {
   const Record* record = first(name);
   if (record == nullptr) return;
@@ -117,7 +117,7 @@ void WindowModel::act(const std::string& name, const Deed& deed) {
   const Record* record = first(name);
   Player* shown = playerOf(name);
   if (shown == nullptr) return;
-  if (deed.kind == Deed::Kind::kResize && shown->fullscreen) return;  // no hand can
+  if (deed.kind == Deed::Kind::kResize && shown->fullscreen) return;  // a user cannot
   if (record->synchronous) {
     shown->unseen.push_back(deed);
   } else if (see(*shown, deed)) {

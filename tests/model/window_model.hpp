@@ -1,5 +1,5 @@
-// What blocks, names, players and windows come to, said once more in plain maps. Shares no code with
-// the library; the tests hold the library against it.
+// Restates the rules for blocks, names, players and windows in plain maps. Shares no code with the
+// library, which the tests compare with it.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ struct Pair {
   bool operator==(const Pair&) const = default;
 };
 
-// What a block is created with.
+// The settings with which a block is created.
 struct Block {
   std::string name{};
   std::string title{};
@@ -43,14 +43,14 @@ struct Deed {
 struct Player {
   std::string title{};
   Pair frame{};
-  Pair position{};  // as asked for and then as the user left it
-  Pair size{};      // likewise
+  Pair position{};  // as requested, or as the user left it
+  Pair size{};      // as requested, or as the user left it
   Pair askedPosition{};
   Pair askedSize{};
   bool fullscreen = false;
-  std::optional<std::uint32_t>
-      colour{};                // nothing: not drawn since it was made or left full screen
-  std::vector<Deed> unseen{};  // synchronous: done since the last update
+  // nullopt: not drawn since it was made or left full screen
+  std::optional<std::uint32_t> colour{};
+  std::vector<Deed> unseen{};  // synchronous: deeds since the last update
   bool operator==(const Player&) const = default;
 };
 
@@ -60,13 +60,13 @@ struct Record {
   Pair frame{};
   int player = -1;
   std::uint32_t colour = 0;
-  const void* address = nullptr;  // in the library, once it is known
+  const void* address = nullptr;  // of the library's record, once known
   bool operator==(const Record&) const = default;
 };
 
 class WindowModel {
  public:
-  // Of several records with one name the library's first is the first here.
+  // Finds the library's first record of a name, which is then the first here too.
   using Find = std::function<const void*(const std::string& name)>;
   explicit WindowModel(Find find) : find_(std::move(find)) {}
 
@@ -77,7 +77,7 @@ class WindowModel {
   void rename(const std::string& name, const std::string& newName, const std::string& title);
   void act(const std::string& name, const Deed& deed);
 
-  // Null when there is none.
+  // Each is null if there is none.
   Record* first(const std::string& name);
   Player* player(bool synchronous, int id);
   Player* playerOf(const std::string& name);
@@ -96,7 +96,7 @@ class WindowModel {
           bool fullscreen);
   void forget(const std::string& name);
   static void leaveFullscreen(Player& player);
-  static bool see(Player& player, const Deed& deed);  // true: closed
+  static bool see(Player& player, const Deed& deed);  // true if it closes the window
 
   Find find_;
 };

@@ -18,8 +18,7 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// What the display thread runs here: it waits until it is told to end, and after its farewell until
-// it is told to go.
+// The display thread runs body() here. It waits until mayEnd is set and, after its farewell, until mayGo is set.
 class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {

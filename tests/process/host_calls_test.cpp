@@ -1,4 +1,4 @@
-// The end of host calls is for good: each of these tests needs a process of its own.
+// endHostCalls() is final, so each of these tests needs a process of its own.
 #include "process/host_calls.hpp"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ namespace {
 
 bool areCallsTurnedAway() { return !HostCall(); }
 
-// endHostCalls() on a thread of its own.
+// Runs endHostCalls() on a thread of its own.
 class Ending {
  public:
   explicit Ending(std::chrono::milliseconds patience = kLongestUnload) : budget_(patience) {}
@@ -92,7 +92,8 @@ TEST(HostCalls, TheEndWaitsForMoreCallsThanAreKnownByThread) {
   EXPECT_TRUE(ending.answer());
 }
 
-// The call is left alone from then on: a later end does not wait for it again, nor trust its return.
+// A call that was given up stays given up: a later end does not wait for it again, and
+// returns false even after the call has returned.
 TEST(HostCalls, TheEndGivesUpACallThatDoesNotReturn) {
   auto call = std::make_unique<HostCall>();
   const Ending ending(std::chrono::milliseconds(30));
@@ -114,7 +115,7 @@ TEST(HostCalls, AForkHasNoEndOfItsOwn) {
 TEST(HostCalls, AFreedPlaceIsTakenAgain) {
   for (int i = 0; i < 1000; ++i) const HostCall call;
   const HostCall call;
-  EXPECT_FALSE(endHostCalls()) << "the thread is not known any more";
+  EXPECT_FALSE(endHostCalls()) << "the thread is no longer known as a caller";
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 
 using Value = std::optional<std::string>;
 
-// What a case does not name is not set.
+// Environment variables that a case does not name are not set.
 struct Case {
   bool expected = false;
   Value driver = {}, display = {}, wayland = {}, acceleration = {}, renderer = {};
@@ -60,7 +60,7 @@ TEST_F(OpenGlTest, IsInUseOnWaylandAndWhereTheUserSaysSo) {
   }
 }
 
-// A Wayland desktop without Xwayland may leave WAYLAND_DISPLAY to its usual value.
+// A Wayland desktop without Xwayland may leave WAYLAND_DISPLAY unset, which means wayland-0.
 TEST_F(OpenGlTest, IsInUseWhereTheUsualCompositorListens) {
   std::ofstream(folder_.path() + "/wayland-0").put('\n');
   EXPECT_TRUE(isInUse({}, folder_.path()));

@@ -68,7 +68,7 @@ TEST(Platform, AThreadKnowsTheDeadPartOfItsStack) {
     EXPECT_GT(address, lowest);
     EXPECT_LT(address, lowest + stack.bytes);
     EXPECT_LE(lowest + stack.bytes, static_cast<std::uintptr_t>(::pthread_self()))
-        << "the C library's record of the thread stays";
+        << "the C library's record of the thread must be kept";
   }).join();
 }
 

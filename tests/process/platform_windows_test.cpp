@@ -24,10 +24,11 @@ TEST(Platform, OtherThreadsAreThereWhileTheProcessLives) { EXPECT_FALSE(areOther
 TEST(Platform, SleepsAtLeastAsLongAsAsked) {
   const auto before = Clock::now();
   sleepFor(milliseconds(20));
-  EXPECT_GE(Clock::now() - before, milliseconds(19));  // the two clocks' grain
+  EXPECT_GE(Clock::now() - before, milliseconds(19));  // the clocks tick differently
 }
 
-// A thread that is in this program's code until it is told to wait in the system's, then to end.
+// A thread that stays in this program's code until mayWait is set, then waits inside Windows until
+// end().
 class OtherThread : public testing::Test {
  protected:
   OtherThread() {
@@ -74,12 +75,12 @@ TEST_F(OtherThread, HasLeftOurCodeWhenItHasEnded) {
   EXPECT_TRUE(hasLeftLibrary(number));
 }
 
-// ---- Holding libraries --------------------------------------------------------------------------
+// ---- Holding libraries ----
 
 class HeldLibrary : public testing::Test {
  protected:
   static bool isLoaded() { return ::GetModuleHandleW(kName) != nullptr; }
-  // Held, and unloaded by everybody else.
+  // Loads the library such that only the returned hold keeps it loaded.
   static LibraryHold hold() {
     const HMODULE module = ::LoadLibraryW(kName);
     LibraryHold held(module);

@@ -122,7 +122,7 @@ TEST_F(SdlSessionTest, QuittingWaitsForUsesUnderWay) {
     quitSdl();
     hasQuit = true;
   });
-  // The quitter has begun to wait once it has ended the generation.
+  // quitSdl() first ends the generation and then waits for the use.
   EXPECT_TRUE(waitUntil([&] { return sdlGeneration() != generation; }));
   EXPECT_FALSE(waitUntil([&] { return hasQuit || recorder.count("SDL_Quit") > 0; },
                          std::chrono::milliseconds(30)));

@@ -52,15 +52,15 @@ TEST(TexturePacking, AlphaIs255WhateverTheSamples) {
   }
 }
 
-// Packs a frame that may not be written to. It and the pixels end, or begin, at pages that may not
-// be touched; a pixel on their other side keeps its value.
+// Packs a read-only frame. The frame and the pixels end, or begin, at pages on which every access
+// faults; the pixel at their other end must keep its value.
 class GuardedPacking {
  public:
   explicit GuardedPacking(Size largest)
       : planes_(3 * pixelsOf(largest)), pixels_(sizeof kUntouched * (1 + pixelsOf(largest))) {}
 
-  // Empty when the pixels are `expected` on every instruction set that this machine has, at either
-  // place.
+  // Packs at both places with every instruction set of this machine. Empty if all pixels are as
+  // expected; otherwise describes a failure.
   std::string difference(const Frame& frame, const std::vector<std::uint32_t>& expected) {
     const std::size_t count = expected.size();
     std::string found = differenceAt(planes_.end() - frame.planes.size(),
@@ -113,7 +113,7 @@ TEST(TexturePacking, CarriesEverySampleOfFramesOfEverySmallSizeAndTouchesNoOther
   }
 }
 
-// Beyond the first block of rows and of columns, with and without rest.
+// Frames of more than one block of rows or columns, with and without a remainder.
 TEST(TexturePacking, CarriesEverySampleOfLargeFramesAndTouchesNoOther) {
   GuardedPacking packing({1921, 1081});
   for (const Size size : {Size{1921, 1081}, Size{1920, 1080}, Size{4, 1024}, Size{6, 777},

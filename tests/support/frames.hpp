@@ -1,4 +1,4 @@
-// Frames as the host hands them over, and the pictures that they must make.
+// Frames as a host delivers them, and the pictures that windows must show for them.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace framesink::test {
 
-// Three planes, red, green, blue, one after another, each column by column.
+// A red, a green and a blue plane, one after another; each is column-major, one byte a sample.
 struct Frame {
   Size size;
   std::vector<std::uint8_t> planes;
@@ -20,16 +20,16 @@ struct Frame {
 // Reproducible noise: frames of different seeds differ in about every sample.
 Frame noiseFrame(Size size, std::uint32_t seed);
 
-// Every pixel 0xRRGGBB.
+// A frame whose every pixel is `colour`, 0xRRGGBB.
 Frame plainFrame(Size size, std::uint32_t colour);
 
-// The frame unscaled: row by row, 0x00RRGGBB.
+// The unscaled picture of the frame: row-major pixels, 0x00RRGGBB.
 Image pictureOf(const Frame& frame);
 
-// Every pixel as a square of `factor` pixels.
+// Turns every pixel into a square of `factor` × `factor` pixels.
 Image enlarged(const Image& image, int factor);
 
-// `inner` in the middle of a black picture.
+// Puts `inner` in the middle of a black picture of width × height pixels.
 Image letterboxed(const Image& inner, int width, int height);
 
 }  // namespace framesink::test

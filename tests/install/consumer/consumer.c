@@ -1,4 +1,4 @@
-// One window, one frame; valid C and C++.
+// Shows one frame in one window. Valid C and C++.
 #include <framesink/framesink.h>
 #include <stdio.h>
 #include <string.h>
