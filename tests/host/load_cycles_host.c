@@ -1,6 +1,7 @@
-/* load_cycles_host LIBRARY CYCLES WINDOWS measured|unmeasured SECONDS: loads and unloads the library CYCLES
- * times, each time with WINDOWS windows, which a user may move or close meanwhile. Fails if one unloading takes
- * longer than SECONDS. Prints how long each took and, if measured, how much memory each cycle leaves in use. */
+/* load_cycles_host LIBRARY CYCLES WINDOWS measured|unmeasured SECONDS: loads and unloads the library
+ * CYCLES times, each time with WINDOWS windows, which a user may move or close meanwhile. Fails if
+ * one unloading takes longer than SECONDS. Prints how long each took and, if measured, how much
+ * memory each cycle leaves in use. */
 #define _GNU_SOURCE
 #include <malloc.h>
 #include <pthread.h>

@@ -18,7 +18,8 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// The display thread runs body() here. It waits until mayEnd is set and, after its farewell, until mayGo is set.
+// The display thread runs body() here. It waits until mayEnd is set and, after its farewell, until
+// mayGo is set.
 class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {
