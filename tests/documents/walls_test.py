@@ -1,6 +1,7 @@
 """Checks the walls of docs/architecture.md: no include crosses a wall, and no units include each other in a circle."""
 
 import re
+from functools import cache
 from graphlib import CycleError, TopologicalSorter
 
 import pytest
@@ -12,11 +13,29 @@ PLAN = ROOT / "docs" / "architecture.md"
 INCLUDE_FOLDERS = ["src", "include", "pixkit/include", "tools/framesink-play"]
 
 
+PLAYER = "tools/framesink-play"
+# The rooms that may include a library's headers.
+KNOWN_BY = {
+    r"SDL\.h": ["src/process", "src/display"],
+    r"hwy/.*": ["src/simd", "src/convert"],
+    r"CLI/.*": [PLAYER + "/command_line"],
+    r"lib(av|sw).*": [PLAYER + "/video"],
+}
+
+
+def text_block(section):
+    return re.search(rf"\n## {section}\n.*?```text\n(.*?)```", PLAN.read_text(), re.DOTALL)[1]
+
+
+@cache
 def walls():
-    """Which rooms each room may include. The document lists them in lines `room -> room room`."""
-    block = re.search(r"\n## Walls\n.*?```text\n(.*?)```", PLAN.read_text(), re.DOTALL)[1]
-    lines = [line.split("->") for line in block.splitlines()]
-    return {room.strip(): allowed.split() for room, allowed in lines}
+    """Which rooms each room may include. The section Walls lists them in lines `room -> room room`. A folder of the
+    player may include the folders that the section framesink-play lists below it."""
+    lines = [line.split("->") for line in text_block("Walls").splitlines()]
+    rooms = {room.strip(): allowed.split() for room, allowed in lines}
+    folders = [f"{PLAYER}/{name}" for name in re.findall(r"^([a-z_]+)/ ", text_block("framesink-play"), re.MULTILINE)]
+    below = {folder: [*folders[i + 1 :], *rooms[PLAYER]] for i, folder in enumerate(folders)}
+    return {**rooms, **below, PLAYER: [*folders, *rooms[PLAYER]]}
 
 
 def room_of(path):
@@ -26,7 +45,7 @@ def room_of(path):
 
 
 def sources():
-    folders = ["include", "pixkit", "src", "tools/framesink-play"]
+    folders = ["include", "pixkit", "src", PLAYER]
     return [path for folder in folders for path in sorted((ROOT / folder).rglob("*")) if path.suffix in (".h", ".hpp", ".cpp")]
 
 
@@ -52,6 +71,12 @@ def test_no_include_crosses_a_wall(path):
     room = room_of(path)
     crossed = [str(file.relative_to(ROOT)) for file in includes_of(path) if room_of(file) not in [room, *walls()[room]]]
     assert crossed == []
+
+
+@pytest.mark.parametrize("header", KNOWN_BY)
+def test_only_its_rooms_include_a_library(header):
+    users = {room_of(path) for path in sources() if re.search(rf'^#include [<"]{header}[>"]', path.read_text(), re.MULTILINE)}
+    assert users and users <= set(KNOWN_BY[header])
 
 
 def test_no_units_include_each_other_in_a_circle():
