@@ -104,8 +104,7 @@ void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* pos
   controlWindows([&](auto& registry) {
     VideoWindow* window = registry.findVideoWindow(text(name));
     if (window == nullptr) return;
-    registry.openVideoWindow(*window, {.title = window->name,
-                                       .frameSize = window->frameSize(),
+    registry.openVideoWindow(*window, {.frameSize = window->frameSize(),
                                        .geometry = {{position[0], position[1]}, {size[0], size[1]}},
                                        .useWindowSize = useWindowSize != 0,
                                        .fullscreen = fullscreen != 0});

@@ -108,13 +108,14 @@ PlayerId VideoWindowRegistry::createPlayerForVideoWindow(const VideoWindow& wind
   return serverFor(window.synchronous).addPlayer(blank.data(), std::move(request));
 }
 
-void VideoWindowRegistry::openVideoWindow(VideoWindow& window, const WindowRequest& request) {
+void VideoWindowRegistry::openVideoWindow(VideoWindow& window, WindowRequest request) {
   window.server = &serverFor(window.synchronous);
   if (window.server->hasOpenPlayer(window.playerId)) {
     window.server->raisePlayer(window.playerId);
     return;
   }
-  window.playerId = createPlayerForVideoWindow(window, request);
+  request.title = window.name;
+  window.playerId = createPlayerForVideoWindow(window, std::move(request));
 }
 
 void VideoWindowRegistry::closeVideoWindow(std::string_view name) {

@@ -56,7 +56,7 @@ class VideoWindowRegistry {
   void setupVideoWindow(const WindowSetup& setup);
 
   // Raises the record's open player, or opens one. May wait for the window. Throws std::bad_alloc.
-  void openVideoWindow(VideoWindow& window, const WindowRequest& request);
+  void openVideoWindow(VideoWindow& window, WindowRequest request);
 
   // Closes the player and removes the record. Deliberately looks the player's id up in the threaded
   // server only, whatever the record says, so a synchronous player stays on screen.

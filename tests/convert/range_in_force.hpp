@@ -40,8 +40,12 @@ class RangeInForce {
     std::memcpy(target, &value, sizeof value);
   }
 
-  const Range<SampleOf<Id>> before_{static_cast<SampleOf<Id>>(videoTraits<Id>::min),
-                                    static_cast<SampleOf<Id>>(videoTraits<Id>::max)};
+  // Volatile, because the compiler may otherwise read a constant end only when it is restored.
+  static SampleOf<Id> endNow(const volatile void* end) {
+    return *static_cast<const volatile SampleOf<Id>*>(end);
+  }
+
+  const Range<SampleOf<Id>> before_{endNow(&videoTraits<Id>::min), endNow(&videoTraits<Id>::max)};
 };
 
 }  // namespace framesink

@@ -100,10 +100,11 @@ TEST(PlayRun, EndsAHoldOfSecondsWhenTheWindowsAreClosed) {
   EXPECT_THAT(outcome.seconds, Le(10));
 }
 
+// At least one frame for each of the three windows: a busy machine may leave no time for more.
 TEST(PlayRun, EndsWhenAllWindowsAreClosed) {
   const Outcome outcome = runPlayer({}, Setting{.closeAfter = 1});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.callsOf("libUpdate").size(), Ge(6u));
+  EXPECT_THAT(outcome.callsOf("libUpdate").size(), Ge(3u));
   EXPECT_THAT(outcome.callsOf("libDestroy"), SizeIs(3));
   EXPECT_EQ(outcome.lastCall(), "unloaded");
 }
