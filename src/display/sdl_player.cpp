@@ -31,11 +31,11 @@ void SdlPlayer::submitFrame(const std::uint8_t* frame) {
     }
     marks_.store({.displayBuffer = target, .writeState = 3 - target}, std::memory_order_release);
   }
-  newFrame_.store(1, std::memory_order_release);
+  newFrame_.store(true, std::memory_order_release);
 }
 
 void SdlPlayer::showNewestFrame() {
-  newFrame_.exchange(0, std::memory_order_acq_rel);
+  newFrame_.exchange(false, std::memory_order_acq_rel);
   window()->showFrame(displayBuffer());
 }
 

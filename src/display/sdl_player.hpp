@@ -38,8 +38,8 @@ class SdlPlayer {
   // picture for that pass only, because the newest frame is always drawn again, whole.
   void submitFrame(const std::uint8_t* frame);
 
-  void requestClose() { closeRequested_ = 1; }
-  bool isCloseRequested() const { return closeRequested_ != 0; }
+  void requestClose() { closeRequested_ = true; }
+  bool isCloseRequested() const { return closeRequested_; }
 
   // Keeps the library loaded until settle(). Making a window loads libraries, which on Windows a
   // thread cannot do while another thread unloads one.
@@ -65,7 +65,7 @@ class SdlPlayer {
   // Ends the hold of holdLibrary(): the window was made in an earlier pass, or never will be.
   void settle() { untilSettled_.letGo(); }
 
-  bool hasNewFrame() const { return newFrame_ != 0; }
+  bool hasNewFrame() const { return newFrame_; }
 
   // Draws the newest frame whole, even if it was drawn before. The window must exist.
   void showNewestFrame() FRAMESINK_REQUIRES(sdlGate);
@@ -91,8 +91,8 @@ class SdlPlayer {
 
   // Set by the host after the copy, cleared by the display before it chooses the buffer to read. So
   // a frame that arrives while another is drawn is shown next, and the last frame is never lost.
-  std::atomic<std::uint8_t> newFrame_{0};
-  std::atomic<std::uint8_t> closeRequested_{0};
+  std::atomic<bool> newFrame_{false};
+  std::atomic<bool> closeRequested_{false};
 
   Mutex titleMutex_;                         // host threads set a title one at a time
   std::atomic<SdlWindow*> window_{nullptr};  // owned

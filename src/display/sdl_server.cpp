@@ -41,6 +41,7 @@ class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
   };
 
   PlayersLock(SdlServer& server, Patience patience) FRAMESINK_ACQUIRES(server.players_)
+      FRAMESINK_EXCLUDES(sdlGate)
       : gate_(sdlGate, std::defer_lock) {
     if (!server.threaded_) {
       gate_.lock();
@@ -79,7 +80,7 @@ SdlServer::~SdlServer() {
 
 PlayerId SdlServer::addPlayer(const std::uint8_t* initialFrame, WindowRequest request) {
   if (leaving_) return kNoPlayer;
-  if (started_ == 0) start();
+  if (!started_) start();
   if (threaded_ && openGl_ && surroundings_.stopAll != nullptr) {
     callFirstAtExit(surroundings_.stopAll);
   }
@@ -218,29 +219,25 @@ std::uint32_t SdlServer::getWindowY(PlayerId playerId) const {
 // In the gate, because several host threads may add a first player at the same time.
 void SdlServer::start() {
   const InGate gate;
-  if (started_ != 0) return;
+  if (started_) return;
   openGl_ = isOpenGlInUse();
   initVideo();
   sdlCode_ = holdSdl();
   if (threaded_) startThread();
-  started_ = 1;
+  started_ = true;
 }
 
 void SdlServer::startThread() {
   if (openGl_) stayLoaded();
-  quit_ = 0;
+  quit_ = false;
   mutex_ = SDL_CreateMutex();
   thread_.start("sdlVideoPlayers", threadMain, this);
 }
 
-void SdlServer::beginLeaving() {
-  leaving_ = true;
-  quit_ = 1;
-}
-
 bool SdlServer::stop() {
-  if (started_ == 0) return true;
+  if (!started_) return true;
   beginLeaving();
+  quit_ = true;
   if (threaded_) {
     if (!awaitDisplayThread()) return false;
   } else {
@@ -248,8 +245,8 @@ bool SdlServer::stop() {
     deleteAllPlayers();
   }
   SDL_DestroyMutex(mutex_.exchange(nullptr));
-  started_ = 0;
-  quit_ = 0;  // Reset right after the wait, deliberately; leaving_ stays.
+  started_ = false;
+  quit_ = false;  // Reset right after the wait, deliberately; leaving_ stays.
   return true;
 }
 
@@ -279,7 +276,7 @@ void SdlServer::threadMain(void* server) {
   if ((SDL_WasInit(SDL_INIT_EVERYTHING) & SDL_INIT_VIDEO) == 0) {
     std::fprintf(stderr, "Internal error: SDL video subsystem is not initialized.\n");
   }
-  while (self.quit_ == 0) {
+  while (!self.quit_ && !self.leaving_) {
     self.runPass();
     SDL_Delay(self.players_.empty() ? kPassWithout : kPassWithPlayers);
   }

@@ -90,7 +90,7 @@ class SdlServer {
   std::uint32_t getWindowY(PlayerId playerId) const;
 
   // Ends every wait of a host thread on this server, and the display thread's loop, for good.
-  void beginLeaving();
+  void beginLeaving() { leaving_ = true; }
 
   // Threaded: ends the display thread. Within the unload budget and without joining, waits until
   // the thread has deleted its players and is gone. Does not wait on the display thread itself.
@@ -130,11 +130,11 @@ class SdlServer {
   const bool threaded_;
   const ServerSurroundings surroundings_;
 
-  std::atomic<std::uint8_t> quit_{0};  // ends the display thread's loop
-  std::atomic<bool> leaving_{false};   // ends host threads' waits; never reset
+  std::atomic<bool> quit_{false};     // ends the display thread's loop; set and reset by stop
+  std::atomic<bool> leaving_{false};  // ends the loop and host threads' waits; never reset
 
   // Set by the first addPlayer, cleared by stop.
-  std::atomic<std::uint8_t> started_{0};
+  std::atomic<bool> started_{false};
   // Threaded only: held during a whole pass and while a player is added.
   std::atomic<SDL_mutex*> mutex_{nullptr};
   DisplayThread thread_;

@@ -23,16 +23,11 @@
 //   - REQUIRES: the caller holds the locks.
 //   - EXCLUDES: the caller does not hold them.
 //   - ACQUIRES: the function takes them.
-//   - TRIES: the function tries to take them; its first argument is the result that means success.
 //   - RELEASES: the function releases them.
 #define FRAMESINK_REQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
 #define FRAMESINK_EXCLUDES(...) FRAMESINK_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define FRAMESINK_ACQUIRES(...) FRAMESINK_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
-#define FRAMESINK_TRIES(...) FRAMESINK_THREAD_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
 #define FRAMESINK_RELEASES(...) FRAMESINK_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
-
-// On a function that implements a lock; its body is not checked.
-#define FRAMESINK_IS_THE_LOCK FRAMESINK_THREAD_ATTRIBUTE(no_thread_safety_analysis)
 
 namespace framesink {
 
