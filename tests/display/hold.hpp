@@ -1,12 +1,11 @@
-// Halts the display thread at a chosen call to SDL.
+// Halts the display thread once, at a chosen call to SDL. Use it to see what other threads can do
+// while the display thread is inside a pass.
 #pragma once
 
-#include <atomic>
 #include <string>
-#include <thread>
 
 #include "support/sdl_recorder.hpp"
-#include "support/wait_until.hpp"
+#include "support/turnstile.hpp"
 
 namespace framesink::test {
 
@@ -15,23 +14,18 @@ class Hold {
  public:
   Hold(SdlRecorder& recorder, const std::string& function)
       : hook_(recorder.before(function, [this](const SdlCall&) {
-          if (!isDisplayThread()) return;
-          reached_ = true;
-          while (!released_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+          if (isDisplayThread()) turnstile_.pass();
         })) {}
   ~Hold() { release(); }
   Hold(const Hold&) = delete;
   Hold& operator=(const Hold&) = delete;
 
   // Waits until the thread has halted; false at the deadline.
-  bool isReached() const {
-    return waitUntil([&] { return reached_.load(); });
-  }
-  void release() { released_ = true; }
+  bool isReached() const { return turnstile_.isHalted(); }
+  void release() { turnstile_.open(); }
 
  private:
-  std::atomic<bool> reached_{false};
-  std::atomic<bool> released_{false};
+  Turnstile turnstile_;
   const SdlHook hook_;
 };
 

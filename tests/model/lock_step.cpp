@@ -3,64 +3,32 @@
 #include <SDL.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <stdexcept>
 
 #include "process/platform.hpp"
 #include "process/sdl_session.hpp"
+#include "support/turnstile.hpp"
 
 namespace framesink::test {
 namespace {
 
 constexpr std::chrono::seconds kLongestPass{20};
 
-std::mutex mutex;
-std::condition_variable changed;
-bool active = false;
-bool halted = false;   // the display thread stands between two passes
-bool mayPass = false;  // the display thread may go on for one pass
-OsThreadId host = 0;
-
-bool isActive() {
-  const std::lock_guard lock(mutex);
-  return active;
-}
-
-void halt() {
-  std::unique_lock lock(mutex);
-  halted = true;
-  changed.notify_all();
-  changed.wait(lock, [] { return mayPass || !active; });
-  halted = false;
-  mayPass = false;
-}
-
-void awaitHalt(std::unique_lock<std::mutex>& lock) {
-  const bool isHalted = changed.wait_for(lock, kLongestPass, [] { return halted && !mayPass; });
-  if (!isHalted) throw std::runtime_error("the display thread does not come back from its pass");
-}
+Turnstile betweenPasses(true);  // closed while a LockStep exists
+OsThreadId host = 0;            // set before the turnstile is closed
 
 }  // namespace
 
 LockStep::LockStep() {
-  const std::lock_guard lock(mutex);
   host = currentThread();
-  active = true;
+  betweenPasses.close();
 }
 
-LockStep::~LockStep() {
-  const std::lock_guard lock(mutex);
-  active = false;
-  changed.notify_all();
-}
+LockStep::~LockStep() { betweenPasses.open(); }
 
 void LockStep::runPass() {
-  std::unique_lock lock(mutex);
-  awaitHalt(lock);
-  mayPass = true;
-  changed.notify_all();
-  awaitHalt(lock);
+  if (betweenPasses.step(nullptr, kLongestPass)) return;
+  throw std::runtime_error("the display thread does not come back from its pass");
 }
 
 }  // namespace framesink::test
@@ -74,10 +42,10 @@ void __wrap_SDL_Delay(Uint32 milliseconds);
 // runs. Where the display thread waits between passes, it halts.
 void __wrap_SDL_Delay(Uint32 milliseconds) {
   using namespace framesink;
-  if (!test::isActive()) return __real_SDL_Delay(milliseconds);
+  if (test::betweenPasses.isOpen()) return __real_SDL_Delay(milliseconds);
   if (sdlGate.isHeldByThisThread()) return;
   if (currentThread() == test::host) return test::LockStep::runPass();
-  test::halt();
+  test::betweenPasses.pass();
 }
 
 }  // extern "C"
