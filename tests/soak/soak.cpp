@@ -36,7 +36,7 @@ struct Options {
   int loads() const { return 8 * std::max(1, static_cast<int>(minutes / 15)); }
 };
 
-// Each part has a host process of its own, because the memory that OpenGL keeps would hide growth
+// Each part has a separate host process, because the memory that OpenGL keeps would hide growth
 // in the others.
 struct Part {
   const char* drawing;
