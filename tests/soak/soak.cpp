@@ -89,7 +89,7 @@ class Soak {
     return endsWell(host);
   }
 
-  // Reads the host's output until it ends, or prints nothing for too long.
+  // Reads the host's output until the host ends or prints nothing for too long.
   void watch(ChildProcess& host) {
     auto heard = std::chrono::steady_clock::now();
     std::size_t read = 0;
