@@ -1,4 +1,4 @@
-// Times two actions by turns in one loop, so that other load on the machine slows both alike.
+// Times two actions alternately in one loop, so that other load on the machine slows both alike.
 #pragma once
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-// Times the display thread while nothing happens.
+// Measures the processor time of the display thread while nothing happens.
 #pragma once
 
 #include <benchmark/benchmark.h>

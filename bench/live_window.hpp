@@ -1,4 +1,4 @@
-// A window that is opened and fed as a host does it, through the library's exports.
+// A window that is opened, and gets its frames, through the library's exports, as in a host.
 #pragma once
 
 #include <string>

@@ -2,7 +2,7 @@
 """Runs the benchmarks several times and prints the tables. With --peers it also writes docs/performance.md
 and its plot, which need the peers' figures.
 
-Each benchmark times framesink and something else by turns and reports both medians and their ratio. The table
+Each benchmark times framesink and something else alternately and reports both medians and their ratio. The table
 shows the median, the least and the greatest of the rounds' ratios.
 """
 
@@ -49,7 +49,7 @@ class Results:
 
 
 def run(build, program, *arguments, ranges=None):
-    """Returns the program's JSON. Exits if the program found a wrong result or used other ranges than asked for."""
+    """Returns the program's JSON. Exits if the program found a wrong result or used the wrong ranges."""
     environment = dict(os.environ)
     if ranges:
         environment["LD_LIBRARY_PATH"] = str(build / "tests/convert" / f"{ranges}_ranges")

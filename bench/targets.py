@@ -31,7 +31,7 @@ class Target:
 class OtherRange(Target):
     """A limit for a kernel's time in another range, relative to its time in the natural range.
 
-    Both times are counted in memcpys of the same bytes.
+    Each time is first divided by the time that a memcpy of the same bytes takes in that process.
     """
 
     def __init__(self, kernel, limit):

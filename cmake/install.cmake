@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/framesink)
 
-# The library finds the stand-in pixkit in its own folder. One that is earlier on the loader's path replaces it.
+# The library finds the stand-in pixkit in its own folder. A host's pixkit earlier on the loader's path replaces it.
 set_target_properties(framesink PROPERTIES INSTALL_RPATH $ORIGIN)
 install(TARGETS framesink
   EXPORT framesinkTargets

@@ -1,8 +1,8 @@
-# How test programs are made, and how CTest learns of their tests.
+# Functions that build test programs and register their tests with CTest.
 include(GoogleTest)
 
-# Most test code runs for milliseconds: what counts is the compiler's time. It is compiled without
-# optimisation, and the headers that take most of the time are compiled once for all test programs.
+# Most tests run for milliseconds, so compiling takes most of the time. Therefore tests are compiled
+# without optimisation, and the largest headers are compiled once for all test programs.
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/test_prelude.cpp CONTENT "int main() {}\n")
 add_executable(test_prelude EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/test_prelude.cpp)
 target_link_libraries(test_prelude PRIVATE GTest::gtest framesink_warnings)
@@ -12,7 +12,7 @@ target_precompile_headers(test_prelude PRIVATE
   <algorithm> <array> <atomic> <chrono> <condition_variable> <cstdint> <functional> <iostream> <map>
   <memory> <mutex> <optional> <random> <set> <span> <string> <thread> <vector>)
 
-# Sets `limit` to so many seconds, more under an emulator.
+# Sets `limit` to `seconds`, or to more under an emulator.
 function(limit_to seconds)
   math(EXPR patience "${seconds} * ${FRAMESINK_TEST_PATIENCE}")
   set(limit ${patience} PARENT_SCOPE)
@@ -56,7 +56,7 @@ function(add_test_program name)
   endif()
 endfunction()
 
-# Adds NAME_test.py as the test LABEL_NAME: a process of its own for each file.
+# Adds each NAME_test.py as the test LABEL_NAME, which runs in its own process.
 function(add_python_tests label seconds files environment)
   foreach(file IN LISTS files)
     add_test(NAME ${label}_${file}

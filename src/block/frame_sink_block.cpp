@@ -74,7 +74,7 @@ bool FrameSinkBlock::areNeededPlanesPresent(const Planes& planes) const {
   return true;
 }
 
-// A plane without a scratch plane is left alone when the frame can do without it.
+// A plane that has no scratch plane is not centred. False if such a plane is needed.
 bool FrameSinkBlock::centre(Planes& planes, Size size) const {
   if (!fitsWhenCentred(planeSize(size), planeSize(frameSize()))) return false;
   for (std::size_t i = 0; i < planes.size(); ++i) {

@@ -57,8 +57,8 @@ void PKOutputConverter::allocatePackedBuffer() {
       std::make_unique<std::byte[]>(static_cast<std::size_t>(std::max(packedBytes(), 0)));
 }
 
-// Each buffer is large enough for both of its uses: centring fills a plane of the first plane's
-// size, whatever its own size, and conversion reads doubles and writes samples in place.
+// Each buffer is large enough for both uses. Centring fills as many samples as the first plane has,
+// even for a smaller plane. Conversion reads doubles and writes samples in place.
 void PKOutputConverter::allocatePlaneBuffers() {
   if (sampleBytes(input_.dataType) == 0) return;
   const std::size_t bytesPerSample =

@@ -11,9 +11,10 @@ namespace framesink {
 // keeps the order of the input. Nothing is written if n < 1.
 //
 // layout zero: reads the planes column by column and writes every column to the same places 0,
-// width, 2 * width, ... of each output plane. So the last column remains, and all other bytes keep
-// their values. The library's own decision: the column is deliberately left out of the position,
-// and this is no transposition. Nothing is written if width < 1 or height < 1.
+// width, 2 * width, ... of each output plane. Each column overwrites the one before, so only the
+// last column remains; all other bytes keep their values. The library's own decision: the output
+// position deliberately does not depend on the column, so this is no transposition. Nothing is
+// written if width < 1 or height < 1.
 extern const KernelTable rgbToRgbKernels;
 
 // These call the RGB kernel of the same type with plane 0 as all three planes, so R = G = B.

@@ -15,7 +15,7 @@ namespace {
 
 // ---- column-major -------------------------------------------------------------------------------
 
-// The runs of pairs of RGB columns. For an odd width, the last column stands for both of its pair.
+// The runs of pairs of RGB columns. For an odd width, the last pair takes the last column twice.
 template <std::uint32_t Id>
 class RgbPairRuns {
  public:
@@ -45,8 +45,8 @@ class RgbPairRuns {
   Run y0_, cb_, y1_, cr_;
 };
 
-// The runs of pairs of intensity columns; chroma is always 128. For an odd width, the last column
-// stands for both of its pair.
+// The runs of pairs of intensity columns; chroma is always 128. For an odd width, the last pair
+// takes the last column twice.
 template <std::uint32_t Id>
 class IntensityPairRuns {
  public:

@@ -13,7 +13,7 @@ namespace framesink {
 // is written if width or height is below 1.
 //
 // layout 1: column-major planes of width * height samples. Each line has width / 2 groups. An odd
-// width adds one group in which the last column's pixel stands for both. Writes
+// width adds one group that takes the last column's pixel twice. Writes
 // 4 * ((width + 1) / 2) * height bytes.
 //
 // Any other layout: row-major planes. The pairs of a line overlap, (0,1), (1,2), (2,3), ...; their

@@ -6,7 +6,7 @@
 namespace framesink {
 
 // Plane 0 is Y with width * height samples, planes 1 and 2 are Cb and Cr with half as many. Samples
-// are scaled to 8 bits, chroma like luma, and moved to their places, without colour arithmetic.
+// are scaled to 8 bits, chroma like luma, and copied into the groups without colour arithmetic.
 //
 // layout non-zero: column-major planes; (width + 1) / 2 groups a line. The last group of an odd
 // width reads its second luma, and its chroma, from the column after the last. This is deliberate,

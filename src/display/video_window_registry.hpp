@@ -59,12 +59,12 @@ class VideoWindowRegistry {
   void openVideoWindow(VideoWindow& window, WindowRequest request);
 
   // Closes the player and removes the record. Deliberately looks the player's id up in the threaded
-  // server only, whatever the record says, so a synchronous player stays on screen.
+  // server only, even for a synchronous record, so a synchronous player stays on screen.
   void closeVideoWindow(std::string_view name);
 
   // Gives newName to the record and newTitle to its player's window. Deliberately looks the
-  // player's id up in the threaded server only, whatever the record says. May wait for the window.
-  // Throws std::bad_alloc, and then renames nothing.
+  // player's id up in the threaded server only, even for a synchronous record. May wait for the
+  // window. Throws std::bad_alloc, and then renames nothing.
   void renameVideoWindowCore(std::string_view name, std::string_view newName,
                              std::string_view newTitle);
 

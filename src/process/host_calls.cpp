@@ -60,7 +60,7 @@ bool endHostCalls(WaitBudget& budget) {
   ended = true;
   if (givenUp || isFork() || areOtherThreadsGone()) return false;
   if (isCaller(currentThread()) || sdlGate.isHeldByThisThread()) return false;
-  // Asked first, because the budget's clock starts when it is first asked.
+  // Calls isSpent first, because its first call starts the budget's clock.
   while (!budget.isSpent() && callsUnderWay != 0) sleepFor(std::chrono::milliseconds(1));
   givenUp = callsUnderWay != 0;
   return !givenUp;

@@ -54,11 +54,11 @@ std::uint32_t sdlGeneration();
 // calls SDL_Quit.
 void quitSdl(WaitBudget& budget);
 
-// quitSdl outside of unloading, with a budget of its own.
+// Does the same with a separate budget, for use outside of unloading.
 void quitSdl();
 
-// A host thread's use, outside the gate, of a window of that generation; quitSdl waits for it.
-// Converts to false if the generation has ended; the window must then not be touched.
+// While it lives, a host thread may use a window of that generation outside the gate: quitSdl
+// waits. Converts to false if the generation has ended; the window must then not be touched.
 class SdlUse {
  public:
   explicit SdlUse(std::uint32_t generation);

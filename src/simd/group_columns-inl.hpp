@@ -1,4 +1,4 @@
-// Stores columns of 4-byte groups as rows; each byte of a group comes from a run of its own. Serves
+// Stores columns of 4-byte groups as rows; each byte of a group comes from a separate run. Serves
 // texture pixels and YUY2 alike. Re-included for each instruction set.
 #if defined(FRAMESINK_GROUP_COLUMNS_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef FRAMESINK_GROUP_COLUMNS_INL

@@ -19,8 +19,8 @@ struct Yuy2Runs {
 // Packs `count` groups, one after another.
 void packGroups(const Yuy2Runs& runs, std::uint8_t* out, std::size_t count);
 
-// Packs one group of each column, at most four, side by side into each of `count` rows, which are
-// lineBytes apart.
+// Packs `count` rows, which are lineBytes apart. Each row gets one group from every column, side by
+// side. There are at most four columns.
 void packColumns(std::span<const Yuy2Runs> columns, std::uint8_t* out, std::ptrdiff_t lineBytes,
                  std::size_t count);
 

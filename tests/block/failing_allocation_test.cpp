@@ -1,5 +1,5 @@
-// One allocation of an export fails: the first, the second, ... until the export needs no more. The
-// export then does all of its work or nothing, and the next call works as usual.
+// Makes one allocation of an export fail: first the first one, then the second, and so on. Each
+// time, the export does all of its work or nothing, and the next call works as usual.
 #include <SDL.h>
 #include <gtest/gtest.h>
 

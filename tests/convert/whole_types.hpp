@@ -6,10 +6,10 @@
 
 namespace framesink {
 
-// The number of samples: every bit pattern of a type of up to four bytes. Doubles are narrowed to
-// single precision first, so their walk takes every single, and the ties between neighbouring
-// singles together with the doubles next to each tie: every tie of magnitude 2^-12 to 2^25, and
-// every 4099th of all others.
+// The number of samples in the walk. For types of up to four bytes it takes every bit pattern.
+// Doubles are narrowed to single precision first, so their walk takes every single, ties between
+// neighbouring singles, and the two doubles next to each of these ties. It takes every tie of
+// magnitude 2^-12 to 2^25, and every 4099th of all others.
 std::uint64_t wholeTypeSize(std::uint32_t dataType);
 
 // Writes `count` samples, starting with number `first`; numbers wrap at wholeTypeSize.

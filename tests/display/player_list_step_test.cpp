@@ -15,7 +15,8 @@
 namespace framesink::test {
 namespace {
 
-// Keeps a flag outside itself, which tells whether it lives even after it has been destroyed.
+// Reports whether it is alive in a flag outside itself, which can still be read after its
+// destruction.
 struct KnownPlayer {
   explicit KnownPlayer(bool& isAlive) : alive(isAlive) { alive = true; }
   ~KnownPlayer() { alive = false; }
@@ -34,7 +35,7 @@ class InterruptedReader {
     add();
   }
 
-  // Makes the owner exchange players after so many instructions of the reader's constructor, and
+  // Makes the owner exchange players after `instructions` of the reader's constructor, and
   // again after the constructor. False if the constructor ended first.
   bool isInterruptedAfter(int instructions, int exchanges) {
     Interruption interruption(instructions, [&] { exchange(exchanges); });

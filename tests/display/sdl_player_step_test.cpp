@@ -1,4 +1,5 @@
-// The hand-off of frames while host or display is interrupted at any instruction by the other.
+// Interrupts the host's or the display's part of handing a frame over at every instruction, and
+// runs the other part there.
 #include "support/interruption.hpp"
 
 #if defined(FRAMESINK_TESTS_CAN_INTERRUPT)
@@ -31,13 +32,13 @@ class InterruptedHandOff : public DummyVideoTest {
   }
 
   void submit(const Frame& frame) { player->submitFrame(frame.data()); }
-  // As a display does in its passes, until it knows of no new frame.
+  // Draws, as the display thread does, until the player has no new frame.
   void draw() {
     while (player->hasNewFrame()) player->showNewestFrame();
   }
 
-  // The host submits so many frames after so many instructions of the display. False when the
-  // display had chosen its buffer before.
+  // Interrupts the display after `instructions` instructions and submits `number` frames there.
+  // False if the display chose its buffer before that.
   bool isDisplayInterruptedAfter(int instructions, std::size_t number) {
     submit(initial);
     const ShownFrames shown(recorder, kSmall);
@@ -50,8 +51,8 @@ class InterruptedHandOff : public DummyVideoTest {
     return submission.end();
   }
 
-  // The display draws after so many instructions of the host's that submits the first frame, and
-  // when it has submitted it. False when the host was ready first.
+  // Submits the first frame, interrupts that after `instructions` instructions and draws there;
+  // draws again at the end. False if the frame was submitted before that.
   bool isHostInterruptedAfter(int instructions) {
     submit(initial);
     draw();
@@ -71,8 +72,8 @@ class InterruptedHandOff : public DummyVideoTest {
   Image lastShown;
 };
 
-// Were the buffer chosen before the new frame is taken, a frame that comes in between would be taken
-// and never drawn.
+// If the display chose its buffer before it takes newFrame, it would never draw a frame that
+// arrives in between.
 TEST_F(InterruptedHandOff, ToAnInterruptedDisplayEndsWithTheLastFrameDrawn) {
   for (std::size_t number = 1; number <= frames.size(); ++number) {
     int instructions = 0;
@@ -85,8 +86,8 @@ TEST_F(InterruptedHandOff, ToAnInterruptedDisplayEndsWithTheLastFrameDrawn) {
   }
 }
 
-// Were the frame reported before its buffer is marked, a display that comes in between would draw
-// the one before it and know of no new one.
+// If the host set newFrame before it marks the buffer, a display that draws in between would draw
+// the previous frame and then find no new one.
 TEST_F(InterruptedHandOff, ByAnInterruptedHostEndsWithTheLastFrameDrawn) {
   int instructions = 0;
   for (bool interrupted = true; interrupted; ++instructions) {

@@ -20,8 +20,8 @@ namespace {
 constexpr std::uint32_t kThreadedWindows = 4;
 constexpr std::uint32_t kWindows = kThreadedWindows + 1;  // the last is synchronous
 
-// Thousands are usual in 2 s; a machine with 20 times the work that it can do once needed 12 s
-// for 22.
+// Usually thousands of frames are shown in 2 s. A machine with 20 times more work than it can do at
+// once needed 12 s for 22 frames.
 constexpr int kFewestFrames = 4 * kWindows;
 
 std::chrono::milliseconds duration() {

@@ -110,7 +110,7 @@ static void callEverything(void) {
   say("late calls done");
 }
 
-/* ---- Endings that others choose ---- */
+/* ---- Endings that the host does not choose ---- */
 
 static volatile sig_atomic_t handled;
 

@@ -7,11 +7,12 @@
 
 namespace framesink::play {
 
-// Runs the program `ffmpeg`, which makes tests' clips and expected pictures. The test fails when it
-// does.
+// Runs `ffmpeg`, which makes the tests' clips and expected pictures. Fails the test if ffmpeg
+// fails.
 void makeWithFfmpeg(const Arguments& arguments);
 
-// A YUV4MPEG2 stream of 16 x 8 pixels, its frames of one grey each, numbered from 1.
+// A YUV4MPEG2 stream of 16 x 8 pixels; each frame is a single grey, whose value is the frame's
+// number, counted from 1.
 std::string video(int frames, const std::string& rate);
 
 }  // namespace framesink::play

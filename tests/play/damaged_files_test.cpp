@@ -1,5 +1,5 @@
-// Files that are damaged, cut short or lie: what can be read is shown, the rest is told in one line,
-// and nothing crashes, hangs or eats memory.
+// Files that are damaged, truncated or claim wrong sizes: the player shows what it can read,
+// reports the rest in one line, and does not crash, hang or use much memory.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,12 +32,12 @@ struct Format {
   std::string name;
   std::string file;
   int frames = kFrames;
-  Arguments making = {};  // ffmpeg's arguments after its test picture
+  Arguments making = {};  // ffmpeg's arguments after the input
 };
 
 void PrintTo(const Format& format, std::ostream* out) { *out << format.name; }
 
-// A small file of every format.
+// Makes a small file of the format.
 class PlayFormat : public testing::TestWithParam<Format> {
  protected:
   void SetUp() override {
@@ -61,7 +61,7 @@ class PlayFormat : public testing::TestWithParam<Format> {
   std::string whole_;
 };
 
-// Those of which a part can be played.
+// Formats of which a truncated file can still be played.
 const Format kMp4{"Mp4", "a.mp4", kFrames, {"-movflags", "faststart"}};
 const Format kWebm{"Webm", "a.webm"};
 const Format kY4m{"Y4m", "a.y4m"};
@@ -76,14 +76,14 @@ INSTANTIATE_TEST_SUITE_P(Files, PlayFormat,
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(Files, PlayStream, testing::Values(kMp4, kWebm, kY4m, kGif), nameOf);
 
-// What came of a source, read to its end.
+// The result of reading a source to its end.
 struct Reading {
   int frames = 0;
-  std::string told;  // the failure, or the trouble on the way
+  std::string told;  // the message of the failure, or of damage that did not end the source
 };
 
 Reading read(const std::string& path) {
-  constexpr int kEnough = 1000;  // frames of a stream that does not end
+  constexpr int kEnough = 1000;  // frames after which a stream counts as endless
   Reading reading;
   try {
     const auto source = makeVideoSource(path, 0);
@@ -105,12 +105,13 @@ Reading read(const std::string& path) {
   return reading;
 }
 
-// The player puts its name before it and a line's end after it.
+// The player prints its own name before such a message and a line feed after it.
 void expectOneLineAbout(const std::string& path, const std::string& told) {
   EXPECT_THAT(told, AllOf(StartsWith(path + ": "), Not(HasSubstr("\n"))));
 }
 
-// Without its last bytes an MP4 may still have all pictures; no file plays fewer without a word.
+// An MP4 without its last bytes may still have all pictures. If pictures are missing, there must be
+// a message.
 TEST_P(PlayFormat, CutAnywhereTellsWhenPicturesAreMissing) {
   const Reading all = read(write(whole_));
   EXPECT_EQ(all.frames, GetParam().frames);
@@ -123,7 +124,8 @@ TEST_P(PlayFormat, CutAnywhereTellsWhenPicturesAreMissing) {
   }
 }
 
-// Some flips change a colour, which nothing can notice.
+// Requires a message only if there are no pictures, because no decoder notices a flip that merely
+// changes a colour.
 TEST_P(PlayFormat, WithFlippedBytesEndsInPicturesOrOneLine) {
   constexpr int kVariants = 60;
   std::mt19937 random(GetParam().frames);
@@ -143,7 +145,7 @@ TEST_P(PlayFormat, WithFlippedBytesEndsInPicturesOrOneLine) {
 
 constexpr const char* kCut = ": damaged or cut short, not all of it could be read\n";
 
-// The program's own end: what is there was sent, then the status and the line come.
+// The whole program: it sends the frames that the file has, prints one line and exits with 1.
 TEST_P(PlayStream, CutNearItsEndPlaysThenFailsInOneLine) {
   const std::string path = write(cutTo(0.97));
   const Outcome outcome = runPlayer({path, "--fps", "max"});
@@ -161,9 +163,9 @@ TEST_P(PlayStream, CutOnStandardInputPlaysThenFailsInOneLine) {
 
 // ---- Refused from the start ----
 
-// In one line, before any window, in little memory.
+// Expects status 1, one line on standard error, no window and little memory.
 void expectRefused(const std::string& source, const std::string& told, const Setting& setting) {
-  constexpr long kMostKilobytes = 1'000'000;  // sanitizers take most of it
+  constexpr long kMostKilobytes = 1'000'000;  // most of this is for sanitizers
   const Outcome outcome = runPlayer({source}, setting);
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, "framesink-play: " + told + "\n");
@@ -185,7 +187,7 @@ std::string bytes(std::initializer_list<int> values) {
   return text;
 }
 
-// 60000 x 60000 pixels of 24 bits, and no data.
+// A PNG that declares 60000 x 60000 pixels of 24 bits and has no data.
 std::string hugePng() {
   return "\x89PNG\r\n\x1a\n" + bytes({0, 0, 0, 13}) + "IHDR" + bytes({0, 0, 0xea, 0x60}) +
          bytes({0, 0, 0xea, 0x60}) + bytes({8, 2, 0, 0, 0, 0x0f, 0xb0, 0xe2, 0x15}) +
@@ -193,7 +195,7 @@ std::string hugePng() {
          bytes({0x78, 0x9c, 3, 0, 0, 0, 0, 1, 0x48, 0x06, 0x89, 0xd2});
 }
 
-// 65535 x 65535 pixels, of which one picture fills all.
+// A GIF of 65535 x 65535 pixels with one picture of that size.
 std::string hugeGif() {
   const std::string extent = bytes({0xff, 0xff, 0xff, 0xff});
   return "GIF89a" + extent + bytes({0x80, 0, 0, 0, 0, 0, 0, 0, 0}) + "," + bytes({0, 0, 0, 0}) +
@@ -232,7 +234,7 @@ TEST(PlayPipe, ThatClosesWithoutDataIsTold) {
   const Scratch scratch;
   const std::string pipe = (scratch / "pipe").string();
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  // A writer gets in once the player waits for data.
+  // Opening for writing fails until the player has opened the pipe for reading.
   bool closed = false;
   const auto openAndClose = [&](pid_t, const auto&) {
     const int writer = closed ? -1 : open(pipe.c_str(), O_WRONLY | O_NONBLOCK);

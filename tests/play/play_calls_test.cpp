@@ -1,4 +1,4 @@
-// What framesink-play asks the library for.
+// The calls that framesink-play makes to the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -97,7 +97,7 @@ TEST(PlayModel, OfOddWidthLosesAColumnInYcbcr) {
               ElementsAre(HasSubstr("widths=32,16,16 heights=17,17,17 type=0 layout=1")));
 }
 
-// The model is the same in every run.
+// The last frame that a run of the model sends. Every run computes the same frames.
 std::string modelFrame(const std::string& type) {
   return runPlayer({"--kind", "intensity", "--type", type, "--size", "64x50", "--frames", "20",
                     "--fps", "max"})

@@ -1,4 +1,4 @@
-// What framesink-play tells of itself, and the command lines that it refuses.
+// What framesink-play prints about itself, and the command lines that it rejects.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-// Damage that only FFmpeg's log tells is that of one source, however many are played with it.
+// Damage that FFmpeg only logs is reported for the source that has it, even if several sources
+// play.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ constexpr const char* kDamaged = ": damaged or cut short, not all of it could be
 
 class PlayDamage : public testing::Test {
  protected:
-  // A JPEG whose end is missing; decoders only log that.
+  // A JPEG without its end, which decoders only log.
   std::string cutImage() const {
     const std::string whole = (scratch_ / "a.jpg").string();
     makeWithFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=160x120:rate=10", "-frames:v", "1", whole});
@@ -48,7 +49,7 @@ TEST_F(PlayDamage, IsToldOfTheSourceThatHasIt) {
   }
 }
 
-// Each pass opens the whole file anew.
+// Each pass of --loop opens the undamaged file again, which must not clear the other file's damage.
 TEST_F(PlayDamage, EndsNoOtherSourcesLoopAndIsNotForgottenByIt) {
   const Outcome outcome =
       runPlayer({"--fps", "max", cut_, whole_, "--loop", "--frames", "12", "--stats=json"});
@@ -57,8 +58,8 @@ TEST_F(PlayDamage, EndsNoOtherSourcesLoopAndIsNotForgottenByIt) {
   EXPECT_THAT(outcome.err, EndsWith("\nframesink-play: " + cut_ + kDamaged));
 }
 
-// The last of nine pictures is noise, which takes a decoder long, and damaged near its end: a thread
-// of FFmpeg finds that after the source has handed out an earlier picture.
+// The last of nine pictures is noise, which takes long to decode, and is damaged near its end. A
+// thread of FFmpeg finds the damage after the source has already returned an earlier picture.
 TEST(PlayDamageOnAThread, IsToldOfTheSourceWhoseDecoderFoundIt) {
   if (av_cpu_count() < 2) GTEST_SKIP() << "with one processor FFmpeg uses no threads";
   const Scratch scratch;

@@ -1,4 +1,4 @@
-// framesink-play's report for bug reports.
+// framesink-play --doctor, which prints a report for bug reports.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// With the real library, on SDL's dummy driver.
+// Uses the real library on SDL's dummy driver.
 TEST(PlayDoctor, TellsWhatIsHereAndThatAllIsWell) {
   const Outcome outcome =
       runPlayer({"--doctor", "--library", REAL_LIBRARY},
@@ -69,7 +69,7 @@ TEST(PlayDoctor, FindsThatThereIsNoDisplay) {
   EXPECT_THAT(outcome.calls, Not(Contains(StartsWith("libCreate"))));
 }
 
-// The stub says that its window is open, but the window has no size.
+// The stub reports an open window, but the window has no size.
 TEST(PlayDoctor, FindsAWindowThatIsNotThere) {
   const Outcome outcome = runPlayer({"--doctor"});
   EXPECT_EQ(outcome.status, 4);

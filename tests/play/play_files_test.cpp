@@ -1,4 +1,4 @@
-// framesink-play and files: what the planes hold, how fast, and what is not a picture.
+// framesink-play with videos and images: the samples it sends, its pace, and files that it rejects.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ using testing::Le;
 using testing::SizeIs;
 using testing::StartsWith;
 
-// The flags of swscale that 8-bit planes are promised to come from.
+// The swscale flags with which framesink-play promises to make 8-bit planes.
 constexpr const char* kSwsFlags = "bicubic+accurate_rnd+full_chroma_int+bitexact";
 
 std::string bytes(std::initializer_list<int> values) {
@@ -39,7 +39,7 @@ std::string bytesOf(std::initializer_list<Sample> samples) {
   return text;
 }
 
-// A plane of `width` x `height` samples of `size` bytes, turned from rows to columns.
+// Reorders a row-major plane of `width` x `height` samples of `size` bytes to column-major.
 std::string columnsOf(const std::string& rows, int width, int height, int size = 1) {
   std::string columns;
   for (int column = 0; column < width; ++column) {
@@ -57,7 +57,7 @@ std::string everyThird(const std::string& pixels, std::size_t first) {
   return plane;
 }
 
-// What ffmpeg makes of the first frame of `source`: raw bytes.
+// Converts the first frame of `source` with ffmpeg and returns its raw bytes.
 std::string framesByFfmpeg(const Scratch& scratch, const std::string& source,
                            const Arguments& conversion) {
   const std::string result = (scratch / "expected.raw").string();
@@ -78,14 +78,14 @@ Outcome runOnFirstFrame(const std::string& source, const std::string& kind,
 struct TypedSamples {
   std::string type;
   int id;
-  std::string samples;  // for the codes 0, 127, 128, 255
+  std::string samples;  // the samples of the 8-bit codes 0, 127, 128, 255
 };
 
 void PrintTo(const TypedSamples& samples, std::ostream* out) { *out << samples.type; }
 
 class PlaySamples : public testing::TestWithParam<TypedSamples> {};
 
-// One column of four rows, so that the order is the same in rows and columns.
+// Uses one column of four rows, so that row-major and column-major order are the same.
 TEST_P(PlaySamples, SpanTheRangeOfTheirType) {
   const Scratch scratch;
   const std::string image = scratch.write("grey.pgm", "P5 1 4 255\n" + bytes({0, 127, 128, 255}));
@@ -143,7 +143,7 @@ TEST(PlayPlanes, AreRowByRowInTheOtherLayout) {
             everyThird(kPixels, 0) + everyThird(kPixels, 1) + everyThird(kPixels, 2));
 }
 
-// YCbCr 4:2:2 as it is in the file: luma 5x2, chroma 3x2.
+// A file of YCbCr 4:2:2 with 5 x 2 luma and 3 x 2 chroma samples.
 const std::string kYcbcr = "YUV4MPEG2 W5 H2 F25:1 Ip C422\nFRAME\n" +
                            bytes({16, 20, 30, 40, 50, 60, 70, 80, 90, 235}) +
                            bytes({16, 128, 240, 100, 110, 120}) + bytes({3, 4, 5, 6, 7, 8});
@@ -176,11 +176,11 @@ TEST(PlayPlanes, KeepSixteenBitsWhereTheSourceHasThem) {
   EXPECT_EQ(runOnFirstFrame(image, "intensity", "uint8").frame, bytes({0x12, 0, 0xff}));
 }
 
-// ---- Against another program's conversion ----
+// ---- Compared with ffmpeg's conversion ----
 
 struct Clip {
   std::string name;
-  Arguments making;  // ffmpeg's arguments after its test picture
+  Arguments making;  // ffmpeg's arguments after the input
   std::string file;
 };
 
@@ -247,7 +247,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Clip{"Paletted", {}, "a.gif"}),
     [](const auto& instance) { return instance.param.name; });
 
-// In 16 bits YCbCr is 256 times its 8-bit self: both must show the same within a rounding.
+// 16-bit YCbCr codes are 256 times the 8-bit codes, so both must give the same apart from rounding.
 TEST(PlayPlanes, OfDeepYcbcrAgreeWithThoseInBytes) {
   const Scratch scratch;
   const std::string clip = (scratch / "a.mkv").string();
@@ -356,7 +356,7 @@ TEST_F(PlayImage, MayFollowAHoldWithoutSeconds) {
   EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("title=\"a.ppm\"")));
 }
 
-// ---- What is no picture ----
+// ---- Files that are not pictures ----
 
 void expectRefused(const std::string& source, const std::string& told) {
   const Outcome outcome = runPlayer({source});
@@ -397,7 +397,7 @@ TEST(PlaySource, ThatIsNotReadAsAPatternOfNames) {
   EXPECT_EQ(runPlayer({image, "--frames", "1"}).status, 0);
 }
 
-// The first part of a file that ffmpeg makes.
+// Makes a file with ffmpeg and returns the path of a truncated copy.
 std::string cutFile(const Scratch& scratch, const std::string& name, const Arguments& making) {
   const std::string whole = (scratch / name).string();
   Arguments arguments{"-f", "lavfi", "-i", "testsrc2=size=160x120:rate=10:duration=1"};

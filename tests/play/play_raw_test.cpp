@@ -1,4 +1,4 @@
-// framesink-play and raw samples: they are sent as they are.
+// framesink-play --raw, which sends the samples unchanged.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ using testing::IsEmpty;
 using testing::Le;
 using testing::SizeIs;
 
-// Bytes that no sample type would make of a picture: infinities, NaNs and odd booleans among them.
+// Bytes that include samples which no picture has, such as infinities, NaNs and booleans above 1.
 std::string anyBytes(std::size_t count) {
   std::string text;
   std::uint32_t state = 1;
@@ -187,7 +187,7 @@ TEST(PlayRaw, ThatCannotBeReadIsTold) {
   expectRefused((scratch / "").string(), "is a directory");
 }
 
-// A pipe whose other end stays open and silent.
+// Uses a pipe whose writer stays open and sends nothing.
 TEST(PlayRaw, WaitingForAPipeEndsByASignal) {
   const Scratch scratch;
   const std::string pipe = (scratch / "pipe").string();

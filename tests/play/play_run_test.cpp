@@ -39,7 +39,8 @@ TEST(PlayRun, SumsUpInOneLineOnStandardError) {
 
 TEST(PlayRun, KeepsALiveLineOnATerminal) {
   const Outcome outcome = runPlayer({"--duration", "1.2"}, Setting{.terminal = true});
-  // The last line begins with one, too, and the terminal ends it with another.
+  // Two carriage returns are no rewrites: the summary line begins with one, and the terminal ends
+  // that line with another.
   const auto rewrites = std::ranges::count(outcome.err, '\r') - 2;
   EXPECT_THAT(rewrites, AllOf(Ge(2), Le(1 + 5 * outcome.seconds))) << outcome.err;
   EXPECT_THAT(outcome.err, HasSubstr("fps  host "));
@@ -116,7 +117,7 @@ TEST(PlayRun, WaitingForAFrameEndsWhenAllWindowsAreClosed) {
 }
 
 TEST(PlayRun, SendsNothingToAClosedWindow) {
-  // Open when first asked, closed when asked before the frame.
+  // The stub's window is open at the first query and closed at the one before the frame.
   const Outcome outcome = runIn({{"STUB_CLOSE_AFTER", "2"}}, {"--type", "uint8", "--frames", "1"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.callsOf("libUpdate"), IsEmpty());
@@ -126,7 +127,7 @@ TEST(PlayRun, SendsNothingToAClosedWindow) {
 
 class PlaySignal : public testing::TestWithParam<int> {};
 
-// Sends a signal once a frame has come.
+// Returns a function that sends the signal once, after the first frame.
 std::function<void(pid_t, const std::vector<std::string>&)> signalAfterFirstFrame(int number) {
   return [number, sent = false](pid_t player, const std::vector<std::string>& calls) mutable {
     const bool playing = std::ranges::any_of(

@@ -1,4 +1,4 @@
-// framesink-play's ways through a video: from a second on, again and again, at the stream's pace.
+// framesink-play's --seek and --loop, the pace of videos, and sequences of images.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ using testing::SizeIs;
 
 struct Clip {
   const char* name;
-  Arguments making;  // ffmpeg's arguments after its test picture of 20 frames, 10 a second
+  Arguments making;  // ffmpeg's arguments after the input, which has 20 frames, 10 per second
   const char* file;
 };
 

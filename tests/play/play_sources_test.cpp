@@ -18,14 +18,14 @@ using testing::IsEmpty;
 using testing::Le;
 using testing::SizeIs;
 
-// Two raw streams of 2 x 2 pixels, all alike within each.
+// Plays two raw streams of 2 x 2 pixels. All samples of a stream are equal.
 class PlaySources : public testing::Test {
  protected:
   std::string stream(const std::string& name, int frames, char sample) const {
     return scratch_.write(name, std::string(static_cast<std::size_t>(frames) * 4, sample));
   }
 
-  // Runs the player with what is the same for all its sources.
+  // Runs the player with the options that all sources share, and `arguments`.
   static Outcome run(const Arguments& arguments) {
     Arguments line{"--raw", "2x2:uint8:intensity", "--hold", "0"};
     line.insert(line.end(), arguments.begin(), arguments.end());
@@ -91,7 +91,7 @@ TEST_F(PlaySources, KeepTheirOwnPace) {
   const Outcome outcome = run({a_, "--fps", "50", b_, "--fps", "1", "--frames", "2"});
   const auto updates = outcome.callsOf("libUpdate");
   ASSERT_THAT(updates, SizeIs(7));
-  // The slow one's second frame comes a second after the first, when the fast one is long over.
+  // The slow source sends its second frame a second after its first, when the fast one has ended.
   EXPECT_EQ(std::ranges::count(updates, updates.back()), 2);
   EXPECT_NE(updates[5], updates.back());
   EXPECT_THAT(outcome.seconds, Ge(2));

@@ -1,4 +1,4 @@
-// framesink-play's account of a run.
+// The statistics that framesink-play --stats prints.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using testing::Le;
 using testing::MatchesRegex;
 using testing::SizeIs;
 
-// The number after the first `key` behind the first `section`; -1 when there is none.
+// The number after the first `key` that follows the first `section`; -1 if there is none.
 double valueOf(const std::string& text, const std::string& section, const std::string& key) {
   const auto from = text.find("\"" + section + "\":");
   const auto at = from == std::string::npos ? from : text.find("\"" + key + "\":", from);
@@ -71,7 +71,7 @@ TEST(PlayStats, KnowTheLongestTime) {
   EXPECT_THAT(valueOf(outcome.out, "host_ms", "median"), Ge(300));
 }
 
-// The first frame is the slow one.
+// The stub delays only the first frame.
 TEST(PlayStats, TellTheSlowestHundredthApart) {
   const Outcome outcome =
       runPlayer({"--type", "uint8", "--frames", "20", "--fps", "max", "--stats=json"},
@@ -94,7 +94,7 @@ TEST(PlayStats, MeasureConversionOnABlockWithoutAWindow) {
       {"--type", "uint8", "--size", "16x16", "--frames", "33", "--fps", "max", "--stats=json"},
       Setting{.environment = {{"STUB_SHOW", "20"}}});
   EXPECT_THAT(outcome.callsOf("libCreate"), ElementsAre(HasSubstr("open=1"), HasSubstr("open=0")));
-  // The twin's: the first, and four that are measured.
+  // The twin gets five frames: the first, and four that are measured.
   EXPECT_THAT(outcome.callsOf("libUpdate"), SizeIs(33 + 5));
   EXPECT_THAT(outcome.callsOf("libDestroy"), SizeIs(2));
   EXPECT_THAT(valueOf(outcome.out, "conversion_share"), AllOf(Ge(0.0), Le(0.5)));

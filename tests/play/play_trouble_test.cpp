@@ -1,4 +1,5 @@
-// Libraries, displays and files that framesink-play cannot use: one line and a status.
+// If framesink-play cannot use a library, a display or a file, it prints one line and exits with
+// the documented status.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -86,7 +87,7 @@ TEST(PlayDisplay, OfWaylandThatDoesNotAnswerEndsWithStatus4) {
   expectOneLine(outcome, "no display: nothing answers at WAYLAND_DISPLAY=/nonexistent/wayland-7");
 }
 
-// A socket that somebody listens at.
+// A socket that accepts connections.
 class Listener {
  public:
   explicit Listener(const std::string& path) : socket_(socket(AF_UNIX, SOCK_STREAM, 0)) {
@@ -104,7 +105,7 @@ class Listener {
 };
 
 TEST(PlayDisplay, ThatAnswersIsUsed) {
-  const std::string number = std::to_string(100'000 + getpid());  // all tests share these names
+  const std::string number = std::to_string(100'000 + getpid());  // all processes share these names
   const Listener server(std::string(1, '\0') + "/tmp/.X11-unix/X" + number);
   EXPECT_EQ(runIn(displays(":" + number + ".0", ""), {"--frames", "1"}).status, 0);
 }

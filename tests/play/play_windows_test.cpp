@@ -1,5 +1,5 @@
-// framesink-play with the real library: a clip's last frame, read back from the X server pixel by
-// pixel, is what the conversion rules make of the planes that were sent.
+// framesink-play with the real library: reads a clip's last frame back from the X server and
+// compares every pixel with what the conversion rules give for the planes that were sent.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -62,7 +62,7 @@ std::vector<std::uint32_t> expectedPixels(const std::vector<std::uint8_t>& sent,
   return pixels;
 }
 
-// Runs a program to its end, which is to come well.
+// Runs a program and expects it to succeed.
 void run(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
   test::ChildProcess program(command, {.environment = environment});
   const auto status = program.wait(std::chrono::seconds(60));
@@ -71,14 +71,14 @@ void run(const std::vector<std::string>& command, const std::vector<std::string>
 
 class PlayWindowsTest : public test::BareXTest, public testing::WithParamInterface<Case> {
  protected:
-  // One second of moving test picture, as a compressed clip.
+  // Makes a compressed clip of one second.
   void SetUp() override {
     run({"ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc2=size=640x480:rate=30:duration=1",
          "-pix_fmt", "yuv420p", clip_},
         {});
   }
 
-  // Plays the clip and leaves its last frame in the file `dump`.
+  // The command that plays the clip and writes its last frame to the file `dump`.
   std::vector<std::string> player(const std::string& dump) const {
     std::vector<std::string> command{FRAMESINK_PLAY_PROGRAM,
                                      clip_,
@@ -98,10 +98,10 @@ class PlayWindowsTest : public test::BareXTest, public testing::WithParamInterfa
   const std::string clip_ = folder_.path() + "/clip.mp4";
 };
 
-// SDL's record of a display thread, which is never joined, is left behind by design.
+// By design, SDL's record of the display thread remains, because nobody joins that thread.
 const std::string kNoLeaks = "ASAN_OPTIONS=detect_leaks=0";
 
-// The clip is played twice: at first without a screen, which tells what its last frame is.
+// Plays the clip twice. The first run, without a screen, finds out what the last frame is.
 TEST_P(PlayWindowsTest, ShowTheLastFrameOfAClipExactly) {
   const std::string dumps[] = {folder_.path() + "/first.raw", folder_.path() + "/second.raw"};
   run(player(dumps[0]), {kNoLeaks, "SDL_VIDEODRIVER=dummy"});

@@ -38,7 +38,7 @@ std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-// In the child: becomes the program of `line`, which does not outlive the test.
+// Called in the child: executes the command `line`, which the kernel kills if the test dies.
 [[noreturn]] void become(const Arguments& line) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::vector<char*> words;
@@ -63,7 +63,7 @@ void applyEnvironment(const Environment& environment) {
   }
 }
 
-// A pseudo-terminal; its far end is opened by the child.
+// A pseudo-terminal. The child opens its far end.
 class Terminal {
  public:
   Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
@@ -87,7 +87,7 @@ class Terminal {
 
  private:
   int master_;
-  int keptOpen_;  // so that the terminal's text outlives the child
+  int keptOpen_;  // the far end, so that the text can be read after the child has ended
   std::string farEnd_;
 };
 

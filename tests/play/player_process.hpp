@@ -1,4 +1,4 @@
-// Runs framesink-play against the stub library and tells what came of it.
+// Runs framesink-play with the stub library and reports the outcome.
 #pragma once
 
 #include <sys/types.h>
@@ -17,12 +17,12 @@ using Environment = std::map<std::string, std::string>;
 
 // How a run ended and what it left behind.
 struct Outcome {
-  int status = -1;  // of a normal end
-  int signal = 0;   // that killed it
+  int status = -1;  // exit status; -1 if a signal killed it
+  int signal = 0;   // the signal that killed it; 0: none
   std::string out;
   std::string err;
   double seconds = 0;
-  long peakKilobytes = 0;          // of its memory
+  long peakKilobytes = 0;          // most memory in use
   std::vector<std::string> calls;  // lines of the stub's log
   std::string frame;               // planes of the last frame sent, one after another
 
@@ -31,7 +31,7 @@ struct Outcome {
   std::string lastCall() const { return calls.empty() ? "" : calls.back(); }
 };
 
-// A folder of the test's own, removed with it.
+// A temporary folder for one test; the destructor removes it.
 class Scratch {
  public:
   Scratch();
@@ -48,15 +48,15 @@ class Scratch {
 };
 
 struct Setting {
-  Environment environment = {};   // replaces what it names; an empty value unsets
+  Environment environment = {};   // variables to set; an empty value unsets
   std::string input = {};         // file for standard input; empty: none
   bool terminal = false;          // standard error is a terminal
   bool stubLibrary = true;        // adds --library with the stub
-  std::vector<int> ignored = {};  // signals ignored from the start
-  std::string folder = {};        // that it works in; empty: the test's
+  std::vector<int> ignored = {};  // signals that the player ignores at its start
+  std::string folder = {};        // its working directory; empty: the test's
   // Seconds after the first frame at which the user closes all windows; negative: never.
   double closeAfter = -1;
-  // Called again and again while the player runs, with its id and the calls so far.
+  // Called repeatedly while the player runs, with its process id and the calls logged so far.
   std::function<void(pid_t, const std::vector<std::string>&)> meanwhile = {};
 };
 
@@ -65,10 +65,10 @@ struct Setting {
 Outcome runPlayer(const Arguments& arguments, const Setting& setting = {});
 Outcome runIn(const Environment& environment, const Arguments& arguments);
 
-// The player's errors are one line that begins with its name.
+// Expects exactly one line on standard error, which begins with the player's name.
 void expectOneLine(const Outcome& outcome, const std::string& part);
 
-// Runs another program, found on the path; true when it succeeds.
+// Runs another program, looked up in PATH; true if it succeeds.
 bool runProgram(const Arguments& line);
 
 }  // namespace framesink::play

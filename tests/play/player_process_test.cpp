@@ -1,4 +1,4 @@
-// Players that tests start do not outlive them.
+// A player that a test starts ends with the test.
 #include "player_process.hpp"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,8 @@
 namespace framesink::play {
 namespace {
 
-// Becomes a test that is killed while its endless player plays, and writes that player's id before.
+// Acts as a test that starts an endless player, writes the player's process id to `out` and is
+// killed.
 [[noreturn]] void beKilledWhilePlaying(const Scratch& scratch, int out) {
   setenv("TMPDIR", (scratch / "").c_str(), 1);
   const auto dieOncePlaying = [out](pid_t player, const std::vector<std::string>& calls) {
@@ -25,7 +26,7 @@ namespace {
 
 TEST(PlayerProcess, EndsWithItsTest) {
   const Scratch scratch;
-  int ends[2];  // the second one is open in the player, too
+  int ends[2];  // the player inherits the second one, so the first one reports the player's end
   ASSERT_EQ(pipe(ends), 0);
   const pid_t test = fork();
   if (test == 0) beKilledWhilePlaying(scratch, ends[1]);

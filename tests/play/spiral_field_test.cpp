@@ -27,7 +27,8 @@ Extremes extremesOf(const SpiralField& field) {
   return found;
 }
 
-// Whole swings between calm and unrest: amplitudes stay in bounds and the field keeps moving.
+// Runs whole swings between calm and unrest: amplitudes stay within bounds and the field keeps
+// changing.
 TEST(SpiralField, LivesOnWithinBounds) {
   SpiralField field(kWidth, kHeight);
   for (int second = 0; second < SWINGS * kSwing; ++second) {
@@ -48,7 +49,7 @@ TEST(SpiralField, ShowsDefectsWithinThreeSeconds) {
   EXPECT_LT(extremesOf(field).smallest, 0.3);
 }
 
-// The largest step of either part between two columns.
+// The largest difference between two columns, in the real or the imaginary part.
 double stepBetween(const SpiralField& field, int left, int right) {
   double step = 0;
   for (int row = 0; row < kHeight; ++row) {
@@ -68,7 +69,7 @@ TEST(SpiralField, HasNoSeamAtItsEdges) {
   EXPECT_LT(stepBetween(field, kWidth - 1, 0), 1.2 * inside);
 }
 
-// Cells at the edges swing as far as others do, in both parts.
+// Cells at the edges reach the same amplitudes as the others, in the real and the imaginary part.
 TEST(SpiralField, IsNotHeldAtItsEdges) {
   SpiralField field(kWidth, kHeight);
   double edgeU = 0, edgeV = 0, allU = 0, allV = 0;

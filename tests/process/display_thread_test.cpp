@@ -18,8 +18,8 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// The display thread runs body() here. It waits until mayEnd is set and, after its farewell, until
-// mayGo is set.
+// The display thread runs body(). It waits until mayEnd is set and, after it has reported that it
+// is done, until mayGo is set.
 class DisplayThreadTest : public DummyVideoTest {
  protected:
   ~DisplayThreadTest() override {
@@ -43,11 +43,11 @@ class DisplayThreadTest : public DummyVideoTest {
   std::atomic<bool> began{false};
   std::atomic<bool> knewItself{false};
   std::atomic<bool> mayEnd{false};
-  // Static, as nothing synchronises the thread's last look at it with the end of the test.
+  // Static, because the thread may still read it when the test has ended.
   static inline std::atomic<bool> mayGo{true};
 
  private:
-  // Thread-local: destroyed after the farewell, while the thread ends.
+  // Thread-local: destroyed while the thread ends, after it has reported that it is done.
   struct Going {
     ~Going() {
       while (!mayGo) std::this_thread::yield();

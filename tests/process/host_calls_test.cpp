@@ -1,4 +1,4 @@
-// endHostCalls() is final, so each of these tests needs a process of its own.
+// endHostCalls() is final, so each of these tests needs its own process.
 #include "process/host_calls.hpp"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ namespace {
 
 bool areCallsTurnedAway() { return !HostCall(); }
 
-// Runs endHostCalls() on a thread of its own.
+// Runs endHostCalls() on a separate thread.
 class Ending {
  public:
   explicit Ending(std::chrono::milliseconds patience = kLongestUnload) : budget_(patience) {}
@@ -92,8 +92,8 @@ TEST(HostCalls, TheEndWaitsForMoreCallsThanAreKnownByThread) {
   EXPECT_TRUE(ending.answer());
 }
 
-// A call that was given up stays given up: a later end does not wait for it again, and
-// returns false even after the call has returned.
+// Once endHostCalls() has stopped waiting for a call, a later endHostCalls() does not wait for it
+// again and returns false, even after the call has returned.
 TEST(HostCalls, TheEndGivesUpACallThatDoesNotReturn) {
   auto call = std::make_unique<HostCall>();
   const Ending ending(std::chrono::milliseconds(30));

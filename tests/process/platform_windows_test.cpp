@@ -24,7 +24,7 @@ TEST(Platform, OtherThreadsAreThereWhileTheProcessLives) { EXPECT_FALSE(areOther
 TEST(Platform, SleepsAtLeastAsLongAsAsked) {
   const auto before = Clock::now();
   sleepFor(milliseconds(20));
-  EXPECT_GE(Clock::now() - before, milliseconds(19));  // the clocks tick differently
+  EXPECT_GE(Clock::now() - before, milliseconds(19));  // the two clocks have different resolutions
 }
 
 // A thread that stays in this program's code until mayWait is set, then waits inside Windows until
@@ -80,7 +80,7 @@ TEST_F(OtherThread, HasLeftOurCodeWhenItHasEnded) {
 class HeldLibrary : public testing::Test {
  protected:
   static bool isLoaded() { return ::GetModuleHandleW(kName) != nullptr; }
-  // Loads the library such that only the returned hold keeps it loaded.
+  // Loads the library so that only the returned hold keeps it loaded.
   static LibraryHold hold() {
     const HMODULE module = ::LoadLibraryW(kName);
     LibraryHold held(module);

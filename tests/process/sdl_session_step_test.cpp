@@ -1,4 +1,4 @@
-// A use of SDL that is interrupted at any instruction of its beginning, by the end of SDL.
+// Interrupts the constructor of SdlUse at every instruction, and shuts SDL down there.
 #include "support/interruption.hpp"
 
 #if defined(FRAMESINK_TESTS_CAN_INTERRUPT)
@@ -18,7 +18,7 @@
 namespace framesink::test {
 namespace {
 
-// Quits SDL on a thread of its own, at the latest when it is destroyed.
+// Calls quitSdl on a separate thread: at begin(), or in the destructor if begin() was not called.
 class Quitter {
  public:
   explicit Quitter(SdlRecorder& recorder)
@@ -39,7 +39,7 @@ class Quitter {
     mayBegin_ = true;
     mayBegin_.notify_one();
   }
-  // Waits until the thread has called SDL_Quit, or sleeps because of a use; false at the deadline.
+  // Waits until the thread has called SDL_Quit or waits for a use to end; false at the deadline.
   bool hasLookedAtTheUses() const {
     if (!waitUntil([this] { return sdlGeneration() != generation_; })) return false;
     const std::uint64_t before = timesAsleep(getpid(), kName);
@@ -59,7 +59,8 @@ class Quitter {
 
 class InterruptedSdlUse : public DummyVideoTest {
  protected:
-  // SDL's end begins after so many of the use's instructions. False when the use was ready first.
+  // Shuts SDL down after `instructions` instructions of the use's constructor. False if the
+  // constructor ended before that.
   bool isInterruptedAfter(int instructions) {
     Quitter quitter(recorder);
     bool hasLooked = true;
@@ -80,7 +81,7 @@ class InterruptedSdlUse : public DummyVideoTest {
   bool hasQuit = false;
 };
 
-// Were the generation looked at before the use is counted, SDL could end in between.
+// If a use read the generation before it is counted, SDL could be shut down in between.
 TEST_F(InterruptedSdlUse, IsFalseUnlessItHoldsUpQuitting) {
   int quitFirst = 0;
   int heldUp = 0;

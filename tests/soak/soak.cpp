@@ -36,7 +36,7 @@ struct Options {
   int loads() const { return 8 * std::max(1, static_cast<int>(minutes / 15)); }
 };
 
-// Each part has a host process of its own, because the memory that OpenGL keeps would hide growth
+// Each part has a separate host process, because the memory that OpenGL keeps would hide growth
 // in the others.
 struct Part {
   const char* drawing;
@@ -89,7 +89,7 @@ class Soak {
     return endsWell(host);
   }
 
-  // Reads the host's output until it ends, or prints nothing for too long.
+  // Reads the host's output until the host ends or prints nothing for too long.
   void watch(ChildProcess& host) {
     auto heard = std::chrono::steady_clock::now();
     std::size_t read = 0;

@@ -16,8 +16,8 @@ thread_local AllocationSupply supply;
 constexpr auto kUnordered = std::memory_order_relaxed;
 std::atomic<std::size_t> inUse{0};
 
-// The thread whose allocations never fail, known by the address of its supply. Null: no allocation
-// fails on account of another thread.
+// Identifies the thread whose allocations never fail by the address of its `supply`, while those of
+// all other threads may. Null: threads do not make each other's allocations fail.
 std::atomic<const AllocationSupply*> spared{nullptr};
 std::atomic<std::int64_t> othersLeft{0};
 
@@ -44,7 +44,8 @@ void failWhenExhausted() {
   if (isExhausted() || isOtherExhausted()) throw std::bad_alloc();
 }
 
-// On Windows, aligned memory needs a free function of its own, so all memory is aligned there.
+// On Windows, aligned memory must be freed with _aligned_free, so all memory there is allocated
+// aligned.
 #if defined(_WIN32)
 void* block(std::size_t bytes, std::size_t unit) { return _aligned_malloc(bytes, unit); }
 void* block(std::size_t bytes) { return block(bytes, alignof(std::max_align_t)); }

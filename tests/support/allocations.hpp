@@ -36,7 +36,7 @@ class OutOfMemory {
 void failNextAllocation();
 
 // While one lives, exactly one allocation fails: the `number`-th (from 1), counted on the calling
-// thread or on all other threads together. One at a time.
+// thread or on all other threads together. Only one may live at a time.
 class FailingAllocation {
  public:
   enum class Of { kThisThread, kOtherThreads };

@@ -1,6 +1,6 @@
-// Work that comes in between two instructions of a thread, at whichever one a test wants. Needs a
-// processor that can step through single instructions; the thread sanitizer's own code cannot be
-// interrupted so.
+// Interrupts a thread between any two of its instructions and runs a test's function there. Needs a
+// processor that can step through single instructions, and a build without the thread sanitizer,
+// whose own code cannot be interrupted in this way.
 #pragma once
 
 #include "display/tearing.hpp"
@@ -16,8 +16,9 @@
 
 namespace framesink::test {
 
-// Lets `work` happen after a number of single instructions, in the midst of what this thread does.
-// That must not allocate. One at a time.
+// Runs `work` on the constructing thread after that thread has executed `instructions` more
+// instructions. The interrupted code must not allocate memory, because `work` may. Only one may
+// live at a time.
 class Interruption {
  public:
   Interruption(int instructions, std::function<void()> work)
@@ -32,12 +33,12 @@ class Interruption {
     sigaction(SIGTRAP, &action, &previous_);
     std::raise(SIGTRAP);
   }
-  // Nothing comes in any more once this thread has come to `function`.
+  // Does not run `work` if the thread reaches `function` first.
   template <class Result, class... Parameters>
   void endAt(Result (*function)(Parameters...)) {
     end_ = reinterpret_cast<greg_t>(function);
   }
-  // Nothing comes in from now on. True when the work was done before.
+  // Stops interrupting. Returns true if `work` has run.
   bool end() {
     ended_ = true;
     return left_ < 0;
@@ -47,7 +48,7 @@ class Interruption {
   Interruption& operator=(const Interruption&) = delete;
 
  private:
-  // The processor's trap flag: a signal after each instruction.
+  // The processor's trap flag: while it is set, each instruction raises SIGTRAP.
   static constexpr long long kTrapFlag = 0x100;
 
   void step(greg_t address, greg_t& flags) {

@@ -1,8 +1,8 @@
-/* A library with framesink's interface and no windows. It writes down every call in the file named
- * by STUB_LOG, one line each, and keeps the planes of the latest frame in a file beside it.
+/* A library with framesink's interface and no windows. It writes one line for each call to the file
+ * named by STUB_LOG, and the planes of the latest frame to a file beside it.
  *
- *   STUB_CLOSE_AFTER   isPlayerOpen answers 0 after that many calls; unset: never. It does so, too,
- *                      when there is a file of the log's name with ".close" added
+ *   STUB_CLOSE_AFTER   isPlayerOpen returns 0 after that many calls; unset: never. It also does if
+ *                      there is a file with the log's name and ".close" added
  *   STUB_SLOW_START    the first libUpdate of a block with a window takes that many seconds
  *   STUB_SHOW          every libUpdate of a block with a window takes that many milliseconds more
  *   STUB_COMPLAINT     libCreate, libStart or libUpdate: which function reports an error

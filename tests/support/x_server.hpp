@@ -38,8 +38,8 @@ class XServer {
 };
 
 // The server of this test process, started at the first call, and again if it was killed. It is
-// never destroyed but ends with the process, because a library may still hold a connection while
-// its exit handlers run, and would end the process with an error if the connection broke.
+// never destroyed and ends with the process, because libraries may still be connected to it while
+// exit handlers run. A lost connection would end the process with an error.
 XServer& sharedXServer();
 
 }  // namespace framesink::test

@@ -73,7 +73,7 @@ TEST(XServer, SharesTheMachineWithOthers) {
   EXPECT_NO_THROW(XClient{second.display()});
 }
 
-// Compares change times, because another server may take the same number, and path, at once.
+// Compares the socket's change times, because another server may immediately reuse its path.
 TEST(XServer, LeavesNoSocketBehind) {
   std::string path;
   struct stat socket {};

@@ -166,7 +166,7 @@ void addTimeOptions(CLI::App& app, Options& options) {
 void addProgramOptions(CLI::App& app, Options& options, ProgramOptions& program) {
   app.add_option("--library", program.sharedLibrary,
                  "The library to load (default: " + std::string(kLibraryName) +
-                     " of this build,\nelse of the system)")
+                     " of this build,\notherwise the one that the loader finds)")
       ->type_name("PATH");
   app.add_option("--dump-frame", options.dumpFile,
                  "Write the last frame of the first window to FILE: its samples as\n"

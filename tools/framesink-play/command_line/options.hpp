@@ -42,7 +42,7 @@ struct Options {
   bool measured = false;  // collect --stats
 
   // Set from all sources together.
-  int windowsBefore = 0;       // of the sources that come first on the command line
+  int windowsBefore = 0;       // of the sources that precede this one
   int windowsInAll = 1;        // of all sources
   bool ownPosition = false;    // --position follows this FILE
   bool ownFullscreen = false;  // --fullscreen follows this FILE

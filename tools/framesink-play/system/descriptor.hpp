@@ -12,8 +12,8 @@ std::ptrdiff_t readSome(int descriptor, void* to, std::size_t count);
 int standardInput();
 void closeFile(int descriptor);
 
-// Returns true if a read would not wait. Waits for that, but for no more than 50 ms, so that the
-// caller can check for a stop signal. Always true on Windows.
+// Returns true if a read would not wait. Waits at most 50 ms for that, so that the caller can check
+// for a stop signal. Always true on Windows.
 bool waitForInput(int descriptor);
 
 }  // namespace framesink::play

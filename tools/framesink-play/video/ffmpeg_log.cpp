@@ -19,8 +19,9 @@ void watch(ErrorFlag* flag) {
   watching = flag;
 }
 
-// Returns the flag of the decoder that logs. FFmpeg's copies of a decoder for its threads have it
-// too. Returns null for anything but a decoder, and for decoders that FFmpeg uses internally.
+// Returns the flag of the decoder that logs. The copies of a decoder that FFmpeg makes for its
+// threads have the same flag. Returns null for anything but a decoder, and for decoders that FFmpeg
+// uses internally.
 ErrorFlag* flagOf(const void* context) {
   if (context == nullptr) return nullptr;
   if (*static_cast<const AVClass* const*>(context) != avcodec_get_class()) return nullptr;

@@ -8,7 +8,7 @@ struct AVCodecContext;
 
 namespace framesink::play {
 
-// FFmpeg's log sets it, on any thread. It must outlive the decoder that it is given to.
+// Set when FFmpeg logs an error, on any thread. It must outlive the decoder that it is given to.
 using ErrorFlag = std::atomic<bool>;
 
 // Makes errors of this decoder set `flag`, on whichever of FFmpeg's threads they occur. Call it
