@@ -2,11 +2,16 @@
 include(GoogleTest)
 
 # Most tests run for milliseconds, so compiling takes most of the time. Therefore tests are compiled
-# without optimisation, and the largest headers are compiled once for all test programs.
+# without optimisation, and the largest headers are compiled once for all test programs. Sanitizers'
+# reports need no more of the debug information than line numbers.
+set(test_options -O0)
+if(FRAMESINK_SANITIZE)
+  list(APPEND test_options -g1)
+endif()
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/test_prelude.cpp CONTENT "int main() {}\n")
 add_executable(test_prelude EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/test_prelude.cpp)
 target_link_libraries(test_prelude PRIVATE GTest::gtest framesink_warnings)
-target_compile_options(test_prelude PRIVATE -O0)
+target_compile_options(test_prelude PRIVATE ${test_options})
 target_precompile_headers(test_prelude PRIVATE
   <gtest/gtest.h>
   <algorithm> <array> <atomic> <chrono> <condition_variable> <cstdint> <functional> <iostream> <map>
@@ -46,7 +51,7 @@ function(add_test_program name)
   target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} framesink_warnings GTest::gtest_main)
   if(arg_SOURCES)
-    target_compile_options(${name} PRIVATE -O0)
+    target_compile_options(${name} PRIVATE ${test_options})
     set_source_files_properties(${arg_OPTIMISED} PROPERTIES
       COMPILE_OPTIONS -O2 SKIP_PRECOMPILE_HEADERS ON)
     target_precompile_headers(${name} REUSE_FROM test_prelude)
