@@ -1,5 +1,5 @@
-// Calls of the host that come after the library's end: each returns at once and touches nothing.
-// The end is for good, so it comes in a process of its own, which repeats the test up to there.
+// Calls that the host makes after the library's end: each returns at once and touches nothing. The
+// library cannot start again in the same process, so each test ends it in a child process.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,5 +1,5 @@
 // What setupVideoWindow does with a window when its block is created again, rule by rule, without a
-// screen. Each test needs a process of its own, because a process has one server of each kind.
+// screen. Run each test in a separate process, because a process has one server of each kind.
 #include <gtest/gtest.h>
 
 #include <new>

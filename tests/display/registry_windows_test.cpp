@@ -1,5 +1,5 @@
-// Named windows on a user's desktop. Each test needs a process of its own, because a process has
-// one server of each kind.
+// Named windows on a user's desktop. Run each test in a separate process, because a process has one
+// server of each kind.
 #include <gtest/gtest.h>
 
 #include "display/server_instances.hpp"

@@ -17,7 +17,7 @@
 namespace framesink::test {
 namespace {
 
-// Each test needs a process of its own, because a process has one server of each kind.
+// Run each test in a separate process, because a process has one server of each kind.
 class TwoServersTest : public DummyVideoTest {
  protected:
   std::uint32_t lastWindowId() const {

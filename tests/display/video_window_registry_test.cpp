@@ -1,4 +1,4 @@
-// Records and names, without a screen. Each test needs a process of its own, because a process has
+// Records and names, without a screen. Run each test in a separate process, because a process has
 // one server of each kind.
 #include "display/video_window_registry.hpp"
 

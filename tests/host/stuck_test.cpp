@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr int kHostsStatus = 7;
 
-// Each test has a display of its own, because it stops that display's window manager.
+// Each test starts a separate display, because it stops that display's window manager.
 class Stuck : public testing::Test {
  protected:
   // No leak check: when the display thread is stuck, the library leaves Xlib's and SDL's memory.

@@ -11,8 +11,7 @@
 
 namespace framesink::test {
 
-// Thread ids in ascending order. A sanitizer may run a thread of its own, so compare with an
-// earlier count.
+// Thread ids in ascending order. A sanitizer may add a thread, so compare with an earlier count.
 std::vector<int> threadIds();
 
 // The threads' names, in the order of threadIds(). The kernel cuts them to 15 characters.
