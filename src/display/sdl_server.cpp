@@ -47,7 +47,9 @@ class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
       gate_.lock();
       return;
     }
-    mutex_ = server.thread_.isLost() ? nullptr : server.mutex_.load();
+    // Only a host thread can outlive the display thread, so a pass saves the system call.
+    const bool isThreadLost = patience == kUntilLeaving && server.thread_.isLost();
+    mutex_ = isThreadLost ? nullptr : server.mutex_.load();
     while (mutex_ != nullptr && SDL_LockMutex(mutex_) != 0) {
       if (patience == kOnce || server.leaving_) mutex_ = nullptr;
       if (patience != kOnce) SDL_Delay(kLockRetry);
