@@ -50,9 +50,22 @@ void SdlPlayer::createWindow() {
   window_ = window.release();
 }
 
-void SdlPlayer::setTitle(const std::string& title) {
+void SdlPlayer::requestTitle(std::string title) {
   const MutexLock lock(titleMutex_);
-  window()->setTitle(title);
+  requestedTitle_ = std::move(title);
+  titleRequested_ = true;
+}
+
+void SdlPlayer::serveRequests() {
+  if (titleRequested_.exchange(false)) {
+    std::string title;
+    {
+      const MutexLock lock(titleMutex_);
+      title.swap(requestedTitle_);
+    }
+    window()->setTitle(std::move(title));
+  }
+  if (raiseRequested_.exchange(false)) window()->raise();
 }
 
 }  // namespace framesink

@@ -52,9 +52,10 @@ class SdlPlayer {
   // True if memory ran out while the window was made, so that waiting for it is pointless.
   bool isWindowImpossible() const { return windowImpossible_; }
 
-  // Sets the window's title. The window must exist. Throws std::bad_alloc, and then keeps the old
-  // title.
-  void setTitle(const std::string& title);
+  // Ask the thread that runs SDL for the player to raise the window or to set its title, so that
+  // no host thread is ever inside SDL's window code beside that thread. The latest title counts.
+  void requestRaise() { raiseRequested_ = true; }
+  void requestTitle(std::string title);
 
   // ---- The thread that runs SDL for the player ----
 
@@ -64,6 +65,9 @@ class SdlPlayer {
 
   // Ends the hold of holdLibrary(): the window was made in an earlier pass, or never will be.
   void settle() { untilSettled_.letGo(); }
+
+  // Does what was requested. The window must exist.
+  void serveRequests() FRAMESINK_REQUIRES(sdlGate);
 
   bool hasNewFrame() const { return newFrame_; }
 
@@ -94,7 +98,10 @@ class SdlPlayer {
   std::atomic<bool> newFrame_{false};
   std::atomic<bool> closeRequested_{false};
 
-  Mutex titleMutex_;                         // host threads set a title one at a time
+  std::atomic<bool> raiseRequested_{false};
+  std::atomic<bool> titleRequested_{false};
+  Mutex titleMutex_;
+  std::string requestedTitle_ FRAMESINK_GUARDED_BY(titleMutex_);
   std::atomic<SdlWindow*> window_{nullptr};  // owned
   std::atomic<bool> windowImpossible_{false};
   LibraryHold untilSettled_;

@@ -8,8 +8,10 @@
 #include <utility>
 
 #include "display/event_rules.hpp"
+#include "process/display_loss.hpp"
 #include "process/opengl.hpp"
 #include "process/wait_budget.hpp"
+#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
@@ -51,8 +53,8 @@ class FRAMESINK_SCOPED_LOCK SdlServer::PlayersLock {
     const bool isThreadLost = patience == kUntilLeaving && server.thread_.isLost();
     mutex_ = isThreadLost ? nullptr : server.mutex_.load();
     while (mutex_ != nullptr && SDL_LockMutex(mutex_) != 0) {
-      if (patience == kOnce || server.leaving_) mutex_ = nullptr;
-      if (patience != kOnce) SDL_Delay(kLockRetry);
+      if (patience == kOnce || server.leaving_ || isDisplayLost()) mutex_ = nullptr;
+      if (patience != kOnce) restInSdl(kLockRetry);
     }
   }
   ~PlayersLock() FRAMESINK_RELEASES() {
@@ -75,6 +77,7 @@ SdlServer::SdlServer(bool threaded, ServerSurroundings surroundings)
 SdlServer::~SdlServer() {
   stop();
   quitSdl(unloadBudget());
+  leaveX11();
   sdlCode_.letGo();
 }
 
@@ -82,16 +85,22 @@ SdlServer::~SdlServer() {
 
 PlayerId SdlServer::addPlayer(const std::uint8_t* initialFrame, WindowRequest request) {
   if (leaving_) return kNoPlayer;
-  if (!started_) start();
+  if (!started_ && !isDisplayLost()) start();
+  if (isDisplayLost()) {
+    reportNoWindow();
+    return kNoPlayer;
+  }
   if (threaded_ && openGl_ && surroundings_.stopAll != nullptr) {
     callFirstAtExit(surroundings_.stopAll);
   }
   const PlayersLock lock(*this, PlayersLock::kUntilLeaving);
-  if (!lock || leaving_) return kNoPlayer;
+  if (isDisplayLost()) reportNoWindow();
+  if (!lock || leaving_ || isDisplayLost()) return kNoPlayer;
   const PlayerId playerId = nextPlayerId_++;
   auto player = std::make_unique<SdlPlayer>(initialFrame, std::move(request), playerId);
   if (!threaded_) {
     const InGate gate;
+    closeIfSdlIsGone();
     openWindow(*player);
   } else if (thread_.isRunning()) {
     player->holdLibrary();
@@ -102,13 +111,16 @@ PlayerId SdlServer::addPlayer(const std::uint8_t* initialFrame, WindowRequest re
 
 void SdlServer::deliverFrame(PlayerId playerId, const std::uint8_t* frame, Size frameSize) {
   if (threaded_) {
+    if (isDisplayLost()) return;
     const Players::Reader reader(players_);
     SdlPlayer* player = findPlayer(reader.players(), playerId);
     if (player != nullptr && player->frameSize() == frameSize) player->submitFrame(frame);
     return;
   }
+  if (isDisplayLost() && players_.empty()) return;
   const PlayersLock lock(*this, PlayersLock::kOnce);
   const InGate gate;
+  closeIfSdlIsGone();
   SdlPlayer* shown = player(playerId);
   if (shown != nullptr && shown->frameSize() == frameSize) {
     shown->submitFrame(frame);
@@ -129,19 +141,24 @@ void SdlServer::closePlayer(PlayerId playerId) {
   if (SdlPlayer* closed = player(playerId)) removePlayer(*closed);
 }
 
+// Without a thread, nothing else notices the loss of the display between frames.
 bool SdlServer::hasOpenPlayer(PlayerId playerId) const {
+  if (!threaded_ && hasX11HungUp()) declareDisplayLost();
+  if (isDisplayLost()) return false;
   const Players::Reader reader(players_);
   const SdlPlayer* player = findPlayer(reader.players(), playerId);
   return player != nullptr && !player->isCloseRequested();
 }
 
 bool SdlServer::canWindowCome(const SdlPlayer& player) const {
-  return !leaving_ && thread_.isRunning() && !thread_.isLost() && !player.isWindowImpossible();
+  return !leaving_ && !isDisplayLost() && thread_.isRunning() && !thread_.isLost() &&
+         !player.isWindowImpossible();
 }
 
 template <class Result, class Action>
 Result SdlServer::withWindow(PlayerId playerId, Result absent, Action action) const {
   for (;;) {
+    if (isDisplayLost()) return absent;
     {
       std::unique_lock gate(sdlGate, std::defer_lock);
       if (!threaded_) gate.lock();
@@ -151,22 +168,31 @@ Result SdlServer::withWindow(PlayerId playerId, Result absent, Action action) co
       if (player->window() != nullptr) return action(*player);
       if (!canWindowCome(*player)) return absent;
     }
-    SDL_Delay(kWindowPoll);
+    restInSdl(kWindowPoll);
   }
 }
 
 void SdlServer::raisePlayer(PlayerId playerId) {
-  withWindow(playerId, false, [](SdlPlayer& player) {
-    player.window()->raise();
+  withWindow(playerId, false, [&](SdlPlayer& player) {
+    player.requestRaise();
+    serveAtOnce(player);
     return true;
   });
 }
 
 void SdlServer::renamePlayer(PlayerId playerId, const std::string& title) {
   withWindow(playerId, false, [&](SdlPlayer& player) {
-    player.setTitle(title);
+    player.requestTitle(title);
+    serveAtOnce(player);
     return true;
   });
+}
+
+// Without a thread, nobody else serves requests.
+void SdlServer::serveAtOnce(SdlPlayer& player) const {
+  if (threaded_) return;
+  const InGate gate;
+  player.serveRequests();
 }
 
 bool SdlServer::isPlayerFullscreen(PlayerId playerId) const {
@@ -222,8 +248,10 @@ std::uint32_t SdlServer::getWindowY(PlayerId playerId) const {
 void SdlServer::start() {
   const InGate gate;
   if (started_) return;
-  openGl_ = isOpenGlInUse();
   initVideo();
+  if (isDisplayLost()) return;
+  foreignQuits_ = foreignQuits();
+  openGl_ = isOpenGlInUse();
   sdlCode_ = holdSdl();
   if (threaded_) startThread();
   started_ = true;
@@ -246,7 +274,8 @@ bool SdlServer::stop() {
     if (!mayDeletePlayers()) return false;
     deleteAllPlayers();
   }
-  SDL_DestroyMutex(mutex_.exchange(nullptr));
+  SDL_mutex* const mutex = mutex_.exchange(nullptr);
+  if (!isDisplayLost()) SDL_DestroyMutex(mutex);
   started_ = false;
   quit_ = false;  // Reset right after the wait, deliberately; leaving_ stays.
   return true;
@@ -263,7 +292,7 @@ bool SdlServer::awaitDisplayThread() {
   if (thread_.isThisThread()) return false;
   WaitBudget& budget = unloadBudget();
   while (thread_.isRunning() && !players_.empty() && !thread_.isLost() && !budget.isSpent()) {
-    SDL_Delay(kUnloadPoll);
+    restInSdl(kUnloadPoll);
     budget.count(std::chrono::milliseconds(kUnloadPoll));
   }
   if (thread_.awaitEnd(budget)) return true;
@@ -278,9 +307,9 @@ void SdlServer::threadMain(void* server) {
   if ((SDL_WasInit(SDL_INIT_EVERYTHING) & SDL_INIT_VIDEO) == 0) {
     std::fprintf(stderr, "Internal error: SDL video subsystem is not initialized.\n");
   }
-  while (!self.quit_ && !self.leaving_) {
+  while (!self.quit_ && !self.leaving_ && !isDisplayLost()) {
     self.runPass();
-    SDL_Delay(self.players_.empty() ? kPassWithout : kPassWithPlayers);
+    if (!isDisplayLost()) SDL_Delay(self.players_.empty() ? kPassWithout : kPassWithPlayers);
   }
   self.deleteAllPlayers();
 }
@@ -289,6 +318,7 @@ void SdlServer::runPass() {
   const PlayersLock lock(*this, PlayersLock::kOnce);
   if (!lock) return;
   const InGate gate;
+  closeIfSdlIsGone();
   servePlayers();
   pumpEvents(true);
 }
@@ -314,15 +344,16 @@ void SdlServer::servePlayer(SdlPlayer& player) {
       player.giveUpWindow();
     }
   }
-  if (player.window() != nullptr && player.hasNewFrame()) player.showNewestFrame();
+  if (player.window() == nullptr) return;
+  player.serveRequests();
+  if (player.hasNewFrame()) player.showNewestFrame();
 }
 
 // Deletes the players even if the lock fails, because at the server's end nobody else changes them.
 void SdlServer::deleteAllPlayers() {
   const PlayersLock lock(*this, PlayersLock::kOnce);
   const InGate gate;
-  players_.removeAll();
-  awaitReclaim();
+  removeAllPlayers();
 }
 
 // ---- Windows and events ----
@@ -337,8 +368,8 @@ void SdlServer::leaveFullscreenAll() {
   for (SdlPlayer* player : players_.players()) {
     SdlWindow* window = player->window();
     if (window == nullptr || !window->isFullscreen() || !window->leaveFullscreen()) continue;
-    while (window->isFullscreen() && !leaving_) SDL_Delay(kWindowPoll);
-    SDL_Delay(kWindowPoll);
+    while (window->isFullscreen() && !leaving_) restInSdl(kWindowPoll);
+    restInSdl(kWindowPoll);
   }
 }
 
@@ -355,10 +386,16 @@ SdlPlayer* SdlServer::playerWithWindow(std::uint32_t windowId) const {
   return nullptr;
 }
 
+void SdlServer::pumpEvents(bool deferClose) {
+  drainEvents(deferClose);
+  closeDestroyedWindows(deferClose);
+  if (isDisplayLost()) removeAllPlayers();
+}
+
 // An event that belongs to none of this server's windows ends the drain, deliberately; later events
 // wait for the next pass. Such an event, for example an application event, is dropped unless it
 // belongs to a window of the other server.
-void SdlServer::pumpEvents(bool deferClose) {
+void SdlServer::drainEvents(bool deferClose) {
   SDL_Event event;
   while (nextEvent(event)) {
     SdlPlayer* player = playerWithWindow(event.window.windowID);
@@ -366,17 +403,37 @@ void SdlServer::pumpEvents(bool deferClose) {
       handOver(event);
       return;
     }
-    if (handleEvent(event, *player) != AfterEvent::kClose) continue;
-    if (deferClose) {
-      player->requestClose();
-    } else {
-      removePlayer(*player);
-    }
+    if (handleEvent(event, *player) == AfterEvent::kClose) close(*player, deferClose);
   }
 }
 
+void SdlServer::close(SdlPlayer& player, bool deferClose) {
+  if (deferClose) {
+    player.requestClose();
+  } else {
+    removePlayer(player);
+  }
+}
+
+// A window that another program destroyed counts as closed by the user.
+void SdlServer::closeDestroyedWindows(bool deferClose) {
+  for (std::size_t i = players_.players().size(); i-- > 0;) {
+    SdlPlayer& player = *players_.players()[i];
+    const SdlWindow* window = player.window();
+    if (window != nullptr && window->isDestroyedByOthers()) close(player, deferClose);
+  }
+}
+
+// The host has shut SDL down, and the windows with it.
+void SdlServer::closeIfSdlIsGone() {
+  noticeForeignQuit();
+  if (std::exchange(foreignQuits_, foreignQuits()) != foreignQuits()) removeAllPlayers();
+}
+
 bool SdlServer::nextEvent(SDL_Event& event) {
-  return inbox_.take(event) || SDL_PollEvent(&event) != 0;
+  if (inbox_.take(event)) return true;
+  bool isThere = false;
+  return callSdl([&] { isThere = SDL_PollEvent(&event) != 0; }) && isThere;
 }
 
 void SdlServer::handOver(const SDL_Event& event) {
@@ -390,6 +447,11 @@ void SdlServer::handOver(const SDL_Event& event) {
 // player is open.
 void SdlServer::removePlayer(SdlPlayer& player) {
   players_.remove(&player);
+  awaitReclaim();
+}
+
+void SdlServer::removeAllPlayers() {
+  players_.removeAll();
   awaitReclaim();
 }
 

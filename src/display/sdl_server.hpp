@@ -7,7 +7,9 @@
 //
 // "Waits for the window" means: checks every 2 ms whether the window has been made. The wait ends
 // as for an unknown id when the window can no longer appear, because there is no display thread,
-// memory ran out, the player was removed or the library is leaving.
+// memory ran out, the player was removed, the display is lost or the library is leaving.
+//
+// Once the display is lost, no player is open any more and none can be added.
 #pragma once
 
 #include <SDL.h>
@@ -56,7 +58,7 @@ class SdlServer {
   SdlServer& operator=(const SdlServer&) = delete;
 
   // Adds a player that shows a copy of `initialFrame`. Returns its id, or kNoPlayer if the server
-  // is stopping. The first call initialises SDL video. Threaded: waits for the current display pass
+  // is stopping or the display is lost. The first call initialises SDL video. Threaded: waits for the current display pass
   // to end; the next pass makes the window. Synchronous: makes the window. Throws std::bad_alloc.
   PlayerId addPlayer(const std::uint8_t* initialFrame, WindowRequest request);
 
@@ -70,8 +72,9 @@ class SdlServer {
   // True if the player exists and is not closing.
   bool hasOpenPlayer(PlayerId playerId) const;
 
-  void raisePlayer(PlayerId playerId);                             // waits for the window
-  void renamePlayer(PlayerId playerId, const std::string& title);  // waits for the window
+  // Both wait for the window. Threaded: the next pass raises it or sets its title.
+  void raisePlayer(PlayerId playerId);
+  void renamePlayer(PlayerId playerId, const std::string& title);
 
   // Empty for an unknown id. Waits for the window.
   std::optional<PlayerState> playerState(PlayerId playerId) const;
@@ -116,13 +119,19 @@ class SdlServer {
   void leaveFullscreenAll() FRAMESINK_REQUIRES(sdlGate);
 
   void pumpEvents(bool deferClose) FRAMESINK_REQUIRES(sdlGate, players_);
+  void drainEvents(bool deferClose) FRAMESINK_REQUIRES(sdlGate, players_);
+  void closeDestroyedWindows(bool deferClose) FRAMESINK_REQUIRES(sdlGate, players_);
+  void close(SdlPlayer& player, bool deferClose) FRAMESINK_REQUIRES(sdlGate, players_);
+  void closeIfSdlIsGone() FRAMESINK_REQUIRES(sdlGate, players_);
   bool nextEvent(SDL_Event& event) FRAMESINK_REQUIRES(sdlGate);
   void handOver(const SDL_Event& event) FRAMESINK_REQUIRES(sdlGate);
   void removePlayer(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate, players_);
+  void removeAllPlayers() FRAMESINK_REQUIRES(sdlGate, players_);
   void awaitReclaim() FRAMESINK_REQUIRES(players_);
 
   SdlPlayer* player(PlayerId playerId) const FRAMESINK_REQUIRES(sdlGate);
   SdlPlayer* playerWithWindow(std::uint32_t windowId) const FRAMESINK_REQUIRES(sdlGate);
+  void serveAtOnce(SdlPlayer& player) const;
   bool canWindowCome(const SdlPlayer& player) const;
   template <class Result, class Action>
   Result withWindow(PlayerId playerId, Result absent, Action action) const;
@@ -148,6 +157,7 @@ class SdlServer {
   PlayerId nextPlayerId_ FRAMESINK_GUARDED_BY(players_) = 0;
 
   EventInbox inbox_ FRAMESINK_GUARDED_BY(sdlGate);
+  std::uint32_t foreignQuits_ FRAMESINK_GUARDED_BY(sdlGate) = 0;  // that this server has noticed
 };
 
 }  // namespace framesink

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "display/window_icon.hpp"
+#include "process/display_loss.hpp"
 #include "process/sdl_session.hpp"
 #include "simd/texture_packing.hpp"
 
@@ -36,7 +38,23 @@ SdlWindow::SdlWindow(const WindowRequest& request)
       position_(request.geometry.position),
       size_(request.windowSize()),
       generation_(sdlGeneration()) {
-  createWindow(request.fullscreen);
+  callSdl([&] { create(request.fullscreen); });
+}
+
+SdlWindow::~SdlWindow() {
+  if (isSdlGone()) return;
+  callSdl([&] {
+    if (!failed_) {
+      SDL_DestroyTexture(texture_);
+      SDL_DestroyRenderer(renderer_);
+    }
+    watch_.end();
+    SDL_DestroyWindow(window_);
+  });
+}
+
+void SdlWindow::create(bool fullscreen) {
+  createWindow(fullscreen);
   failed_ = SDL_GetWindowPixelFormat(window_) == SDL_PIXELFORMAT_UNKNOWN;
   if (!failed_) {
     createRenderer();
@@ -46,23 +64,14 @@ SdlWindow::SdlWindow(const WindowRequest& request)
   windowId_ = SDL_GetWindowID(window_);
 }
 
-SdlWindow::~SdlWindow() {
-  if (isSdlGone()) return;
-  if (!failed_) {
-    SDL_DestroyTexture(texture_);
-    SDL_DestroyRenderer(renderer_);
-  }
-  SDL_DestroyWindow(window_);
-}
-
 void SdlWindow::createWindow(bool fullscreen) {
   const Position position = position_;
   const Size size = size_;
   const std::uint32_t flags =
       fullscreen ? SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_INPUT_FOCUS
                  : SDL_WINDOW_RESIZABLE;
-  // If SDL video is down, SDL_CreateWindow initialises it, so the hints must be set before.
-  if ((SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) == 0) setSdlHints();
+  // If SDL video is down, SDL_CreateWindow initialises it.
+  if ((SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) == 0) prepareVideo();
   window_ =
       SDL_CreateWindow(title_.c_str(), clampedPosition(position.x), clampedPosition(position.y),
                        clampedSize(size.width), clampedSize(size.height), flags);
@@ -70,6 +79,8 @@ void SdlWindow::createWindow(bool fullscreen) {
     std::fprintf(stderr, "Could not create window: %s\n", SDL_GetError());
     return;
   }
+  joinVideo(window_);
+  watch_.begin(window_);
   setIcon();
 }
 
@@ -114,6 +125,10 @@ void SdlWindow::fitLogicalSize() {
 
 void SdlWindow::showFrame(const std::uint8_t* frame) {
   if (failed_ || texture_ == nullptr || isSdlGone()) return;
+  callSdl([&] { draw(frame); });
+}
+
+void SdlWindow::draw(const std::uint8_t* frame) {
   void* pixels = nullptr;
   int pitch = 0;
   if (SDL_LockTexture(texture_, nullptr, &pixels, &pitch) < 0) {
@@ -131,32 +146,38 @@ void SdlWindow::showFrame(const std::uint8_t* frame) {
 
 void SdlWindow::enterFullscreen() {
   if (isSdlGone()) return;
-  SDL_SetWindowFullscreen(window_, SDL_WINDOW_FULLSCREEN_DESKTOP);
-  SDL_ShowWindow(window_);
+  callSdl([&] {
+    SDL_SetWindowFullscreen(window_, SDL_WINDOW_FULLSCREEN_DESKTOP);
+    SDL_ShowWindow(window_);
+  });
 }
 
 bool SdlWindow::leaveFullscreen() {
   if (isSdlGone()) return false;
-  const Size size = size_;
-  const bool left = SDL_SetWindowFullscreen(window_, 0) == 0;
-  SDL_SetWindowSize(window_, static_cast<int>(size.width), static_cast<int>(size.height));
-  return left;
-}
-
-bool SdlWindow::isFullscreen() const {
-  const SdlUse use(generation_);
-  return use && (SDL_GetWindowFlags(window_) & kFullscreenFlags) != 0;
+  bool left = false;
+  return callSdl([&] {
+           const Size size = size_;
+           left = SDL_SetWindowFullscreen(window_, 0) == 0;
+           SDL_SetWindowSize(window_, static_cast<int>(size.width), static_cast<int>(size.height));
+         }) &&
+         left;
 }
 
 void SdlWindow::raise() {
-  const SdlUse use(generation_);
-  if (use) SDL_RaiseWindow(window_);
+  if (isSdlGone()) return;
+  callSdl([&] { SDL_RaiseWindow(window_); });
 }
 
-void SdlWindow::setTitle(const std::string& title) {
-  title_ = title;
+void SdlWindow::setTitle(std::string title) {
+  title_ = std::move(title);
+  if (isSdlGone()) return;
+  callSdl([&] { SDL_SetWindowTitle(window_, title_.c_str()); });
+}
+
+// Reads what SDL remembers, without the display.
+bool SdlWindow::isFullscreen() const {
   const SdlUse use(generation_);
-  if (use) SDL_SetWindowTitle(window_, title_.c_str());
+  return use && (SDL_GetWindowFlags(window_) & kFullscreenFlags) != 0;
 }
 
 bool SdlWindow::isSdlGone() const { return generation_ != sdlGeneration(); }

@@ -12,6 +12,7 @@
 #include "display/window_request.hpp"
 #include "process/sdl_session.hpp"
 #include "process/thread_safety.hpp"
+#include "process/x11_session.hpp"
 
 namespace framesink {
 
@@ -19,7 +20,8 @@ namespace framesink {
 inline constexpr std::uint32_t kFullscreenFlags = SDL_WINDOW_FULLSCREEN_DESKTOP;
 
 // Made, drawn and destroyed on the thread that runs SDL for its player, inside the gate. The
-// operations marked "any thread" may be called by host threads once the window is published.
+// operations marked "any thread" may be called by host threads once the window is published. Once
+// its SDL is gone or the display is lost, no operation does anything.
 class SdlWindow {
  public:
   // On failure, prints to standard error and leaves a window that draws nothing. Clamps position
@@ -36,6 +38,9 @@ class SdlWindow {
   // Makes the window full screen on the desktop, and visible.
   void enterFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
+  void raise() FRAMESINK_REQUIRES(sdlGate);
+  void setTitle(std::string title) FRAMESINK_REQUIRES(sdlGate);
+
   // Leaves full screen and restores the stored size. False if SDL fails to leave full screen.
   bool leaveFullscreen() FRAMESINK_REQUIRES(sdlGate);
 
@@ -47,9 +52,10 @@ class SdlWindow {
   // touched any more.
   bool isSdlGone() const;
 
-  bool isFullscreen() const;                // any thread
-  void raise();                             // any thread
-  void setTitle(const std::string& title);  // any thread, one at a time
+  bool isFullscreen() const;  // any thread
+
+  // True once another program has destroyed the window. Any thread.
+  bool isDestroyedByOthers() const { return watch_.isDestroyed(); }
 
   // Position and size while not full screen: at first as requested, then as events report. Any
   // thread.
@@ -58,11 +64,13 @@ class SdlWindow {
   void setStoredSize(Size size) { size_ = size; }
 
  private:
+  void create(bool fullscreen);
   void createWindow(bool fullscreen);
   void setIcon();
   void createRenderer();
   void createTexture();
   void fitLogicalSize();
+  void draw(const std::uint8_t* frame);
 
   const Size textureSize_;
   std::string title_;
@@ -74,6 +82,7 @@ class SdlWindow {
   SDL_Renderer* renderer_ = nullptr;
   SDL_Texture* texture_ = nullptr;
   bool failed_ = false;  // no usable window: nothing is ever drawn
+  X11WindowWatch watch_;
 };
 
 }  // namespace framesink

@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "process/host_calls.hpp"
+#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
@@ -63,6 +64,7 @@ bool stopServers() {
   for (SdlServer* server : servers) {
     if (server != nullptr) server->beginLeaving();
   }
+  hurryX11();
   if (!endHostCalls()) return false;
   for (SdlServer* server : servers) {
     if (server != nullptr && !server->stop()) return false;

@@ -5,6 +5,7 @@
 
 #include "process/platform.hpp"
 #include "process/sdl_session.hpp"
+#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
@@ -46,9 +47,9 @@ void claimForThisProcess() { owner = currentProcess(); }
 HostCall::HostCall() : slot_(kKnownCalls) {
   callsUnderWay.fetch_add(1);
   open_ = !ended;
-  if (open_) {
-    slot_ = enter(currentThread());
-  }
+  if (!open_) return;
+  slot_ = enter(currentThread());
+  stayLoadedIfChained();
 }
 
 HostCall::~HostCall() {
@@ -65,5 +66,7 @@ bool endHostCalls(WaitBudget& budget) {
   givenUp = callsUnderWay != 0;
   return !givenUp;
 }
+
+bool haveHostCallsEnded() { return ended; }
 
 }  // namespace framesink

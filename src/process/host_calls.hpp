@@ -3,7 +3,7 @@
 // The library may end while threads of the host still call it:
 //   - Another thread calls exit().
 //   - The host's own exit handlers run after the library's static objects are destroyed.
-//   - Xlib calls exit() from inside one of the library's SDL calls when the X server dies.
+//   - Something inside one of the library's SDL calls calls exit().
 // Therefore all state here is constant-initialised and never destroyed, and every function may be
 // called at any time.
 #pragma once
@@ -37,6 +37,9 @@ class HostCall {
 //   - This process is a fork of the one that made the windows.
 //   - The operating system has ended all other threads.
 bool endHostCalls(WaitBudget& budget = unloadBudget());
+
+// True once endHostCalls has been called: the library is leaving. Any thread.
+bool haveHostCallsEnded();
 
 // Records that this process is about to make windows, so that its forks leave them alone.
 void claimForThisProcess();

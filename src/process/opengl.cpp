@@ -1,5 +1,20 @@
 #include "process/opengl.hpp"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace framesink {
+
+bool drawsThroughOpenGl(const char* videoDriver) {
+  constexpr std::array<std::string_view, 5> kSoftware = {"x11", "dummy", "evdummy", "offscreen",
+                                                         "windows"};
+  return videoDriver != nullptr &&
+         std::find(kSoftware.begin(), kSoftware.end(), videoDriver) == kSoftware.end();
+}
+
+}  // namespace framesink
+
 #if defined(__ELF__)
 
 #include <cxxabi.h>
@@ -8,42 +23,8 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <string>
-#include <string_view>
 
 namespace framesink {
-namespace {
-
-std::string_view variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string_view() : std::string_view(value);
-}
-
-bool isCompositorThere() {
-  if (!variable("WAYLAND_DISPLAY").empty()) return true;
-  const std::string socket = std::string(variable("XDG_RUNTIME_DIR")) + "/wayland-0";
-  return ::access(socket.c_str(), F_OK) == 0;
-}
-
-// SDL tries X11 first, so a compositor matters only if DISPLAY is not set.
-bool isOnWayland() {
-  const std::string_view driver = variable("SDL_VIDEODRIVER");
-  if (!driver.empty()) return driver.starts_with("wayland");
-  return variable("DISPLAY").empty() && isCompositorThere();
-}
-
-bool isOpenGlChosen() {
-  const std::string_view acceleration = variable("SDL_FRAMEBUFFER_ACCELERATION");
-  const std::string_view renderer = variable("SDL_RENDER_DRIVER");
-  const bool isPlain = acceleration.empty() || acceleration == "0" || acceleration == "false" ||
-                       acceleration == "software";
-  return !isPlain || (!renderer.empty() && renderer != "software");
-}
-
-}  // namespace
-
-bool isOpenGlInUse() { return isOnWayland() || isOpenGlChosen(); }
 
 void stayLoaded() {
   Dl_info self;
@@ -67,7 +48,6 @@ void callFirstAtExit(void (*end)()) {
 #else
 
 namespace framesink {
-bool isOpenGlInUse() { return false; }
 void stayLoaded() {}
 void callFirstAtExit(void (*)()) {}
 }  // namespace framesink

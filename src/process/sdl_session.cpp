@@ -3,6 +3,11 @@
 #include <SDL.h>
 
 #include <cstdio>
+#include <string_view>
+
+#include "process/display_loss.hpp"
+#include "process/opengl.hpp"
+#include "process/x11_session.hpp"
 
 #if defined(__ELF__)
 // Weak, so that the library still loads with an SDL that lacks this function.
@@ -17,12 +22,74 @@ constinit std::atomic<std::uint32_t> uses{0};
 
 bool isVideoUp() { return (SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) != 0; }
 
+// Marks in SDL's list of hints, which live exactly as long as SDL is not shut down.
+constexpr const char* kSession = "FRAMESINK_SESSION";
+constexpr const char* kDisplayLost = "FRAMESINK_DISPLAY_LOST";
+
+constinit bool isMarked = false;     // used inside the gate only
+constinit bool openGlInUse = false;  // used inside the gate only
+constinit bool isRefusalTold = false;
+constinit std::atomic<std::uint32_t> quits{0};
+
 bool haveHints() {
 #if defined(__ELF__)
   return &SDL_SetHintWithPriority != nullptr;
 #else
   return true;
 #endif
+}
+
+bool isDisplayLossRemembered() { return SDL_GetHint(kDisplayLost) != nullptr; }
+
+// True for the values of SDL_HINT_FRAMEBUFFER_ACCELERATION with which SDL draws without OpenGL.
+bool isPlain(const char* acceleration) {
+  const std::string_view value = acceleration == nullptr ? "" : acceleration;
+  return value == "0" || value == "false" || value == "software";
+}
+
+// Whatever the user or the host chose: exit() on another thread than the main one, and threaded
+// windows beside synchronous ones, crash in OpenGL drivers on X11, and OpenGL would gain nothing.
+void drawWithoutOpenGl() {
+  const char* const renderer = SDL_GetHint(SDL_HINT_RENDER_DRIVER);
+  const bool isRendererPlain =
+      renderer == nullptr || *renderer == '\0' || std::string_view(renderer) == "software";
+  const char* const acceleration = SDL_GetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION);
+  const bool isAsked = !isRendererPlain ||
+                       (acceleration != nullptr && *acceleration != '\0' && !isPlain(acceleration));
+  if (!haveHints()) return;
+  if (isAsked && !isRefusalTold) {
+    isRefusalTold = true;
+    std::fputs("On X11, windows are drawn without OpenGL, whatever SDL's hints say.\n", stderr);
+  }
+  SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_OVERRIDE);
+  SDL_SetHintWithPriority(SDL_HINT_RENDER_DRIVER, "software", SDL_HINT_OVERRIDE);
+}
+
+// SDL_HINT_DEFAULT is the lowest priority, so a user's environment variables win.
+void setSdlHints() {
+  if (!haveHints()) return;
+  // Without this hint, SDL draws software windows on X11 through OpenGL. It then recreates the
+  // window, starts the driver's threads, takes four times as long for a frame, and loads libraries
+  // while a dlclose may hold the loader's lock.
+  SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_DEFAULT);
+  // Leaves Ctrl-C and SIGTERM to the host.
+  SDL_SetHintWithPriority(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
+  // Leaves the desktop's compositor on.
+  SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
+  SDL_SetHintWithPriority(kSession, "1", SDL_HINT_OVERRIDE);
+}
+
+bool startVideo() {
+  const bool isUp = SDL_Init(SDL_INIT_VIDEO) >= 0;
+  if (!isUp) std::fprintf(stderr, "Could not initialize SDL: %s\n", SDL_GetError());
+  SDL_EnableScreenSaver();
+#if defined(_WIN32)
+  // Nobody types text into these windows. With text input on, SDL sets up input methods when a
+  // window first gets the focus. They load libraries, wait for the other server's thread at every
+  // change of focus, and shut COM down on the thread that unloads the library, which is the host's.
+  SDL_StopTextInput();
+#endif
+  return isUp;
 }
 
 }  // namespace
@@ -39,40 +106,68 @@ void SdlGate::unlock() {
   mutex_.unlock();
 }
 
-// SDL_HINT_DEFAULT is the lowest priority, so a user's environment variables win.
-void setSdlHints() {
-  if (!haveHints()) return;
-  // Without this hint, SDL draws software windows on X11 through OpenGL. It then recreates the
-  // window, starts the driver's threads, takes four times as long for a frame, and loads libraries
-  // while a dlclose may hold the loader's lock.
-  SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_DEFAULT);
-  // Leaves Ctrl-C and SIGTERM to the host.
-  SDL_SetHintWithPriority(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
-  // Leaves the desktop's compositor on.
-  SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
+void prepareVideo() {
+  setSdlHints();
+  expectX11();
 }
 
+void joinVideo(SDL_Window* window) {
+  isMarked = haveHints();
+  if (isOnX11()) drawWithoutOpenGl();
+  attachX11(window);
+}
+
+bool isOpenGlInUse() { return openGlInUse; }
+
 void initVideo() {
-  if (isVideoUp()) return;
-  setSdlHints();
-  if (SDL_Init(SDL_INIT_VIDEO) < 0) {
-    std::fprintf(stderr, "Could not initialize SDL: %s\n", SDL_GetError());
+  if (isDisplayLossRemembered()) {
+    inheritDisplayLoss();
+    return;
   }
-  SDL_EnableScreenSaver();
-#if defined(_WIN32)
-  // Nobody types text into these windows. With text input on, SDL sets up input methods when a
-  // window first gets the focus. They load libraries, wait for the other server's thread at every
-  // change of focus, and shut COM down on the thread that unloads the library, which is the host's.
-  SDL_StopTextInput();
-#endif
+  const bool wasUp = isVideoUp();
+  const bool mayHostAccelerate = wasUp && !isPlain(SDL_GetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION));
+  callSdl([&] {
+    prepareVideo();
+    if (wasUp || startVideo()) joinVideo(nullptr);
+    openGlInUse = mayHostAccelerate || drawsThroughOpenGl(SDL_GetCurrentVideoDriver());
+  });
 }
 
 std::uint32_t sdlGeneration() { return generation; }
 
+void endSdlGeneration() { generation.fetch_add(1); }
+
+// The mark also tells a host that has shut SDL down and started it again.
+void noticeForeignQuit() {
+  if (!isMarked || isDisplayLost()) return;
+  if (SDL_GetCurrentVideoDriver() != nullptr && SDL_GetHint(kSession) != nullptr) return;
+  isMarked = false;
+  endSdlGeneration();
+  detachX11();
+  quits.fetch_add(1);
+}
+
+std::uint32_t foreignQuits() { return quits; }
+
+void rememberDisplayLoss() {
+  if (haveHints()) SDL_SetHintWithPriority(kDisplayLost, "1", SDL_HINT_OVERRIDE);
+}
+
+void restInSdl(std::uint32_t milliseconds) {
+  if (isDisplayLost()) {
+    sleepFor(std::chrono::milliseconds(milliseconds));
+  } else {
+    SDL_Delay(milliseconds);
+  }
+}
+
 void quitSdl(WaitBudget& budget) {
-  generation.fetch_add(1);
+  endSdlGeneration();
   while (uses != 0 && !budget.isSpent()) sleepFor(std::chrono::milliseconds(1));
-  SDL_Quit();
+  const InGate gate;
+  callSdl([] { SDL_Quit(); });
+  isMarked = false;
+  detachX11();
 }
 
 void quitSdl() {

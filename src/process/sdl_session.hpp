@@ -1,6 +1,8 @@
 // SDL, which the whole process shares: which thread may be inside it, and when it starts and ends.
 #pragma once
 
+#include <SDL.h>
+
 #include <atomic>
 #include <cstdint>
 #include <mutex>
@@ -38,20 +40,42 @@ class FRAMESINK_SCOPED_LOCK InGate {
   InGate& operator=(const InGate&) = delete;
 };
 
-// Initialises SDL video unless it is up. On failure, prints to standard error and continues.
+// Initialises SDL video unless it is up. On failure, prints to standard error and continues. Host
+// threads, inside the gate.
 void initVideo();
 
-// Sets the hints that keep SDL from changing the host's process. Call it before anything that may
-// initialise SDL.
-void setSdlHints();
+// True if SDL may draw the library's windows through OpenGL. Known once initVideo has been called;
+// inside the gate.
+bool isOpenGlInUse();
+
+// Before and after anything else that may initialise SDL video: sets the hints and handlers that
+// keep SDL from changing or ending the host's process. `window` is a window of the video, or null.
+void prepareVideo();
+void joinVideo(SDL_Window* window);
 
 // The number of times the library has shut SDL down. A window belongs to the generation in which it
 // was made. Once that generation has ended, the window's SDL objects are gone and must not be
 // touched.
 std::uint32_t sdlGeneration();
 
+// Ends the generation: from now on, no SDL object that was made in it is touched.
+void endSdlGeneration();
+
+// Ends the generation if the host has shut SDL down since the library started to use it. Call it
+// inside the gate before SDL's objects are used.
+void noticeForeignQuit();
+
+// The number of times that the host has shut SDL down while the library used it.
+std::uint32_t foreignQuits();
+
+// Leaves a mark in SDL that a later load of the library finds, so that it does not use this SDL.
+void rememberDisplayLoss();
+
+// SDL_Delay, or the same without SDL once the display is lost.
+void restInSdl(std::uint32_t milliseconds);
+
 // Ends the generation, waits until no host thread uses its windows or the budget is spent, and
-// calls SDL_Quit.
+// calls SDL_Quit. The rest of what unloading needs is leaveX11.
 void quitSdl(WaitBudget& budget);
 
 // Does the same with a separate budget, for use outside of unloading.

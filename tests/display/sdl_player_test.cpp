@@ -236,7 +236,11 @@ TEST_F(SdlPlayerTest, AWindowThatSdlRefusesCountsAsMade) {
 
 TEST_F(SdlPlayerTest, GivesItsWindowANewTitle) {
   open(frame(1));
-  player->setTitle("another");
+  player->requestTitle("another");
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
+  player->serveRequests();
+  player->serveRequests();
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 1U);
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
 }
 

@@ -414,14 +414,24 @@ TEST_F(SdlServerTest, WaitsForTheWindowInStepsOfTwoMilliseconds) {
   host.join();
 }
 
-TEST_F(SdlServerTest, RenamesAndRaisesAWindowOnTheHostsThread) {
+// No host thread is ever inside SDL's window code beside the display thread.
+TEST_F(SdlServerTest, RenamesAndRaisesAWindowInTheNextPass) {
   const std::uint32_t player = open();
   const std::int64_t window = recorder.last("SDL_CreateWindow").result;
+  PassStepper passes(recorder);
+  ASSERT_TRUE(passes.halted());
+  server.renamePlayer(player, "one");
   server.renamePlayer(player, "another");
+  server.raisePlayer(player);
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
+  EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 0U);
+  EXPECT_TRUE(passes.runPasses(2));
+  EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 1U);
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").arguments[0], window);
-  server.raisePlayer(player);
+  EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 1U);
   EXPECT_EQ(recorder.last("SDL_RaiseWindow").arguments, Numbers{window});
+  EXPECT_NE(recorder.last("SDL_RaiseWindow").thread, hostThread);
 }
 
 TEST_F(SdlServerTest, AWaitEndsForAPlayerThatIsClosed) {

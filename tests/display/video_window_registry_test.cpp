@@ -48,6 +48,10 @@ class VideoWindowRegistryTest : public DummyVideoTest {
     EXPECT_TRUE(registry.isVideoWindowOpen(*window));
     return window;
   }
+  // Waits until the display thread has made that call.
+  bool isCalled(const std::string& function) const {
+    return waitUntil([&] { return recorder.count(function) > 0; });
+  }
   // Waits until the display thread has removed the player from the threaded server.
   static bool awaitClosed(std::uint32_t player) {
     return waitUntil([&] { return !threadedServer().windowGeometry(player); });
@@ -198,6 +202,7 @@ TEST_F(VideoWindowRegistryTest, RaisesAPlayerThatIsOpen) {
   VideoWindow* window = openRecord("name");
   registry.openVideoWindow(*window, request(kFrameSize, {320, 240}));
   EXPECT_EQ(window->playerId, 0);
+  EXPECT_TRUE(isCalled("SDL_RaiseWindow"));
   EXPECT_EQ(recorder.count("SDL_RaiseWindow"), 1U);
   EXPECT_EQ(recorder.count("SDL_CreateWindow"), 1U);
 }
@@ -341,6 +346,7 @@ TEST_F(VideoWindowRegistryTest, RenamesTheRecordAndTitlesTheWindow) {
   registry.renameVideoWindowCore("old", "new", "title");
   EXPECT_EQ(registry.findVideoWindow("old"), nullptr);
   EXPECT_EQ(registry.findVideoWindow("new"), window);
+  ASSERT_TRUE(isCalled("SDL_SetWindowTitle"));
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"title"});
 }
 
@@ -348,6 +354,7 @@ TEST_F(VideoWindowRegistryTest, RenamesWithBlanksForLineFeeds) {
   const VideoWindow* window = openRecord("o l d");
   registry.renameVideoWindowCore("o\nl\nd", "n\ne\nw", "ti\ntle");
   EXPECT_EQ(window->name, "n e w");
+  ASSERT_TRUE(isCalled("SDL_SetWindowTitle"));
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"ti tle"});
 }
 
@@ -367,6 +374,7 @@ TEST_F(VideoWindowRegistryTest, WithoutMemoryNeitherRecordNorWindowIsRenamed) {
     }
   }
   EXPECT_GT(left, 2U);
+  ASSERT_TRUE(isCalled("SDL_SetWindowTitle"));
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{title});
 }
 
@@ -399,6 +407,7 @@ TEST_F(VideoWindowRegistryTest, RenamingASynchronousRecordTitlesTheThreadedWindo
   const VideoWindow* window = openRecord("synchronous", /*synchronous=*/true);
   registry.renameVideoWindowCore("synchronous", "new", "title");
   EXPECT_EQ(window->name, "new");
+  ASSERT_TRUE(isCalled("SDL_SetWindowTitle"));
   ASSERT_EQ(recorder.count("SDL_SetWindowTitle"), 1U);
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").arguments[0], threadedWindow);
 }

@@ -59,14 +59,16 @@ TEST_F(SdlSessionTest, LeavesVideoAloneThatIsUpAlready) {
   initVideo();
   recorder.forget();
   initVideo();
-  EXPECT_EQ(recorder.order(), Names{"SDL_WasInit"});
+  EXPECT_EQ(recorder.count("SDL_WasInit"), 1U);
+  EXPECT_EQ(recorder.order().size(), 1 + recorder.count("SDL_SetHintWithPriority"));
 }
 
-TEST_F(SdlSessionTest, SetsTheThreeHintsBeforeInitialisation) {
+TEST_F(SdlSessionTest, SetsItsHintsBeforeInitialisation) {
   initVideo();
   const Names order = recorder.order();
   EXPECT_EQ(order, (Names{"SDL_WasInit", "SDL_SetHintWithPriority", "SDL_SetHintWithPriority",
-                          "SDL_SetHintWithPriority", "SDL_Init", "SDL_EnableScreenSaver"}));
+                          "SDL_SetHintWithPriority", "SDL_SetHintWithPriority", "SDL_Init",
+                          "SDL_EnableScreenSaver"}));
   EXPECT_EQ(hint(SDL_HINT_FRAMEBUFFER_ACCELERATION), "0");
   EXPECT_EQ(hint(SDL_HINT_NO_SIGNAL_HANDLERS), "1");
   EXPECT_EQ(hint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR), "0");

@@ -1,0 +1,26 @@
+// A thread that notices when SDL waits for an X server that does not answer, and then cuts the
+// connection. Without it, a stopped X server or a network that swallows everything would hold the
+// display thread, or a host thread on the synchronous server, for ever.
+#pragma once
+
+#include <chrono>
+
+namespace framesink {
+
+// A display that has not answered for this long counts as lost. The library's own limit; hosts know
+// it from unloading.
+inline constexpr std::chrono::milliseconds kLongestSilence{20000};
+
+// The same while the library is leaving, when there is no picture left to lose.
+inline constexpr std::chrono::milliseconds kLongestSilenceWhenLeaving{500};
+
+// Inside the gate. Does nothing if the thread runs already.
+void startDisplayWatch();
+
+// Ends the thread and waits until it is gone.
+void endDisplayWatch();
+
+// From now on, the shorter limit holds, whether or not the X server answers. Any thread.
+void hurryDisplayWatch();
+
+}  // namespace framesink

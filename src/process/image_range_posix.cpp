@@ -1,0 +1,38 @@
+#include <link.h>
+
+#include <algorithm>
+
+#include "process/image_range.hpp"
+
+namespace framesink {
+namespace {
+
+struct Search {
+  const void* address;
+  ImageRange found;
+};
+
+int look(dl_phdr_info* image, std::size_t, void* argument) {
+  auto& search = *static_cast<Search*>(argument);
+  ImageRange range;
+  for (int i = 0; i < image->dlpi_phnum; ++i) {
+    const auto& segment = image->dlpi_phdr[i];
+    if (segment.p_type != PT_LOAD) continue;
+    const auto* begin = reinterpret_cast<const char*>(image->dlpi_addr + segment.p_vaddr);
+    range.begin = range.begin == nullptr ? begin : std::min(range.begin, begin);
+    range.end = std::max(range.end, begin + segment.p_memsz);
+  }
+  if (!range.contains(search.address)) return 0;
+  search.found = range;
+  return 1;
+}
+
+}  // namespace
+
+ImageRange imageAround(const void* address) {
+  Search search{address, {}};
+  ::dl_iterate_phdr(look, &search);
+  return search.found;
+}
+
+}  // namespace framesink

@@ -1,0 +1,234 @@
+#include "process/x11_session.hpp"
+
+#if defined(SDL_VIDEO_DRIVER_X11)
+
+#include <SDL_syswm.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "process/display_loss.hpp"
+#include "process/display_watch.hpp"
+#include "process/opengl.hpp"
+#include "process/thread_safety.hpp"
+#include "process/x11_errors.hpp"
+#include "process/x11_shared_memory.hpp"
+#include "process/x11_socket.hpp"
+#include "process/xlib.hpp"
+
+// Weak, so that the library still loads with an SDL that lacks this function.
+#pragma weak SDL_GetWindowWMInfo
+
+namespace framesink {
+namespace {
+
+// Changed inside the gate only. The loader is asked once, on the host's thread.
+constinit Xlib xlib;
+constinit bool isXlibSought = false;
+
+// ---- SDL's connection ----
+
+constinit std::atomic<Display*> connection{nullptr};
+constinit std::atomic<int> connectionSocket{-1};
+
+bool getWmInfo(SDL_Window* window, SDL_SysWMinfo& info) {
+  if (&SDL_GetWindowWMInfo == nullptr) return false;
+  SDL_VERSION(&info.version);
+  return SDL_GetWindowWMInfo(window, &info) == SDL_TRUE && info.subsystem == SDL_SYSWM_X11;
+}
+
+// ---- The loss of a connection ----
+
+constinit std::atomic<XIOErrorHandler> handlerBefore{nullptr};
+constinit std::atomic<bool> isHandlerSet{false};
+
+// A thread inside the library's calls of SDL may still use a connection of the host's, in a
+// callback of the host's that SDL calls.
+bool isSdls(Display* lost) {
+  Display* known = connection;
+  return known == nullptr || lost == known ||
+         std::strcmp(xlib.displayString(lost), xlib.displayString(known)) == 0;
+}
+
+// Xlib calls it with the connection locked for other threads, which would then wait for ever.
+void loseIfSdls(Display* lost) {
+  if (!isCallingSdl() || !isSdls(lost)) return;
+  xlib.unlockDisplay(lost);
+  loseDisplay();
+}
+
+int onIoError(Display* lost) {
+  loseIfSdls(lost);
+  const XIOErrorHandler before = handlerBefore;
+  return before == nullptr ? 0 : before(lost);
+}
+
+// Xlib calls it after onIoError, and also where a handler of the host's has replaced onIoError.
+void onExitAfterIoError(Display* lost, void*) {
+  loseIfSdls(lost);
+  std::exit(1);
+}
+
+void setHandler() {
+  if (isHandlerSet.exchange(true)) return;
+  handlerBefore = xlib.setIoErrorHandler(onIoError);
+}
+
+void takeHandlerBack() {
+  if (!isHandlerSet || !xlib.isOpen() || *xlib.ioErrorHandler != onIoError) return;
+  xlib.setIoErrorHandler(handlerBefore);
+  isHandlerSet = false;
+}
+
+// ---- Windows that other clients destroy ----
+
+constinit Mutex watchesMutex;
+constinit X11WindowWatch* watches FRAMESINK_GUARDED_BY(watchesMutex) = nullptr;
+constinit XEventConverter destroyNotifyBefore = nullptr;
+
+Bool onDestroyNotify(Display* display, XEvent* event, xEvent* wire) {
+  X11WindowWatch::noteDestroyed(wire->u.destroyNotify.window);
+  return destroyNotifyBefore(display, event, wire);
+}
+
+// ---- Attaching ----
+
+void attach(Display* display) {
+  connection = display;
+  connectionSocket = xlib.connectionNumber(display);
+  if (xlib.setIoErrorExitHandler != nullptr) {
+    xlib.setIoErrorExitHandler(display, onExitAfterIoError, nullptr);
+  }
+  attachX11Errors(xlib, display);
+  destroyNotifyBefore = xlib.setWireToEvent(display, DestroyNotify, onDestroyNotify);
+  avoidForeignMemory(xlib, display);
+  tellX11Errors();
+  startDisplayWatch();
+}
+
+Display* connectionOf(SDL_Window* window) {
+  SDL_SysWMinfo info;
+  return getWmInfo(window, info) ? info.info.x11.display : nullptr;
+}
+
+Display* connectionOfHiddenWindow() {
+  SDL_Window* window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
+  if (window == nullptr) return nullptr;
+  Display* display = connectionOf(window);
+  SDL_DestroyWindow(window);
+  return display;
+}
+
+}  // namespace
+
+void X11WindowWatch::noteDestroyed(std::uint64_t xWindow) {
+  const MutexLock lock(watchesMutex);
+  for (X11WindowWatch* watch = watches; watch != nullptr; watch = watch->next_) {
+    if (watch->xWindow_ == xWindow) watch->destroyed_ = true;
+  }
+}
+
+bool isOnX11() {
+  const char* driver = SDL_GetCurrentVideoDriver();
+  return driver != nullptr && std::string_view(driver) == "x11";
+}
+
+void expectX11() {
+  if (!isXlibSought) {
+    isXlibSought = true;
+    const char* display = std::getenv("DISPLAY");
+    const bool mayLoad = display != nullptr && *display != '\0';
+    if (&SDL_GetWindowWMInfo != nullptr) xlib.open(mayLoad);
+  }
+  if (xlib.isOpen()) setHandler();
+}
+
+void attachX11(SDL_Window* window) {
+  if (connection != nullptr || !xlib.isOpen()) return;
+  if (!isOnX11()) {
+    takeHandlerBack();
+    return;
+  }
+  Display* display = window == nullptr ? connectionOfHiddenWindow() : connectionOf(window);
+  if (display != nullptr) attach(display);
+}
+
+void detachX11() {
+  endDisplayWatch();
+  connectionSocket = -1;
+  connection = nullptr;
+  takeHandlerBack();
+}
+
+void leaveX11() {
+  detachX11();
+  xlib.close();
+  isXlibSought = false;
+}
+
+void stayLoadedIfChained() {
+  if (isHandlerSet && xlib.isOpen() && *xlib.ioErrorHandler != onIoError) stayLoaded();
+}
+
+bool hasX11HungUp() { return connectionSocket >= 0 && hasHungUp(connectionSocket); }
+
+bool doesX11Answer(std::chrono::milliseconds patience) {
+  return connectionSocket >= 0 && doesServerAnswer(connectionSocket, patience);
+}
+
+void cutX11() {
+  if (connectionSocket >= 0) cut(connectionSocket);
+}
+
+void hurryX11() { hurryDisplayWatch(); }
+
+void X11WindowWatch::begin(SDL_Window* window) {
+  SDL_SysWMinfo info;
+  if (connection == nullptr || !getWmInfo(window, info)) return;
+  xWindow_ = info.info.x11.window;
+  const MutexLock lock(watchesMutex);
+  next_ = watches;
+  watches = this;
+}
+
+void X11WindowWatch::end() {
+  if (xWindow_ == 0) return;
+  const std::uint64_t xWindow = std::exchange(xWindow_, 0);
+  {
+    const MutexLock lock(watchesMutex);
+    X11WindowWatch** link = &watches;
+    while (*link != this) link = &(*link)->next_;
+    *link = next_;
+  }
+  Display* display = connection;
+  if (!destroyed_ || display == nullptr || isDisplayLost()) return;
+  XEvent event{};
+  event.xunmap.type = UnmapNotify;
+  event.xunmap.display = display;
+  event.xunmap.event = event.xunmap.window = xWindow;
+  xlib.putBackEvent(display, &event);
+}
+
+}  // namespace framesink
+
+#else
+
+namespace framesink {
+void expectX11() {}
+void attachX11(SDL_Window*) {}
+bool isOnX11() { return false; }
+void detachX11() {}
+void leaveX11() {}
+void stayLoadedIfChained() {}
+bool hasX11HungUp() { return false; }
+bool doesX11Answer(std::chrono::milliseconds) { return true; }
+void cutX11() {}
+void hurryX11() {}
+void X11WindowWatch::noteDestroyed(std::uint64_t) {}
+void X11WindowWatch::begin(SDL_Window*) {}
+void X11WindowWatch::end() {}
+}  // namespace framesink
+
+#endif
