@@ -10,8 +10,9 @@
 #include "process/x11_session.hpp"
 
 #if defined(__ELF__)
-// Weak, so that the library still loads with an SDL that lacks this function.
+// Weak, so that the library still loads with an SDL that lacks these functions.
 #pragma weak SDL_SetHintWithPriority
+#pragma weak SDL_GetCurrentVideoDriver
 #endif
 
 namespace framesink {
@@ -34,6 +35,14 @@ constinit std::atomic<std::uint32_t> quits{0};
 bool haveHints() {
 #if defined(__ELF__)
   return &SDL_SetHintWithPriority != nullptr;
+#else
+  return true;
+#endif
+}
+
+bool canAskForDriver() {
+#if defined(__ELF__)
+  return &SDL_GetCurrentVideoDriver != nullptr;
 #else
   return true;
 #endif
@@ -106,6 +115,8 @@ void SdlGate::unlock() {
   mutex_.unlock();
 }
 
+const char* videoDriver() { return canAskForDriver() ? SDL_GetCurrentVideoDriver() : nullptr; }
+
 void prepareVideo() {
   setSdlHints();
   expectX11();
@@ -129,7 +140,7 @@ void initVideo() {
   callSdl([&] {
     prepareVideo();
     if (wasUp || startVideo()) joinVideo(nullptr);
-    openGlInUse = mayHostAccelerate || drawsThroughOpenGl(SDL_GetCurrentVideoDriver());
+    openGlInUse = mayHostAccelerate || drawsThroughOpenGl(videoDriver());
   });
 }
 
@@ -140,7 +151,8 @@ void endSdlGeneration() { generation.fetch_add(1); }
 // The mark also tells a host that has shut SDL down and started it again.
 void noticeForeignQuit() {
   if (!isMarked || isDisplayLost()) return;
-  if (SDL_GetCurrentVideoDriver() != nullptr && SDL_GetHint(kSession) != nullptr) return;
+  const bool isVideoDown = canAskForDriver() && videoDriver() == nullptr;
+  if (!isVideoDown && SDL_GetHint(kSession) != nullptr) return;
   isMarked = false;
   endSdlGeneration();
   detachX11();

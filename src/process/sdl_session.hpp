@@ -44,6 +44,9 @@ class FRAMESINK_SCOPED_LOCK InGate {
 // threads, inside the gate.
 void initVideo();
 
+// The name of SDL's video driver; null if video is down or SDL cannot tell.
+const char* videoDriver();
+
 // True if SDL may draw the library's windows through OpenGL. Known once initVideo has been called;
 // inside the gate.
 bool isOpenGlInUse();

@@ -12,6 +12,7 @@
 #include "process/display_loss.hpp"
 #include "process/display_watch.hpp"
 #include "process/opengl.hpp"
+#include "process/sdl_session.hpp"
 #include "process/thread_safety.hpp"
 #include "process/x11_errors.hpp"
 #include "process/x11_shared_memory.hpp"
@@ -131,7 +132,7 @@ void X11WindowWatch::noteDestroyed(std::uint64_t xWindow) {
 }
 
 bool isOnX11() {
-  const char* driver = SDL_GetCurrentVideoDriver();
+  const char* driver = videoDriver();
   return driver != nullptr && std::string_view(driver) == "x11";
 }
 
