@@ -15,7 +15,8 @@
 namespace framesink {
 namespace {
 
-constexpr std::chrono::milliseconds kLook{1000};  // between looks at SDL's calls
+constexpr std::chrono::milliseconds kLook{500};      // between looks at SDL's calls
+constexpr std::chrono::milliseconds kLongWait{500};  // for a window manager
 constexpr std::chrono::milliseconds kLookWhenLeaving{50};
 constexpr std::chrono::milliseconds kPatience{2000};  // for the answer to a new connection
 
@@ -42,13 +43,22 @@ class DisplayWatch {
   void run() {
     while (!ended_ && !isDisplayLost()) {
       rest();
-      if (isSilent()) cutX11();
+      if (isSilent()) {
+        cutX11();
+      } else if (isSdlWaiting()) {
+        showForgottenX11Window();
+      }
     }
   }
 
   void rest() {
     std::unique_lock lock(mutex_);
     if (!ended_) woken_.wait_for(lock, hurried ? kLookWhenLeaving : kLook);
+  }
+
+  // True if SDL waits for something else than the X server.
+  static bool isSdlWaiting() {
+    return !hurried && timeInSdl() > kLongWait && doesX11Answer(kPatience);
   }
 
   // Asks the X server before it gives the display up, because SDL also waits for window managers.

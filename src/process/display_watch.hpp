@@ -1,5 +1,6 @@
-// A thread that notices when SDL waits for an X server that does not answer, and then cuts the
-// connection. Without it, a stopped X server or a network that swallows everything would hold the
+// A thread that notices when SDL waits for long. If the X server does not answer, it cuts the
+// connection; if it does, SDL may wait for a window manager that has ended (see
+// x11_forgotten_window.hpp). Without it, a stopped X server or a network that swallows everything would hold the
 // display thread, or a host thread on the synchronous server, for ever.
 #pragma once
 

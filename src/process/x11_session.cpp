@@ -4,6 +4,7 @@
 
 #include <SDL_syswm.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -15,6 +16,7 @@
 #include "process/sdl_session.hpp"
 #include "process/thread_safety.hpp"
 #include "process/x11_errors.hpp"
+#include "process/x11_forgotten_window.hpp"
 #include "process/x11_shared_memory.hpp"
 #include "process/x11_socket.hpp"
 #include "process/xlib.hpp"
@@ -33,6 +35,8 @@ constinit bool isXlibSought = false;
 
 constinit std::atomic<Display*> connection{nullptr};
 constinit std::atomic<int> connectionSocket{-1};
+constinit std::atomic<std::uint32_t> anyWindow{0};  // of the connection
+constinit std::array<char, 256> connectionName{};
 
 bool getWmInfo(SDL_Window* window, SDL_SysWMinfo& info) {
   if (&SDL_GetWindowWMInfo == nullptr) return false;
@@ -96,8 +100,11 @@ Bool onDestroyNotify(Display* display, XEvent* event, xEvent* wire) {
 
 // ---- Attaching ----
 
-void attach(Display* display) {
+void attach(const SDL_SysWMinfo& info) {
+  Display* display = info.info.x11.display;
   connection = display;
+  anyWindow = static_cast<std::uint32_t>(info.info.x11.window);
+  std::strncpy(connectionName.data(), xlib.displayString(display), connectionName.size() - 1);
   connectionSocket = xlib.connectionNumber(display);
   if (xlib.setIoErrorExitHandler != nullptr) {
     xlib.setIoErrorExitHandler(display, onExitAfterIoError, nullptr);
@@ -109,17 +116,12 @@ void attach(Display* display) {
   startDisplayWatch();
 }
 
-Display* connectionOf(SDL_Window* window) {
-  SDL_SysWMinfo info;
-  return getWmInfo(window, info) ? info.info.x11.display : nullptr;
-}
-
-Display* connectionOfHiddenWindow() {
+bool getWmInfoOfHiddenWindow(SDL_SysWMinfo& info) {
   SDL_Window* window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
-  if (window == nullptr) return nullptr;
-  Display* display = connectionOf(window);
+  if (window == nullptr) return false;
+  const bool isKnown = getWmInfo(window, info);
   SDL_DestroyWindow(window);
-  return display;
+  return isKnown;
 }
 
 }  // namespace
@@ -141,7 +143,7 @@ void expectX11() {
     isXlibSought = true;
     const char* display = std::getenv("DISPLAY");
     const bool mayLoad = display != nullptr && *display != '\0';
-    if (&SDL_GetWindowWMInfo != nullptr) xlib.open(mayLoad);
+    if (&SDL_GetWindowWMInfo != nullptr && xlib.open(mayLoad)) openXcb();
   }
   if (xlib.isOpen()) setHandler();
 }
@@ -152,8 +154,8 @@ void attachX11(SDL_Window* window) {
     takeHandlerBack();
     return;
   }
-  Display* display = window == nullptr ? connectionOfHiddenWindow() : connectionOf(window);
-  if (display != nullptr) attach(display);
+  SDL_SysWMinfo info;
+  if (window == nullptr ? getWmInfoOfHiddenWindow(info) : getWmInfo(window, info)) attach(info);
 }
 
 void detachX11() {
@@ -165,6 +167,7 @@ void detachX11() {
 
 void leaveX11() {
   detachX11();
+  closeXcb();
   xlib.close();
   isXlibSought = false;
 }
@@ -177,6 +180,10 @@ bool hasX11HungUp() { return connectionSocket >= 0 && hasHungUp(connectionSocket
 
 bool doesX11Answer(std::chrono::milliseconds patience) {
   return connectionSocket >= 0 && doesServerAnswer(connectionSocket, patience);
+}
+
+void showForgottenX11Window() {
+  if (connectionSocket >= 0) showForgottenWindow(connectionName.data(), anyWindow);
 }
 
 void cutX11() {
@@ -225,6 +232,7 @@ void leaveX11() {}
 void stayLoadedIfChained() {}
 bool hasX11HungUp() { return false; }
 bool doesX11Answer(std::chrono::milliseconds) { return true; }
+void showForgottenX11Window() {}
 void cutX11() {}
 void hurryX11() {}
 void X11WindowWatch::noteDestroyed(std::uint64_t) {}
