@@ -1,16 +1,11 @@
 #include "process/display_watch.hpp"
 
-#include <SDL.h>
-
-#if defined(SDL_VIDEO_DRIVER_X11)
-
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
 
 #include "process/display_loss.hpp"
 #include "process/display_thread.hpp"
-#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
@@ -24,7 +19,9 @@ constinit std::atomic<bool> hurried{false};
 
 class DisplayWatch {
  public:
-  DisplayWatch() { thread_.start("sdlDisplayWatch", watch, this); }
+  explicit DisplayWatch(const WatchedDisplay& display) : display_(display) {
+    thread_.start("sdlDisplayWatch", watch, this);
+  }
 
   bool end() {
     ended_ = true;
@@ -44,9 +41,9 @@ class DisplayWatch {
     while (!ended_ && !isDisplayLost()) {
       rest();
       if (isSilent()) {
-        cutX11();
+        display_.cut();
       } else if (isSdlWaiting()) {
-        showForgottenX11Window();
+        display_.showForgotten();
       }
     }
   }
@@ -57,8 +54,8 @@ class DisplayWatch {
   }
 
   // True if SDL waits for something else than the X server.
-  static bool isSdlWaiting() {
-    return !hurried && timeInSdl() > kLongWait && doesX11Answer(kPatience);
+  bool isSdlWaiting() const {
+    return !hurried && timeInSdl() > kLongWait && display_.answers(kPatience);
   }
 
   // Asks the X server before it gives the display up, because SDL also waits for window managers.
@@ -67,11 +64,12 @@ class DisplayWatch {
     if (hurried) return waited > kLongestSilenceWhenLeaving;
     if (waited < kLongestSilence) answered_ = std::chrono::milliseconds(0);
     if (waited < answered_ + kLongestSilence) return false;
-    if (!doesX11Answer(kPatience)) return true;
+    if (!display_.answers(kPatience)) return true;
     answered_ = waited;
     return false;
   }
 
+  const WatchedDisplay display_;
   std::mutex mutex_;
   std::condition_variable woken_;
   std::atomic<bool> ended_{false};
@@ -83,8 +81,8 @@ constinit std::atomic<DisplayWatch*> current{nullptr};
 
 }  // namespace
 
-void startDisplayWatch() {
-  if (current == nullptr) current = new DisplayWatch;
+void startDisplayWatch(const WatchedDisplay& display) {
+  if (current == nullptr) current = new DisplayWatch(display);
 }
 
 void endDisplayWatch() {
@@ -98,13 +96,3 @@ void hurryDisplayWatch() {
 }
 
 }  // namespace framesink
-
-#else
-
-namespace framesink {
-void startDisplayWatch() {}
-void endDisplayWatch() {}
-void hurryDisplayWatch() {}
-}  // namespace framesink
-
-#endif

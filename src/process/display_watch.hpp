@@ -15,8 +15,15 @@ inline constexpr std::chrono::milliseconds kLongestSilence{20000};
 // The same while the library is leaving, when there is no picture left to lose.
 inline constexpr std::chrono::milliseconds kLongestSilenceWhenLeaving{500};
 
+// What the watch can do about a display. Any thread; `answers` and `showForgotten` wait for it.
+struct WatchedDisplay {
+  bool (*answers)(std::chrono::milliseconds patience);
+  void (*showForgotten)();
+  void (*cut)();
+};
+
 // Inside the gate. Does nothing if the thread runs already.
-void startDisplayWatch();
+void startDisplayWatch(const WatchedDisplay& display);
 
 // Ends the thread and waits until it is gone.
 void endDisplayWatch();

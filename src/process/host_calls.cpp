@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "process/platform.hpp"
-#include "process/sdl_session.hpp"
+#include "process/sdl_gate.hpp"
 #include "process/x11_session.hpp"
 
 namespace framesink {
@@ -88,7 +88,5 @@ bool endHostCalls(WaitBudget& budget) {
   givenUp = callsUnderWay != 0;
   return !givenUp;
 }
-
-bool haveHostCallsEnded() { return ended; }
 
 }  // namespace framesink

@@ -39,9 +39,6 @@ class HostCall {
 //   - The operating system has ended all other threads.
 bool endHostCalls(WaitBudget& budget = unloadBudget());
 
-// True once endHostCalls has been called: the library is leaving. Any thread.
-bool haveHostCallsEnded();
-
 // Records that this process is about to make windows, so that its forks leave them alone. A fork
 // may do so itself if its parent has none.
 void claimForThisProcess();

@@ -13,8 +13,8 @@
 #include "process/display_loss.hpp"
 #include "process/display_watch.hpp"
 #include "process/opengl.hpp"
-#include "process/sdl_session.hpp"
 #include "process/thread_safety.hpp"
+#include "process/video_driver.hpp"
 #include "process/x11_errors.hpp"
 #include "process/x11_forgotten_window.hpp"
 #include "process/x11_shared_memory.hpp"
@@ -113,7 +113,8 @@ void attach(const SDL_SysWMinfo& info) {
   destroyNotifyBefore = xlib.setWireToEvent(display, DestroyNotify, onDestroyNotify);
   avoidForeignMemory(xlib, display);
   tellX11Errors();
-  startDisplayWatch();
+  startDisplayWatch(
+      {.answers = doesX11Answer, .showForgotten = showForgottenX11Window, .cut = cutX11});
 }
 
 bool getWmInfoOfHiddenWindow(SDL_SysWMinfo& info) {
@@ -190,8 +191,6 @@ void cutX11() {
   if (connectionSocket >= 0) cut(connectionSocket);
 }
 
-void hurryX11() { hurryDisplayWatch(); }
-
 void X11WindowWatch::begin(SDL_Window* window) {
   SDL_SysWMinfo info;
   if (connection == nullptr || !getWmInfo(window, info)) return;
@@ -234,7 +233,6 @@ bool hasX11HungUp() { return false; }
 bool doesX11Answer(std::chrono::milliseconds) { return true; }
 void showForgottenX11Window() {}
 void cutX11() {}
-void hurryX11() {}
 void X11WindowWatch::noteDestroyed(std::uint64_t) {}
 void X11WindowWatch::begin(SDL_Window*) {}
 void X11WindowWatch::end() {}

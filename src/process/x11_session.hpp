@@ -51,9 +51,6 @@ void showForgottenX11Window();
 // Cuts the connection, so that a call that waits for the X server's answer ends. Any thread.
 void cutX11();
 
-// Makes calls of SDL end soon, even if the X server does not answer: the library is leaving.
-void hurryX11();
-
 // Notices that another client has destroyed one of the library's windows.
 class X11WindowWatch {
  public:
