@@ -1,11 +1,15 @@
 #include "process/display_watch.hpp"
 
+#if !defined(_WIN32)
+
+#include <pthread.h>
+#include <signal.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
 
 #include "process/display_loss.hpp"
-#include "process/display_thread.hpp"
 
 namespace framesink {
 namespace {
@@ -17,17 +21,38 @@ constexpr std::chrono::milliseconds kPatience{2000};  // for the answer to a new
 
 constinit std::atomic<bool> hurried{false};
 
+// Blocks all signals for the calling thread while it lives.
+class NoSignals {
+ public:
+  NoSignals() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  NoSignals(const NoSignals&) = delete;
+  NoSignals& operator=(const NoSignals&) = delete;
+
+ private:
+  sigset_t before_;
+};
+
 class DisplayWatch {
  public:
   explicit DisplayWatch(const WatchedDisplay& display) : display_(display) {
-    thread_.start("sdlDisplayWatch", watch, this);
+    const NoSignals handled;  // the thread inherits it: the host's signals are the host's
+    isStarted_ = ::pthread_create(&thread_, nullptr, watch, this) == 0;
+    if (isStarted_) ::pthread_setname_np(thread_, "sdlDisplayWatch");
   }
 
-  bool end() {
+  // Joins the thread, which calls neither SDL nor the loader.
+  ~DisplayWatch() {
     ended_ = true;
     wake();
-    return thread_.awaitEnd(unloadBudget());
+    if (isStarted_) ::pthread_join(thread_, nullptr);
   }
+  DisplayWatch(const DisplayWatch&) = delete;
+  DisplayWatch& operator=(const DisplayWatch&) = delete;
 
   void wake() {
     const std::lock_guard lock(mutex_);
@@ -35,7 +60,10 @@ class DisplayWatch {
   }
 
  private:
-  static void watch(void* self) { static_cast<DisplayWatch*>(self)->run(); }
+  static void* watch(void* self) {
+    static_cast<DisplayWatch*>(self)->run();
+    return nullptr;
+  }
 
   void run() {
     while (!ended_ && !isDisplayLost()) {
@@ -74,7 +102,8 @@ class DisplayWatch {
   std::condition_variable woken_;
   std::atomic<bool> ended_{false};
   std::chrono::milliseconds answered_{0};  // the X server answered when SDL had waited this long
-  DisplayThread thread_;
+  pthread_t thread_{};
+  bool isStarted_ = false;
 };
 
 constinit std::atomic<DisplayWatch*> current{nullptr};
@@ -85,10 +114,7 @@ void startDisplayWatch(const WatchedDisplay& display) {
   if (current == nullptr) current = new DisplayWatch(display);
 }
 
-void endDisplayWatch() {
-  DisplayWatch* watch = current.exchange(nullptr);
-  if (watch != nullptr && watch->end()) delete watch;
-}
+void endDisplayWatch() { delete current.exchange(nullptr); }
 
 void hurryDisplayWatch() {
   if (hurried.exchange(true)) return;
@@ -96,3 +122,13 @@ void hurryDisplayWatch() {
 }
 
 }  // namespace framesink
+
+#else
+
+namespace framesink {
+void startDisplayWatch(const WatchedDisplay&) {}
+void endDisplayWatch() {}
+void hurryDisplayWatch() {}
+}  // namespace framesink
+
+#endif

@@ -25,7 +25,7 @@ struct WatchedDisplay {
 // Inside the gate. Does nothing if the thread runs already.
 void startDisplayWatch(const WatchedDisplay& display);
 
-// Ends the thread and waits until it is gone.
+// Ends the thread and waits until it is gone; seconds, if the X server is being asked and silent.
 void endDisplayWatch();
 
 // From now on, the shorter limit holds, whether or not the X server answers. Any thread.
