@@ -151,6 +151,7 @@ void FaultRun::renameRaiseAndAsk() {
   letPass();
   call("renameVideoWindow", [] { renameVideoWindow("second", "renamed", "title"); });
   open("renamed", 0);
+  letPass();
   expect(recorder_.count("SDL_RaiseWindow") == 1, "the window was not raised");
   ask("renamed");
   expect(isOpen("renamed"), "the renamed window is not open");
