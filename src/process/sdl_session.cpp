@@ -95,7 +95,9 @@ void prepareVideo() {
 }
 
 void joinVideo(SDL_Window* window) {
-  isMarked = haveHints();
+  // Missing if the host has shut SDL down and started it again, or if SDL ran out of memory.
+  if (SDL_GetHint(kSession) == nullptr) setSdlHints();
+  isMarked = SDL_GetHint(kSession) != nullptr;
   if (isOnX11()) drawWithoutOpenGl();
   attachX11(window);
 }

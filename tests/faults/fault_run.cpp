@@ -2,10 +2,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "display_helpers.hpp"
 #include "events.hpp"
+#include "process/display_loss.hpp"
 
 namespace framesink::test {
 namespace {
@@ -51,19 +53,23 @@ void FaultRun::expect(bool holds, const char* what) const {
 }
 
 bool FaultRun::isFaulty() const {
+  if (isDisplayLost()) return true;
   for (const SdlCall& call : recorder_.calls()) {
     if (call.refused) return true;
   }
   return false;
 }
 
-template <class Action>
-void FaultRun::call(const char* name, Action action) {
+void FaultRun::call(const char* name, const std::function<void()>& action) {
   const std::int64_t before = clock_.now();
   const auto began = std::chrono::steady_clock::now();
   action();
-  const bool isLate = std::chrono::steady_clock::now() - began > kAtOnce ||
-                      clock_.now() - before > kMostSlept.count();
+  const auto took = std::chrono::steady_clock::now() - began;
+  if (isDisplayLost()) {
+    longestCallAfterLoss_ = std::max(longestCallAfterLoss_,
+                                     std::chrono::duration_cast<std::chrono::microseconds>(took));
+  }
+  const bool isLate = took > kAtOnce || clock_.now() - before > kMostSlept.count();
   if (isLate) giveUp(std::string(name) + " took too long");
 }
 
@@ -115,6 +121,7 @@ void FaultRun::ask(const char* name) {
 
 void FaultRun::letPass(int passes) {
   for (int i = 0; i < passes; ++i) {
+    if (servers_ == Servers::kBoth) update(beside_, 0);
     synchronous_ ? update(first_, 0) : clock_.runPass();
   }
 }
@@ -129,6 +136,7 @@ std::uint32_t FaultRun::lastWindowId() const {
 // ---- The scenario ----
 
 void FaultRun::createAndUpdate() {
+  if (servers_ == Servers::kBoth) beside_ = create("beside", 0, 1);
   first_ = create("first");
   ask("first");
   firstWindow_ = lastWindowId();
@@ -151,6 +159,7 @@ void FaultRun::renameRaiseAndAsk() {
   letPass();
   call("renameVideoWindow", [] { renameVideoWindow("second", "renamed", "title"); });
   open("renamed", 0);
+  letPass();
   expect(recorder_.count("SDL_RaiseWindow") == 1, "the window was not raised");
   ask("renamed");
   expect(isOpen("renamed"), "the renamed window is not open");
@@ -209,6 +218,7 @@ void FaultRun::liveThrough() {
   goFullscreenAndBack();
   closeAsTheUser();
   openAgain();
+  if (beside_ != nullptr) call("libDestroy", [&] { libDestroy(beside_); });
 }
 
 // A threaded server that failed to make its thread or its lock never has windows; the synchronous

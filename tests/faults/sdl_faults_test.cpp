@@ -2,82 +2,26 @@
 // FRAMESINK_FAULT_TABLE=1 prints for each function how many refusals hosts survived.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <set>
-#include <sstream>
 #include <string>
-#include <vector>
 
-#include "support/child_process.hpp"
-#include "support/temporary_folder.hpp"
-#include "support/x_server.hpp"
+#include "fault_process.hpp"
 
 namespace framesink::test {
 namespace {
-
-using Lines = std::vector<std::string>;
-
-constexpr std::chrono::seconds kLongestRun{30};
 
 // The library's own decision: it retries a failed lock without end. So only this many calls fail.
 constexpr const char* kEndlesslyRetried = "SDL_LockMutex";
 constexpr std::size_t kRetries = 100;
 
-Lines linesOf(const std::string& text) {
-  Lines lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
-// The rest of each line that begins with `key` and a blank.
-Lines valuesOf(const std::string& key, const Lines& lines) {
-  Lines values;
-  for (const std::string& line : lines) {
-    if (line.rfind(key + " ", 0) == 0) values.push_back(line.substr(key.size() + 1));
-  }
-  return values;
-}
-
-Lines sorted(Lines lines) {
-  std::sort(lines.begin(), lines.end());
-  return lines;
-}
-
-// What one run of a host reported.
-struct Outcome {
-  Lines points;  // functions of the calls that could have been refused, in order
-  Lines faults;  // functions of the calls that were refused
-};
-
 class SdlFaultsTest : public testing::TestWithParam<const char*> {
  protected:
-  explicit SdlFaultsTest(Lines display = {"SDL_VIDEODRIVER=dummy"})
-      : environment_(std::move(display)) {
-    environment_.push_back("XDG_RUNTIME_DIR=" + folder_.path());
-  }
+  explicit SdlFaultsTest(Lines display = onDummyDriver()) : display_(std::move(display)) {}
 
-  // Runs a host. Fails the test if it hangs, ends badly or prints the wrong messages.
   Outcome run(const Lines& fault = {}) {
-    Lines command{SDL_FAULT_HOST, GetParam()};
-    command.insert(command.end(), fault.begin(), fault.end());
-    ChildProcess host(command, {.environment = environment_});
-    const auto status = host.wait(kLongestRun);
-    const Lines output = linesOf(host.standardOutput());
-    std::string name;
-    for (const std::string& argument : fault) name += argument + " ";
-    if (!status) {
-      ADD_FAILURE() << name << "hangs";
-    } else if (*status != ExitStatus{.code = 0, .signal = 0}) {
-      ADD_FAILURE() << name << "ends with " << status->code << ", signal " << status->signal << "\n"
-                    << host.standardOutput() << host.standardError();
-    } else {
-      EXPECT_EQ(sorted(linesOf(host.standardError())), sorted(valuesOf("message", output))) << name;
-    }
-    return {.points = valuesOf("point", output), .faults = valuesOf("fault", output)};
+    return FaultProcess(GetParam(), fault, display_).outcome();
   }
 
   void countSurvived(const std::string& function) { ++survived_[function]; }
@@ -94,8 +38,7 @@ class SdlFaultsTest : public testing::TestWithParam<const char*> {
   }
 
  private:
-  const TemporaryFolder folder_;
-  Lines environment_;
+  const Lines display_;
   std::map<std::string, std::size_t> survived_;
 };
 INSTANTIATE_TEST_SUITE_P(Faults, SdlFaultsTest, testing::Values("threaded", "synchronous"),
@@ -140,8 +83,7 @@ TEST_P(SdlFaultsTest, EachFunctionMayFailFromAnyOfItsCallsOn) {
 // not compared with each other.
 class SdlFaultsOnX11Test : public SdlFaultsTest {
  protected:
-  SdlFaultsOnX11Test()
-      : SdlFaultsTest({"SDL_VIDEODRIVER=x11", "DISPLAY=" + sharedXServer().display()}) {}
+  SdlFaultsOnX11Test() : SdlFaultsTest(onSharedXServer()) {}
 };
 INSTANTIATE_TEST_SUITE_P(Faults, SdlFaultsOnX11Test, testing::Values("threaded", "synchronous"),
                          [](const auto& parameter) { return std::string(parameter.param); });

@@ -69,6 +69,7 @@ const VideoWindow* findInLibrary(const std::string& name) {
 // A drain ends at each event that belongs to none of our windows. Therefore passes run until three
 // in a row leave no event behind; closed players are gone by then.
 void ModelHost::settle() {
+  if (model_.isDisplayLost) return;
   constexpr int kEnough = 1000;
   int passes = 0;
   for (int quiet = 0; quiet < 3; ++quiet) {
@@ -123,7 +124,7 @@ std::string ModelHost::difference() {
     const std::string found = differenceOf(name);
     if (!found.empty()) return text(name, ": ", found);
   }
-  return differenceOfWindows();
+  return model_.isDisplayLost ? "" : differenceOfWindows();
 }
 
 std::string ModelHost::differenceOf(const std::string& name) {

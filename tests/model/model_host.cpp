@@ -7,6 +7,7 @@
 
 #include "../display/events.hpp"
 #include "display/server_instances.hpp"
+#include "process/display_loss.hpp"
 #include "support/sdl_windows.hpp"
 
 namespace framesink::model {
@@ -111,6 +112,7 @@ bool ModelHost::wouldChange(const Operation& operation) const {
 }
 
 void ModelHost::apply(const Operation& operation) {
+  if (operation.kind == Kind::kDisplayGoes) return loseDisplay();
   if (operation.kind >= Kind::kUserMoves) return letUserAct(operation);
   // A full-screen window takes the others out of full screen when it is made, not when it is
   // requested, and of two requested windows the display may skip the first for one pass. The model
@@ -201,6 +203,13 @@ void ModelHost::letUserAct(const Operation& operation) {
   applyTo(model_, operation, blocks_);
   test::push(eventOf(window, deedOf(operation.kind)));
   settle();
+}
+
+// The display thread, which halts between two passes, then ends.
+void ModelHost::loseDisplay() {
+  model_.loseDisplay();
+  declareDisplayLost();
+  lockStep_.reset();
 }
 
 }  // namespace framesink::model

@@ -39,11 +39,12 @@ class ModelHost {
   bool wouldChange(const Operation& operation) const;
 
   // Applies the operation to library and model. Display passes run only where the host waits for
-  // one, around the user's deeds and around the creation of full-screen windows.
+  // one, around the user's deeds and around the creation of full-screen windows. After the loss of
+  // the display, there are none.
   void apply(const Operation& operation);
 
   // Lets the display settle, then describes the first difference between library and model; "" if
-  // there is none.
+  // there is none. After the loss of the display, SDL's windows are not compared.
   std::string difference();
 
  private:
@@ -59,6 +60,7 @@ class ModelHost {
   void create(Slot slot);
   void update(int name);
   void letUserAct(const Operation& operation);
+  void loseDisplay();
   void settle();
   void noteWindows();
   void noteAddresses();

@@ -6,30 +6,16 @@
 //   FRAMESINK_MODEL_SEED       seed of the first random sequence (1); each further one has the next
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
 #include <random>
-#include <sstream>
 
 #include "model_host.hpp"
+#include "settings.hpp"
 
 namespace framesink::model {
 namespace {
 
-using Sequence = std::vector<Operation>;
-
 constexpr std::uint32_t kLongest = 200;
-
-std::uint32_t setting(const std::string& name, std::uint32_t usual) {
-  const auto value = test::environmentVariable(name);
-  return value ? static_cast<std::uint32_t>(std::atoi(value->c_str())) : usual;
-}
-
-std::string told(const Sequence& sequence) {
-  std::ostringstream out;
-  for (const Operation& operation : sequence) out << operation << "; ";
-  return out.str();
-}
 
 class ModelTest : public testing::Test {
  protected:
@@ -37,7 +23,7 @@ class ModelTest : public testing::Test {
   bool agree(const Sequence& sequence) {
     ++checks;
     const std::string difference = host.difference();
-    EXPECT_EQ(difference, "") << told(sequence);
+    EXPECT_EQ(difference, "") << text(sequence);
     return difference.empty();
   }
 

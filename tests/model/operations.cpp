@@ -1,6 +1,6 @@
 #include "operations.hpp"
 
-#include <string>
+#include <sstream>
 
 namespace framesink::model {
 namespace {
@@ -26,8 +26,8 @@ Block blockOf(int name, int form) {
   return block;
 }
 
-std::vector<Operation> everyOperation() {
-  std::vector<Operation> operations;
+Sequence everyOperation() {
+  Sequence operations;
   for (const int name : {0, 1}) {
     using Kind = Operation::Kind;
     for (int form = 0; form < kForms; ++form) operations.push_back({Kind::kCreate, name, form});
@@ -41,6 +41,7 @@ std::vector<Operation> everyOperation() {
 }
 
 std::ostream& operator<<(std::ostream& out, const Operation& operation) {
+  if (operation.kind == Operation::Kind::kDisplayGoes) return out << "display goes";
   constexpr const char* kKinds[] = {"create",       "update",     "open",       "open sized",
                                     "destroy",      "rename",     "user moves", "user resizes",
                                     "user escapes", "user closes"};
@@ -48,6 +49,12 @@ std::ostream& operator<<(std::ostream& out, const Operation& operation) {
       << "AB"[operation.name];
   if (operation.kind == Operation::Kind::kCreate) out << " " << kFormNames[operation.form];
   return out;
+}
+
+std::string text(const Sequence& sequence) {
+  std::ostringstream out;
+  for (const Operation& operation : sequence) out << operation << "; ";
+  return out.str();
 }
 
 }  // namespace framesink::model

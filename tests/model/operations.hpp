@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 #include <vector>
 
 #include "window_model.hpp"
@@ -20,6 +21,7 @@ struct Operation {
     kUserResizes,
     kUserEscapes,
     kUserCloses,
+    kDisplayGoes,  // for good; concerns every name
   } kind;
   int name;      // index into kNames
   int form = 0;  // of the block that kCreate creates
@@ -34,7 +36,10 @@ inline constexpr const char* kWrittenNames[] = {"model\nA", "model\nB"};
 inline constexpr int kForms = 6;
 Block blockOf(int name, int form);
 
-// Every operation on every name.
-std::vector<Operation> everyOperation();
+using Sequence = std::vector<Operation>;
+std::string text(const Sequence& sequence);
+
+// Every operation on every name, except the loss of the display, which cannot be undone.
+Sequence everyOperation();
 
 }  // namespace framesink::model

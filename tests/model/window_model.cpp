@@ -60,6 +60,7 @@ void WindowModel::create(const Block& block) {
 
 int WindowModel::add(bool synchronous, const std::string& title, Pair frame, Pair position,
                      Pair size, bool fullscreen) {
+  if (isDisplayLost) return -1;
   if (fullscreen) {
     for (auto& [id, other] : players[synchronous]) leaveFullscreen(other);
   }
@@ -123,6 +124,11 @@ void WindowModel::act(const std::string& name, const Deed& deed) {
   } else if (see(*shown, deed)) {
     players[false].erase(record->player);
   }
+}
+
+void WindowModel::loseDisplay() {
+  isDisplayLost = true;
+  for (auto& server : players) server.clear();
 }
 
 bool WindowModel::see(Player& player, const Deed& deed) {

@@ -76,6 +76,7 @@ class WindowModel {
   void destroy(const std::string& name);
   void rename(const std::string& name, const std::string& newName, const std::string& title);
   void act(const std::string& name, const Deed& deed);
+  void loseDisplay();  // for good
 
   // Each is null if there is none.
   Record* first(const std::string& name);
@@ -90,6 +91,7 @@ class WindowModel {
   std::vector<Record> records;
   std::map<int, Player> players[2];  // by `synchronous`, then by id
   int nextId[2] = {0, 0};
+  bool isDisplayLost = false;
 
  private:
   int add(bool synchronous, const std::string& title, Pair frame, Pair position, Pair size,

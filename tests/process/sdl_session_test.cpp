@@ -133,6 +133,37 @@ TEST_F(SdlSessionTest, QuittingWaitsForUsesUnderWay) {
   EXPECT_EQ(recorder.count("SDL_Quit"), 1U);
 }
 
+// ---- The host shuts SDL down ----
+
+TEST_F(SdlSessionTest, NoticesOnceThatTheHostHasShutSdlDown) {
+  initVideo();
+  const std::uint32_t quits = foreignQuits();
+  SDL_Quit();
+  for (int i = 0; i < 2; ++i) noticeForeignQuit();
+  EXPECT_EQ(foreignQuits(), quits + 1);
+}
+
+TEST_F(SdlSessionTest, JoinsTheVideoThatTheHostHasStartedAgain) {
+  initVideo();
+  const std::uint32_t quits = foreignQuits();
+  for (std::uint32_t i = 1; i <= 2; ++i) {
+    SDL_Quit();
+    ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO), 0);
+    noticeForeignQuit();
+    joinVideo(nullptr);
+    noticeForeignQuit();
+    EXPECT_EQ(foreignQuits(), quits + i);
+  }
+}
+
+TEST_F(SdlSessionTest, TakesHintsThatCannotBeSetForNoShutDown) {
+  recorder.refuse("SDL_SetHintWithPriority");
+  initVideo();
+  const std::uint32_t quits = foreignQuits();
+  noticeForeignQuit();
+  EXPECT_EQ(foreignQuits(), quits);
+}
+
 // ---- The gate ----
 
 TEST(SdlGate, KnowsItsHolder) {

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "process/display_loss.hpp"
 #include "process/platform.hpp"
 #include "support/sdl_recorder_state.hpp"
 
@@ -48,6 +49,8 @@ RecordedCall::RecordedCall(SdlCall call) {
   refused_ = countRefusals(recorder, call);
   call.refused = refused_;
   call.countable = call.fallible && !recorder.areRefusalsSuspended;
+  call.losable = isLosable(call);
+  if (isLoss(recorder, call)) loss_ = recorder.lossMoment;
   recorder.calls.push_back(call);
   generation_ = recorder.generation;
   index_ = recorder.calls.size() - 1;
@@ -69,6 +72,26 @@ bool RecordedCall::countRefusals(RecorderState& recorder, const SdlCall& call) {
   if (refusal == recorder.refusals.end()) return refused;
   const std::size_t number = ++refusal->second.seen;
   return refused || (number >= refusal->second.first && number <= refusal->second.last);
+}
+
+bool RecordedCall::isLosable(const SdlCall& call) {
+  return isCallingSdl() && !isDisplayLost() && call.function != "SDL_CreateThread";
+}
+
+bool RecordedCall::isLoss(RecorderState& recorder, const SdlCall& call) {
+  return call.losable && recorder.callsToLoss != 0 && --recorder.callsToLoss == 0;
+}
+
+// Throws with the recorder's lock free.
+void RecordedCall::loseAt(LossMoment moment) const {
+  if (loss_ != moment) return;
+  {
+    RecorderState& recorder = state();
+    const std::lock_guard lock(recorder.mutex);
+    recorder.lossFunction = function_;
+    recorder.callsUpToLoss = recorder.calls.size();
+  }
+  loseDisplay();
 }
 
 bool RecordedCall::takeFedEvent(SDL_Event* event) const {
@@ -106,6 +129,8 @@ SdlRecorder::~SdlRecorder() {
   state().refusals.clear();
   state().callsToRefusal = 0;
   state().areRefusalsSuspended = false;
+  state().callsToLoss = 0;
+  state().lossFunction.reset();
   state().events.clear();
 }
 
@@ -142,6 +167,7 @@ SdlCall SdlRecorder::last(const std::string& function) const {
 void SdlRecorder::forget() {
   const std::lock_guard lock(state().mutex);
   state().calls.clear();
+  state().callsUpToLoss = 0;
   ++state().generation;
 }
 
@@ -158,6 +184,24 @@ void SdlRecorder::permit(const std::string& function) {
 void SdlRecorder::refuseNth(std::size_t number) {
   const std::lock_guard lock(state().mutex);
   state().callsToRefusal = number;
+}
+
+void SdlRecorder::loseDisplayAt(std::size_t number, LossMoment moment) {
+  const std::lock_guard lock(state().mutex);
+  state().callsToLoss = number;
+  state().lossMoment = moment;
+}
+
+std::optional<std::string> SdlRecorder::lossFunction() const {
+  const std::lock_guard lock(state().mutex);
+  return state().lossFunction;
+}
+
+std::vector<SdlCall> SdlRecorder::callsAfterLoss() const {
+  const std::lock_guard lock(state().mutex);
+  if (!state().lossFunction) return {};
+  const auto first = static_cast<std::ptrdiff_t>(state().callsUpToLoss);
+  return {state().calls.begin() + first, state().calls.end()};
 }
 
 void SdlRecorder::suspendRefusals() {

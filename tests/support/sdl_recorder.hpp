@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,11 +24,15 @@ struct SdlCall {
   bool fallible = false;                // the function has a result that means failure
   bool countable = false;               // fallible, and refusals were not suspended
   bool refused = false;                 // the test made it fail
+  bool losable = false;                 // a loss of the display may meet it
   std::string error;                    // SDL's error text, if the call failed and set one
 };
 
 // SDL's error text after a refused call.
 inline constexpr const char* kRefusal = "refused by the test";
+
+// When a call of SDL loses the display: it does not reach SDL, or SDL has done it.
+enum class LossMoment { kInsteadOfCall, kAfterCall };
 
 // A test's action on the calls of one function. Once the hook is destroyed, its action neither runs
 // nor will run again. Declare the hook after everything that the action refers to.
@@ -72,6 +77,16 @@ class SdlRecorder {
   // Makes a single call fail in the same way: the `number`-th fallible call from now on (1: the
   // next).
   void refuseNth(std::size_t number);
+
+  // Loses the display as Xlib does, in the `number`-th losable call from now on (1: the next). The
+  // calls that the library makes inside callSdl are losable, except SDL_CreateThread, which never
+  // uses the display and whose thread would outlive its owner.
+  void loseDisplayAt(std::size_t number, LossMoment moment);
+
+  // The function that lost the display; nullopt before the loss.
+  std::optional<std::string> lossFunction() const;
+  // The calls that began after the loss; empty before it.
+  std::vector<SdlCall> callsAfterLoss() const;
 
   // Until resumeRefusals(), no call fails and none counts towards a refusal.
   void suspendRefusals();

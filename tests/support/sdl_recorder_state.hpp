@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -40,13 +41,19 @@ struct RecorderState {
   std::map<std::string, Refusal> refusals;
   std::size_t callsToRefusal = 0;  // fallible calls up to the one that fails; 0: none will fail
   std::deque<SDL_Event> events;    // to feed
+
+  std::size_t callsToLoss = 0;  // losable calls up to the one that loses the display; 0: none will
+  LossMoment lossMoment = LossMoment::kInsteadOfCall;
+  std::optional<std::string> lossFunction;
+  std::size_t callsUpToLoss = 0;  // recorded before the display was lost
+
   std::map<std::string, std::shared_ptr<Action>> actions;
   std::map<std::string, std::shared_ptr<Change>> changes;
 };
 
 bool isRecording();
 
-// One call; the constructor records it.
+// One call; the constructor records it. Call loseAt before and after SDL is called.
 class RecordedCall {
  public:
   explicit RecordedCall(SdlCall call);
@@ -55,14 +62,19 @@ class RecordedCall {
   bool takeFedEvent(SDL_Event* event) const;
   // What the caller gets instead of `result`. `error` is SDL's error text if the call failed.
   std::int64_t answer(std::int64_t result, const char* error) const;
+  // Loses the display, and throws, if this call is to lose it at this moment.
+  void loseAt(LossMoment moment) const;
 
  private:
   static constexpr std::uint64_t kUnseen = UINT64_MAX;
 
   bool countRefusals(RecorderState& state, const SdlCall& call);
+  static bool isLosable(const SdlCall& call);
+  static bool isLoss(RecorderState& state, const SdlCall& call);
 
   std::string function_;
   bool refused_ = false;
+  std::optional<LossMoment> loss_;
   std::uint64_t generation_ = kUnseen;
   std::size_t index_ = 0;
 };

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "support/foreign_leaks.hpp"
@@ -28,14 +29,17 @@ Result recordedCall(SdlCall call, Result failure, Perform perform) {
   call.fallible = true;
   const RecordedCall recording(std::move(call));
   Result result = failure;
+  recording.loseAt(LossMoment::kInsteadOfCall);
   if (recording.isRefused()) {
     SDL_SetError("%s", kRefusal);
   } else {
     result = perform(recording);
   }
   const bool hasError = result == failure && hasErrorText(failure);
-  return fromNumber<Result>(
-      recording.answer(asNumber(result), hasError ? __real_SDL_GetError() : ""));
+  const std::int64_t answer =
+      recording.answer(asNumber(result), hasError ? __real_SDL_GetError() : "");
+  recording.loseAt(LossMoment::kAfterCall);
+  return fromNumber<Result>(answer);
 }
 
 template <class Result, class... Parameters>
@@ -51,7 +55,9 @@ void recorded(const char* function, void (*real)(Parameters...),
               std::type_identity_t<Parameters>... arguments) {
   if (!isRecording()) return real(arguments...);
   const RecordedCall recording(describedCall(function, arguments...));
+  recording.loseAt(LossMoment::kInsteadOfCall);
   if (!recording.isRefused()) real(arguments...);
+  recording.loseAt(LossMoment::kAfterCall);
 }
 
 }  // namespace
@@ -100,7 +106,8 @@ SDL_Thread* __wrap_SDL_CreateThread(SDL_ThreadFunction body, const char* name, v
       recorded("SDL_CreateThread", nullptr, __real_SDL_CreateThread, body, name, data);
   framesink::test::noteThread(thread);
   SdlClock* clock = SdlClock::current();
-  if (clock != nullptr && thread != nullptr) clock->awaitFirstRest();
+  const bool isDisplays = std::strcmp(name, "sdlVideoPlayers") == 0;
+  if (clock != nullptr && thread != nullptr && isDisplays) clock->awaitFirstRest();
   return thread;
 }
 
@@ -288,8 +295,10 @@ void __wrap_SDL_RenderPresent(SDL_Renderer* renderer) {
 // ---- Errors ----
 
 const char* __wrap_SDL_GetError() {
-  if (isRecording()) const RecordedCall recording(describedCall("SDL_GetError"));
-  return __real_SDL_GetError();
+  const char* text = "";
+  const auto ask = [](const char** answer) { *answer = __real_SDL_GetError(); };
+  recorded("SDL_GetError", +ask, &text);
+  return text;
 }
 
 // The arguments of a variadic function cannot be passed on, so the text is formatted here.
@@ -300,8 +309,10 @@ void __wrap_SDL_LogError(int category, const char* format, ...) {
   std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
   const char* message = text.data();
-  if (isRecording()) const RecordedCall recording(describedCall("SDL_LogError", category, message));
-  SDL_LogMessage(category, SDL_LOG_PRIORITY_ERROR, "%s", message);
+  const auto log = [](int of, const char* what) {
+    SDL_LogMessage(of, SDL_LOG_PRIORITY_ERROR, "%s", what);
+  };
+  recorded("SDL_LogError", +log, category, message);
 }
 
 }  // extern "C"
