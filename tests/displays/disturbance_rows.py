@@ -1,0 +1,140 @@
+"""What other clients, users and window managers do to windows while a model runs."""
+
+import time
+
+import servers
+from disturbers import disturber
+from table import only_ours, row, with_commands
+
+SECTION = "Disturbances"
+
+
+def with_disturber(stage, *options):
+    """A server, the program's windows on it, and a client that may do what it wants with them."""
+    server = stage.enter(servers.xvfb(*options))
+    client = stage.enter(disturber(server))
+    stage.shows(server)
+    return server, client, client.windows([window.title for window in stage.kind.windows])
+
+
+def each(stage, deed):
+    """Does the deed to each of the program's windows; then a new picture must be shown."""
+    _, client, windows = with_disturber(stage)
+    for window in windows:
+        deed(client, window)
+    stage.still_shows()
+
+
+@row(SECTION, "another client destroys the windows", short=True)
+def destroyed(stage):
+    server, client, windows = with_disturber(stage)
+    stage.screen = None
+    for window in windows:
+        client.destroy(window)
+    stage.runs_on(frames=100)
+    if stage.kind.is_ours:
+        stage.open_again(server)
+
+
+@row(SECTION, "windows put into frames and taken out 1,000 times (short: 100)", short=True)
+def reframed(stage):
+    _, client, windows = with_disturber(stage)
+    for window in windows:
+        client.reframe(window, stage.times(100, 1000))
+    stage.still_shows()
+
+
+def replace_managers(stage, program):
+    """Window managers are killed and started again while windows open and close."""
+    server = stage.enter(servers.xvfb())
+    stage.shows(server)
+    stage.churn(True)
+    for _ in range(stage.times(5, 20)):
+        with servers.manager(program, server):
+            stage.watch(0.05)
+    stage.churn(False)
+    stage.runs_on()
+
+
+@row(SECTION, "openbox killed and started 20 times while windows open and close", kinds=with_commands)
+def openbox(stage):
+    replace_managers(stage, "openbox")
+
+
+@row(SECTION, "metacity killed and started 20 times while windows open and close", kinds=with_commands)
+def metacity(stage):
+    replace_managers(stage, "metacity")
+
+
+@row(SECTION, "screen of another size (RandR)")
+def resized_screen(stage):
+    _, client, _ = with_disturber(stage)
+    for width, height in [(800, 600), (640, 480), (1024, 768)] * 5:
+        client.set_screen_size(width, height)
+    stage.still_shows()
+
+
+@row(SECTION, "another client keeps the server for itself for 3 s", waits=True)
+def grabbed(stage):
+    _, client, _ = with_disturber(stage)
+    end = time.monotonic() + 3
+    threaded_only = [window.synchronous for window in stage.kind.windows] == [0] and stage.kind.is_ours
+    client.grab_server(3, lambda: stage.facts() if threaded_only else None)
+    assert time.monotonic() >= end
+    if threaded_only:
+        stage.check(stage.outcome.longest < 500, f"{stage.outcome.longest_call} took {stage.outcome.longest:.0f} ms")
+    stage.still_shows()
+
+
+@row(SECTION, "windows hidden and shown 200 times")
+def hidden(stage):
+    each(stage, lambda client, window: client.unmap_and_map(window, 200))
+
+
+@row(SECTION, "windows moved and resized 200 times")
+def resized(stage):
+    each(stage, lambda client, window: client.resize(window, 200))
+
+
+@row(SECTION, "input focus taken and given 200 times")
+def focus(stage):
+    each(stage, lambda client, window: client.steal_focus(window, 200))
+
+
+@row(SECTION, "1,000 pings and senseless messages")
+def messages(stage):
+    each(stage, lambda client, window: client.flood(window, 1000))
+
+
+@row(SECTION, "200 requests to close a window", kinds=only_ours)
+def closing(stage):
+    server, client, windows = with_disturber(stage)
+    stage.screen = None
+    for window in windows:
+        client.ask_to_close(window)
+    stage.open_again(server)
+
+
+# ---- Displays that stop ----
+
+
+@row(SECTION, "X server stopped for 6 s", short=True, waits=True)
+def stopped(stage):
+    server = stage.enter(servers.xvfb())
+    stage.shows(server)
+    stage.facts() if stage.kind.is_ours else None
+    longest, stage.outcome.longest = stage.outcome.longest, 0.0
+    server.stop()
+    try:
+        threaded_only = stage.kind.name == "threaded"
+        if threaded_only:
+            stage.watch(6)
+            stage.check(stage.outcome.longest < 500, f"{stage.outcome.longest_call} took {stage.outcome.longest:.0f} ms")
+        else:
+            time.sleep(6)  # the length of the stop, not a wait for something
+    finally:
+        server.resume()
+    stage.outcome.longest = max(longest, stage.outcome.longest)
+    stage.runs_on(patience=20)
+    stage.change_picture()
+    stage.look()
