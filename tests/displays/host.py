@@ -5,6 +5,7 @@ import select
 import shlex
 import signal
 import time
+from contextlib import suppress
 from pathlib import Path
 
 from processes import spawn, end_group
@@ -44,7 +45,8 @@ class Program:
 
     def close(self):
         if (self._folder / "pid").exists() and self.status() is None:
-            os.kill(self.pid, signal.SIGKILL)
+            with suppress(ProcessLookupError):
+                os.kill(self.pid, signal.SIGKILL)
         end_group(self.shell)
         os.close(self._input)
         os.close(self._output)

@@ -18,6 +18,7 @@ class Window(NamedTuple):
 
 FIRST = Window("first", 0, (321, 239), (20, 20))
 SECOND = Window("second", 1, (320, 240), (20, 310))
+EVEN = Window("first", 0, (320, 240), (20, 20))  # ffplay shows an odd width as an even one
 
 
 class Kind(NamedTuple):
@@ -45,16 +46,16 @@ class Kind(NamedTuple):
 
 
 def _ffplay_command(folder):
-    width, height = FIRST.size
-    pictures.write_raw(folder / "picture", FIRST.size, 1)
-    return ["ffplay", "-loglevel", "error", "-nostats", "-an", "-loop", "0", "-window_title", FIRST.title, "-left", str(FIRST.place[0]), "-top",
-            str(FIRST.place[1]), "-f", "rawvideo", "-pixel_format", "bgr0", "-video_size", f"{width}x{height}",
+    (width, height), (x, y) = EVEN.size, EVEN.place
+    pictures.write_raw(folder / "picture", EVEN.size, 1)
+    return ["ffplay", "-loglevel", "error", "-nostats", "-an", "-loop", "0", "-window_title", EVEN.title, "-left", str(x), "-top",
+            str(y), "-f", "rawvideo", "-pixel_format", "bgr0", "-video_size", f"{width}x{height}",
             str(folder / "picture")]
 
 
 OURS = [Kind("threaded", (FIRST,)), Kind("synchronous", (SECOND,)), Kind("both", (FIRST, SECOND))]
 PEERS = [Kind("OpenCV", (FIRST,), False, "peer_opencv"), Kind("CImg", [FIRST], False, "peer_cimg"),
-         Kind("ffplay", (FIRST,), False, "ffplay")]
+         Kind("ffplay", (EVEN,), False, "ffplay")]
 
 
 def peers_here():

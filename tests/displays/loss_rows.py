@@ -115,7 +115,7 @@ def weston_killed(stage):
 
 @row(SECTION, "sway killed", kinds=on_wayland)
 def sway_killed(stage):
-    lives_on(stage, on_server(stage, servers.sway(stage.folder)))
+    lives_on(stage, on_server(stage, servers.sway()))
 
 
 def lives_on(stage, compositor):

@@ -43,9 +43,10 @@ def _alike(one, other, tolerance):
 class XScreen:
     """An X server's screen, read over a connection of its own."""
 
-    def __init__(self, name, tolerance=0):
+    def __init__(self, name, tolerance=0, shows_all=True):
         self.name = name
         self.tolerance = tolerance
+        self.shows_all = shows_all  # otherwise windows may cover each other
 
     def pixels(self):
         x = display.Display(self.name)
@@ -96,6 +97,7 @@ class WaylandScreen:
     """The output of a compositor that grim can read."""
 
     tolerance = 0
+    shows_all = False
 
     def __init__(self, environment):
         self._environment = environment

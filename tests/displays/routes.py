@@ -8,8 +8,8 @@ import threading
 import time
 from contextlib import contextmanager
 
-from processes import Missing, await_file, end_group, kill_descendants, spawn, without_display
-from servers import free_number
+from processes import Missing, await_file, children_of, end_group, kill_descendants, spawn, without_display
+from servers import free_number, socket_of
 from support.waiting import wait_until
 
 SSHD = "/usr/sbin/sshd"
@@ -31,8 +31,9 @@ class Forwarder:
 def forwarder(server, folder):
     """The X server judges a client by its program's name, and shares no memory with one that is called ssh."""
     program = shutil.copy(_need("socat"), folder / "ssh")
-    with free_number() as (name, path):
-        process = spawn([program, f"UNIX-LISTEN:{path},fork,backlog=64", f"UNIX-CONNECT:/tmp/.X11-unix/X{server.name[1:]}"])
+    with free_number() as name:
+        path = socket_of(name)
+        process = spawn([program, f"UNIX-LISTEN:{path},fork,backlog=64", f"UNIX-CONNECT:{socket_of(server.name)}"])
         try:
             await_file(path, process, "the forwarder")
             yield Forwarder(process, name)
@@ -59,7 +60,7 @@ class PoorLine:
         self.delay = 0.0
         self.limit = None
         self.cuts = False
-        self._target = f"/tmp/.X11-unix/X{server.name[1:]}"
+        self._target = str(socket_of(server.name))
         self._sockets = []
         self._listener = socket.socket(socket.AF_UNIX)
         self._listener.bind(str(path))
@@ -110,8 +111,8 @@ class PoorLine:
 
 @contextmanager
 def poor_line(server):
-    with free_number() as (name, path):
-        line = PoorLine(server, path, name)
+    with free_number() as name:
+        line = PoorLine(server, socket_of(name), name)
         try:
             yield line
         finally:
@@ -166,7 +167,6 @@ class Ssh:
 
 def _sessions(daemon):
     """The descendants of the daemon that are sshd themselves."""
-    from processes import children_of
     found = []
     for child in children_of(daemon):
         with open(f"/proc/{child}/comm") as name:

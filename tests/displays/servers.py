@@ -3,19 +3,18 @@
 import os
 import select
 import signal
+import socket
 import tempfile
-import threading
-from contextlib import contextmanager
+from contextlib import ExitStack, contextmanager
 from pathlib import Path
 
 from Xlib import display
 
 from pictures import WaylandScreen, XScreen
-from processes import Missing, await_file, children_of, end_group, spawn, without_display
+from processes import Missing, await_file, end_group, spawn, without_display
 from support.waiting import DEADLINE, wait_until
 
 SOCKETS = Path("/tmp/.X11-unix")
-numbers_lock = threading.Lock()
 
 
 class Server:
@@ -45,41 +44,30 @@ class Server:
 
 
 @contextmanager
-def x_server(command, environment=None, tolerance=0, screen=None, pidless=False):
-    """Starts an X server that writes its display's number to a descriptor."""
-    read_end, write_end = os.pipe()
-    process = spawn([*command, "-displayfd", write_end], environment or without_display(), pass_fds=[write_end])
-    os.close(write_end)
-    name = None
-    try:
+def x_server(command, environment=None, tolerance=0, name=None, prefix=()):
+    """Starts an X server; it is ready when it has written its display's number to a descriptor. `name` is the display's,
+    if the caller has it already."""
+    with ExitStack() as stack:
+        name = name or stack.enter_context(free_number())
+        read_end, write_end = os.pipe()
+        process = spawn([*prefix, command[0], name, *command[1:], "-displayfd", write_end], environment or without_display(),
+                        pass_fds=[write_end])
+        stack.callback(end_group, process)
+        os.close(write_end)
         with os.fdopen(read_end) as number:
-            is_told = select.select([number], [], [], DEADLINE)[0]
-            name = ":" + number.readline().strip() if is_told else ":"
-        if name == ":":
-            raise Missing(f"{command[0]} is not ready")
-        environment = without_display() | {"DISPLAY": name, "SDL_VIDEODRIVER": "x11"}
-        pid = wait_until(lambda: children_of(process.pid))[0] if pidless else process.pid
-        yield Server(process, environment, screen or XScreen(name, tolerance), pid)
-    finally:
-        end_group(process)
-        if name:
-            remove_traces(name)
-
-
-def remove_traces(name):
-    """A killed server leaves its socket and its lock behind."""
-    for path in (SOCKETS / f"X{name[1:]}", Path(f"/tmp/.X{name[1:]}-lock")):
-        path.unlink(missing_ok=True)
+            if not select.select([number], [], [], DEADLINE)[0] or not number.readline():
+                raise Missing(f"{command[0]} is not ready")
+        yield Server(process, without_display() | {"DISPLAY": name, "SDL_VIDEODRIVER": "x11"}, XScreen(name, tolerance))
 
 
 def xvfb(*options, depth=24, size="1024x768", prefix=(), tolerance=0):
-    command = [*prefix, "Xvfb", "-screen", "0", f"{size}x{depth}", "-nolisten", "tcp", "-noreset", *options]
-    return x_server(command, tolerance=tolerance)
+    command = ["Xvfb", "-screen", "0", f"{size}x{depth}", "-nolisten", "tcp", "-noreset", *options]
+    return x_server(command, tolerance=tolerance, prefix=prefix)
 
 
 def xvfb_numbered(name):
     """A server with the display name of one that is gone."""
-    return x_server(["Xvfb", name, "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"])
+    return x_server(["Xvfb", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"], name=name)
 
 
 def xvnc(folder):
@@ -92,41 +80,49 @@ def xephyr(outer):
 
 
 def xwayland(compositor):
-    return x_server(["Xwayland", "-geometry", "900x700", "-noreset"], compositor.environment)
+    return x_server(["Xwayland", "-noreset"], compositor.environment)
 
 
 # ---- Compositors ----
+
+WESTON = "[shell]\npanel-position=none\nstartup-animation=none\nlocking=false\n"
+SWAY = 'output * resolution 1024x768\nfor_window [title=".*"] floating enable, border none\n'
+# sway does not start as root.
+NOBODY = 65534 if os.getuid() == 0 else None
 
 
 @contextmanager
 def weston(outer=None):
     """weston in a window of an X server, or without any input device. Its windows are seen on the X server."""
     back_end = ["--backend=x11-backend.so", "--use-pixman"] if outer else ["--backend=headless-backend.so"]
-    command = ["weston", *back_end, "--no-config", "--idle-time=0", "--width=1000", "--height=740", "--socket=wayland-9"]
-    with _compositor(command, outer.environment if outer else without_display(), "wayland-9") as (process, environment):
-        yield Server(process, environment, outer.screen if outer else None)
+    command = ["weston", *back_end, "--idle-time=0", "--width=1000", "--height=740", "--socket=wayland-1"]
+    with _compositor(command, outer.environment if outer else without_display(), WESTON) as (process, environment):
+        yield Server(process, environment, XScreen(outer.name, shows_all=False) if outer else None)
 
 
 @contextmanager
-def sway(folder):
-    """sway in memory. Each window fills the output or a half of it, unless it floats."""
-    (folder / "sway.conf").write_text('output * resolution 1024x768\nfor_window [title=".*"] floating enable\n'
-                                      "default_floating_border none\n")
+def sway():
+    """sway in memory, with windows of the size that they ask for."""
     ours = {"WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}
-    command = ["sway", "--config", folder / "sway.conf"]
-    with _compositor(command, without_display() | ours, "wayland-1") as (process, environment):
+    with _compositor(["sway"], without_display() | ours, SWAY, NOBODY) as (process, environment):
         yield Server(process, environment, WaylandScreen(environment))
 
 
 @contextmanager
-def _compositor(command, environment, socket):
-    with tempfile.TemporaryDirectory() as folder:
-        ours = {"XDG_RUNTIME_DIR": folder}
-        process = spawn(command, environment | ours)
+def _compositor(command, environment, configuration, user=None):
+    """Runs the command in a folder that holds its configuration and its socket, and belongs to the user."""
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name)
+        (folder / "configuration").write_text(configuration)
+        if user is not None:
+            os.chown(folder, user, user)
+            command = ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups", *command]
+        process = spawn([*command, f"--config={folder}/configuration"], environment | {"XDG_RUNTIME_DIR": name})
         try:
-            await_file(Path(folder) / socket, process, command[0])
-            reach = {"WAYLAND_DISPLAY": socket, "SDL_VIDEODRIVER": "wayland", "QT_QPA_PLATFORM": "wayland"}
-            yield process, without_display() | ours | reach
+            await_file(folder / "wayland-1", process, "the compositor")
+            reach = {"XDG_RUNTIME_DIR": name, "WAYLAND_DISPLAY": "wayland-1", "SDL_VIDEODRIVER": "wayland",
+                     "QT_QPA_PLATFORM": "wayland"}
+            yield process, without_display() | reach
         finally:
             end_group(process)
 
@@ -167,22 +163,24 @@ def _is_window(x, number):
 
 @contextmanager
 def free_number():
-    """A display number that no server uses, and the path of its socket."""
-    with numbers_lock:
-        number = next(n for n in range(700, 2000) if _take(n))
-    try:
-        yield f":{number}", SOCKETS / f"X{number}"
-    finally:
-        remove_traces(f":{number}")
+    """A display's name that no other server uses as long as the block lasts. What a killed server leaves behind goes."""
+    with socket.socket(socket.AF_UNIX) as claim:
+        number = next(number for number in range(700, 2000) if _claims(claim, number))
+        try:
+            yield f":{number}"
+        finally:
+            for path in (socket_of(f":{number}"), Path(f"/tmp/.X{number}-lock")):
+                path.unlink(missing_ok=True)
 
 
-def _take(number):
-    if (SOCKETS / f"X{number}").exists():
-        return False
+def _claims(claim, number):
+    """The claim is a name without a file, so it ends with the process."""
     try:
-        descriptor = os.open(f"/tmp/.X{number}-lock", os.O_CREAT | os.O_EXCL | os.O_WRONLY)
-    except FileExistsError:
+        claim.bind(f"\0framesink-display-{number}")
+    except OSError:
         return False
-    os.write(descriptor, b"%10d\n" % os.getpid())
-    os.close(descriptor)
-    return True
+    return not socket_of(f":{number}").exists()
+
+
+def socket_of(name):
+    return SOCKETS / f"X{name[1:]}"

@@ -1,9 +1,9 @@
 """Displays of many kinds: the program must show its picture there, or live where it cannot."""
 
-import ctypes
 import os
 import subprocess
 import sys
+from pathlib import Path
 
 import routes
 import servers
@@ -45,7 +45,7 @@ def forwarded(stage):
 def start_over_ssh(stage, trusted):
     """Starts the program on this machine, over ssh. Returns the connection."""
     cookies = stage.folder / "near_cookies"
-    with servers.free_number() as (name, _):
+    with servers.free_number() as name:
         routes.make_cookies(cookies, name)
     server = stage.enter(servers.xvfb("-auth", cookies))
     routes.make_cookies(cookies, server.name)
@@ -83,7 +83,7 @@ def check_namespaces():
 def in_other_namespaces(stage, segment_bytes):
     """Program and server are in two new namespaces. The server's holds 64 segments of that size."""
     check_namespaces()
-    prefix = [*OWN_NAMESPACE, sys.executable, __file__, str(segment_bytes)]
+    prefix = [*OWN_NAMESPACE, sys.executable, Path(__file__).with_name("segments.py"), str(segment_bytes)]
     server = stage.enter(servers.xvfb(prefix=prefix))
     shows_there(stage, server, prefix=OWN_NAMESPACE)
 
@@ -101,17 +101,6 @@ def small_segments(stage):
 @row(SETTINGS, "own IPC namespace, large foreign segments of the same numbers", short=True)
 def large_segments(stage):
     in_other_namespaces(stage, 1 << 20)
-
-
-def make_segments(bytes_each):
-    """Shared memory that any process may attach, filled with something that is no picture."""
-    libc = ctypes.CDLL(None, use_errno=True)
-    libc.shmat.restype = ctypes.c_void_p
-    for _ in range(64 if bytes_each else 0):
-        segment = libc.shmget(0, ctypes.c_size_t(bytes_each), 0o1666)
-        assert segment >= 0, os.strerror(ctypes.get_errno())
-        address = libc.shmat(segment, None, 0)
-        ctypes.memset(address, 0xAB, bytes_each)
 
 
 # ---- Other servers ----
@@ -146,7 +135,7 @@ def weston_headless(stage):
 
 @row(SETTINGS, "sway", kinds=on_wayland)
 def sway(stage):
-    shows_there(stage, stage.enter(servers.sway(stage.folder)))
+    shows_there(stage, stage.enter(servers.sway()))
 
 
 @row(SETTINGS, "16 bits per pixel")
@@ -180,7 +169,7 @@ def delayed(stage):
 
 @row(SETTINGS, "X server that resets itself between two loads", kinds=only_ours)
 def resets(stage):
-    with servers.x_server(["Xvfb", "-screen", "0", "1024x768x24", "-nolisten", "tcp"]) as server:
+    with servers.x_server(["Xvfb", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-reset"]) as server:
         stage.start(server.environment)
         for _ in range(3):
             stage.runs_on()
@@ -203,7 +192,7 @@ def lives_without(stage, environment):
 
 @row(NONE, "a display that nobody serves", short=True, kinds=only_ours)
 def dead_display(stage):
-    with servers.free_number() as (name, _):
+    with servers.free_number() as name:
         lives_without(stage, {"DISPLAY": name})
 
 
@@ -215,7 +204,7 @@ def senseless_name(stage):
 @row(NONE, "wrong cookie", kinds=only_ours)
 def wrong_cookie(stage):
     cookies, others = stage.folder / "cookies", stage.folder / "others"
-    with servers.free_number() as (name, _):
+    with servers.free_number() as name:
         routes.make_cookies(cookies, name)
     server = stage.enter(servers.xvfb("-auth", cookies))
     routes.make_cookies(others, server.name, key="ff" * 16)
@@ -234,8 +223,3 @@ def one_place(stage):
     server = stage.enter(servers.xvfb("-maxclients", "64"))
     stage.enter(crowd(server, 80)).pop().close()
     lives_without(stage, {"DISPLAY": server.name})
-
-
-if __name__ == "__main__":  # makes segments and becomes the server
-    make_segments(int(sys.argv[1]))
-    os.execvp(sys.argv[2], sys.argv[2:])
