@@ -7,6 +7,7 @@ from disturbers import disturber
 from table import only_ours, row, with_commands
 
 SECTION = "Disturbances"
+PATIENCE = 40.0  # seconds; a window waits for its manager, and a manager that was killed does not answer
 
 
 def with_disturber(stage, *options):
@@ -51,17 +52,19 @@ def replace_managers(stage, program):
     stage.churn(True)
     for _ in range(stage.times(5, 20)):
         with servers.manager(program, server):
-            stage.watch(0.05)
-    stage.churn(False)
-    stage.runs_on()
+            stage.watch(0.05, PATIENCE)
+    stage.churn(False, PATIENCE)
+    stage.runs_on(patience=PATIENCE)
 
 
-@row(SECTION, "openbox killed and started 20 times while windows open and close", kinds=with_commands)
+@row(SECTION, "openbox killed and started 20 times while windows open and close", waits=True,
+     kinds=with_commands)
 def openbox(stage):
     replace_managers(stage, "openbox")
 
 
-@row(SECTION, "metacity killed and started 20 times while windows open and close", kinds=with_commands)
+@row(SECTION, "metacity killed and started 20 times while windows open and close", waits=True,
+     kinds=with_commands)
 def metacity(stage):
     replace_managers(stage, "metacity")
 

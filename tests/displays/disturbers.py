@@ -66,8 +66,10 @@ class Disturber:
             frame = self.root.create_window(30, 40, 330, 260, 0, X.CopyFromParent)
             frame.map()
             window.reparent(frame, 3, 4)
+            window.configure(x=number % 5)
             self.settle()
             window.reparent(self.root, 20, 20)
+            window.configure(x=20 + number % 3)
             frame.destroy()
             self.settle()
 

@@ -22,15 +22,23 @@ def write_raw(path, size, number):
     path.write_bytes(expected(size, number).astype("<u4").tobytes())
 
 
-def is_shown(picture, screen, tolerance=0):
-    """Whether the screen's pixels hold the picture somewhere. `tolerance` is that of each colour."""
+ENOUGH = 100  # pixels of a picture that the screen's edge may leave
+
+
+def is_shown(picture, screen, tolerance=0, is_whole=True):
+    """Whether the screen's pixels hold the picture somewhere. `tolerance` is that of each colour. Unless it must be
+    whole, the screen's right and lower edges may cut it."""
     height, width = picture.shape
-    if screen.shape[0] < height or screen.shape[1] < width:
-        return False
-    corners = screen[: screen.shape[0] - height + 1, : screen.shape[1] - width + 1]
+    corners = screen[: screen.shape[0] - height + 1, : screen.shape[1] - width + 1] if is_whole else screen
     rows, columns = np.nonzero(_alike(corners, picture[0, 0], tolerance))
-    return any(_alike(screen[y:y + height, x:x + width], picture, tolerance).all()
-               for y, x in zip(rows, columns) if _alike(screen[y, x + 1], picture[0, 1], tolerance))
+    return any(_is_at(picture, screen[y:y + height, x:x + width], tolerance) for y, x in zip(rows, columns))
+
+
+def _is_at(picture, shown, tolerance):
+    """Whether a part of the screen shows the picture, as far as that part goes."""
+    part = picture[:shown.shape[0], :shown.shape[1]]
+    is_row = _alike(shown[0], part[0], tolerance).all()  # saves comparing the rest almost everywhere
+    return shown.size >= ENOUGH and is_row and _alike(shown, part, tolerance).all()
 
 
 def _alike(one, other, tolerance):
@@ -43,18 +51,20 @@ def _alike(one, other, tolerance):
 class XScreen:
     """An X server's screen, read over a connection of its own."""
 
-    def __init__(self, name, tolerance=0, shows_all=True):
+    def __init__(self, name, tolerance=0, shows_all=True, size=None):
         self.name = name
         self.tolerance = tolerance
-        self.shows_all = shows_all  # otherwise windows may cover each other
+        self.shows_all = shows_all  # otherwise windows may cover each other, and edges may cut them
+        self._size = size  # of the part that counts
 
     def pixels(self):
         x = display.Display(self.name)
         try:
             root = x.screen().root
             place = root.get_geometry()
-            image = root.get_image(0, 0, place.width, place.height, X.ZPixmap, 0xFFFFFFFF)
-            return _decode(image.data, place.width, place.height, _masks(x))
+            width, height = self._size or (place.width, place.height)
+            image = root.get_image(0, 0, width, height, X.ZPixmap, 0xFFFFFFFF)
+            return _decode(image.data, width, height, _masks(x))
         finally:
             x.close()
 

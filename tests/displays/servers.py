@@ -86,7 +86,11 @@ def xwayland(compositor):
 # ---- Compositors ----
 
 WESTON = "[shell]\npanel-position=none\nstartup-animation=none\nlocking=false\n"
-SWAY = 'output * resolution 1024x768\nfor_window [title=".*"] floating enable, border none\n'
+SWAY = """output * resolution 1024x768
+default_border none
+default_floating_border none
+for_window [app_id=".*"] floating enable
+"""
 # sway does not start as root.
 NOBODY = 65534 if os.getuid() == 0 else None
 
@@ -94,10 +98,20 @@ NOBODY = 65534 if os.getuid() == 0 else None
 @contextmanager
 def weston(outer=None):
     """weston in a window of an X server, or without any input device. Its windows are seen on the X server."""
+    if outer:
+        _park_pointer(outer)
     back_end = ["--backend=x11-backend.so", "--use-pixman"] if outer else ["--backend=headless-backend.so"]
     command = ["weston", *back_end, "--idle-time=0", "--width=1000", "--height=740", "--socket=wayland-1"]
     with _compositor(command, outer.environment if outer else without_display(), WESTON) as (process, environment):
-        yield Server(process, environment, XScreen(outer.name, shows_all=False) if outer else None)
+        yield Server(process, environment, XScreen(outer.name, shows_all=False, size=(1000, 740)) if outer else None)
+
+
+def _park_pointer(server):
+    """Moves the pointer into the screen's corner, where its picture covers no window."""
+    x = display.Display(server.name)
+    x.screen().root.warp_pointer(5000, 5000)
+    x.sync()
+    x.close()
 
 
 @contextmanager

@@ -135,7 +135,10 @@ def weston_headless(stage):
 
 @row(SETTINGS, "sway", kinds=on_wayland)
 def sway(stage):
-    shows_there(stage, stage.enter(servers.sway()))
+    server = stage.enter(servers.sway())
+    if stage.kind.name == "ffplay":
+        server.screen = None  # sway makes its window 640 pixels wide, whatever ffplay asks for
+    shows_there(stage, server)
 
 
 @row(SETTINGS, "16 bits per pixel")
@@ -143,7 +146,7 @@ def sixteen_bits(stage):
     shows_there(stage, stage.enter(servers.xvfb(depth=16, tolerance=8)))
 
 
-@row(SETTINGS, "30 bits per pixel")
+@row(SETTINGS, "30 bits per pixel", known="SDL 2.26.5 draws nothing there without OpenGL")
 def thirty_bits(stage):
     shows_there(stage, stage.enter(servers.xvfb(depth=30, tolerance=1)))
 

@@ -100,16 +100,17 @@ class Stage:
     def _is_right(self):
         self.program.check_lives()
         screen = self.screen.pixels()
-        return all(pictures.is_shown(pictures.expected(window.size, self._number), screen, self.screen.tolerance)
-                   for window in (self.kind.windows if self.screen.shows_all else self.kind.windows[-1:]))
+        whole = self.screen.shows_all
+        return all(pictures.is_shown(pictures.expected(window.size, self._number), screen, self.screen.tolerance, whole)
+                   for window in (self.kind.windows if whole else self.kind.windows[-1:]))
 
     def change_picture(self, patience=PATIENCE):
         if self.kind.takes_commands:
             self._number += 1
             self.program.command("picture", self._number, patience=patience)
 
-    def churn(self, on):
-        self.program.command("churn", *(self.kind.churn if on else (0, 0)))
+    def churn(self, on, patience=PATIENCE):
+        self.program.command("churn", *(self.kind.churn if on else (0, 0)), patience=patience)
 
     def churns_for(self, cycles):
         """Waits until that many windows have opened."""
