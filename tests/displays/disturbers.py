@@ -3,17 +3,18 @@
 import time
 from contextlib import contextmanager
 
-from Xlib import X, Xatom, display, error
+from Xlib import X, Xatom, error
 from Xlib.protocol import event
 
 from support.waiting import wait_until
+from x_clients import connect
 
 
 class Disturber:
     """A client of the server. Errors that its requests cause are its own affair."""
 
     def __init__(self, name):
-        self.x = display.Display(name)
+        self.x = connect(name)
         self.x.set_error_handler(lambda problem, request: None)
         self.root = self.x.screen().root
 
@@ -149,7 +150,7 @@ def crowd(server, count):
     clients = []
     try:
         while len(clients) < count:
-            clients.append(display.Display(server.name))
+            clients.append(connect(server.name))
         yield clients
     except (error.DisplayConnectionError, error.ConnectionClosedError, OSError):
         yield clients

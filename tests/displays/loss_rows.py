@@ -7,6 +7,7 @@ import servers
 from disturbers import disturber
 from loss import lose
 from setting_rows import start_over_ssh
+from stage import STATUS
 from table import on_wayland, only_ours, row, with_commands
 
 SECTION = "Displays that go away"
@@ -134,7 +135,8 @@ def killed_while_opening(stage):
             stage.churns_for(cycles=1 + number % 7)
             server.kill()
             stage.runs_on()
-            stage.program.leave(7)
+            stage.program.leave(STATUS)
+    stage.begin_anew()
 
 
 # ---- Displays that stop for good ----

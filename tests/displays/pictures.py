@@ -3,7 +3,9 @@
 import subprocess
 
 import numpy as np
-from Xlib import X, display
+from Xlib import X
+
+from x_clients import connected
 
 
 def expected(size, number):
@@ -58,23 +60,17 @@ class XScreen:
         self._size = size  # of the part that counts
 
     def pixels(self):
-        x = display.Display(self.name)
-        try:
+        with connected(self.name) as x:
             root = x.screen().root
             place = root.get_geometry()
             width, height = self._size or (place.width, place.height)
             image = root.get_image(0, 0, width, height, X.ZPixmap, 0xFFFFFFFF)
             return _decode(image.data, width, height, _masks(x))
-        finally:
-            x.close()
 
     def is_any_window(self):
-        x = display.Display(self.name)
-        try:
+        with connected(self.name) as x:
             return any(child.get_attributes().map_state == X.IsViewable
                        for child in x.screen().root.query_tree().children)
-        finally:
-            x.close()
 
 
 def _masks(x):

@@ -8,11 +8,10 @@ import tempfile
 from contextlib import ExitStack, contextmanager
 from pathlib import Path
 
-from Xlib import display
-
 from pictures import WaylandScreen, XScreen
 from processes import Missing, await_file, end_group, spawn, without_display
 from support.waiting import DEADLINE, wait_until
+from x_clients import connected
 
 SOCKETS = Path("/tmp/.X11-unix")
 
@@ -108,10 +107,9 @@ def weston(outer=None):
 
 def _park_pointer(server):
     """Moves the pointer into the screen's corner, where its picture covers no window."""
-    x = display.Display(server.name)
-    x.screen().root.warp_pointer(5000, 5000)
-    x.sync()
-    x.close()
+    with connected(server.name) as x:
+        x.screen().root.warp_pointer(5000, 5000)
+        x.sync()
 
 
 @contextmanager
@@ -159,13 +157,10 @@ def manager(program, server):
 
 def _managed_by(server):
     """Whether a living window manager has announced itself."""
-    x = display.Display(server.name)
-    try:
+    with connected(server.name) as x:
         check = x.intern_atom("_NET_SUPPORTING_WM_CHECK")
         found = x.screen().root.get_full_property(check, 0)
         return bool(found) and _is_window(x, found.value[0])
-    finally:
-        x.close()
 
 
 def _is_window(x, number):
