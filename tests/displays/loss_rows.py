@@ -72,7 +72,7 @@ def forwarder_killed(stage):
 
 @row(SECTION, "line cut in the middle of a reply")
 def cut_in_reply(stage):
-    server = stage.enter(servers.xvfb())
+    server = stage.enter(servers.xvfb(*routes.WITHOUT_DESCRIPTORS))
     line = stage.enter(routes.poor_line(server))
     stage.start(line.environment, server.screen)
     stage.look()
@@ -150,7 +150,7 @@ def stopped_for_good(stage):
 
 @row(SECTION, "line that stalls for good in the middle of a reply", waits=True, kinds=only_ours)
 def stalled(stage):
-    server = stage.enter(servers.xvfb())
+    server = stage.enter(servers.xvfb(*routes.WITHOUT_DESCRIPTORS))
     line = stage.enter(routes.poor_line(server))
     stage.start(line.environment, server.screen)
     stage.look()

@@ -51,6 +51,10 @@ def _need(program):
 # ---- A forwarder that delays, stalls or cuts ----
 
 
+# A line carries bytes only, no descriptors, which clients of these extensions send if the server offers them.
+WITHOUT_DESCRIPTORS = ["-extension", "MIT-SHM", "-extension", "DRI3"]
+
+
 class PoorLine:
     """Forwards between clients and an X server. `delay` holds up each piece, in seconds. `limit` is what is still let
     through from the server, in bytes (None: all); after it the line stalls or, with `cuts`, breaks."""

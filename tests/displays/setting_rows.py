@@ -160,7 +160,7 @@ def eight_bits(stage):
 
 @row(SETTINGS, "line that delays each piece by 5 ms")
 def delayed(stage):
-    server = stage.enter(servers.xvfb())
+    server = stage.enter(servers.xvfb(*routes.WITHOUT_DESCRIPTORS))
     with routes.poor_line(server) as line:
         line.delay = 0.005
         stage.start(line.environment, server.screen)
