@@ -1,5 +1,6 @@
 """Other clients of the X server, which do to windows what a program must survive."""
 
+import subprocess
 import time
 from contextlib import contextmanager
 
@@ -10,12 +11,18 @@ from support.waiting import wait_until
 from x_clients import connect
 
 
+class Refused(Exception):
+    """The server has refused a request of a disturber; maybe the program under test has died with its windows."""
+
+
 class Disturber:
-    """A client of the server. Errors that its requests cause are its own affair."""
+    """A client of the server. Its deeds fail if the server refuses one of its requests."""
 
     def __init__(self, name):
+        self.name = name
+        self.refused = []
         self.x = connect(name)
-        self.x.set_error_handler(lambda problem, request: None)
+        self.x.set_error_handler(lambda problem, request: self.refused.append(problem))
         self.root = self.x.screen().root
 
     def close(self):
@@ -50,6 +57,8 @@ class Disturber:
     def settle(self):
         """Waits until the server has handled all of this client's requests."""
         self.x.sync()
+        if self.refused:
+            raise Refused(type(self.refused[0]).__name__)
 
     # ---- Deeds ----
 
@@ -113,12 +122,12 @@ class Disturber:
         message = event.ClientMessage(window=window, client_type=protocols, data=(32, [delete, 0, 0, 0, 0]))
         for _ in range(200):
             window.send_event(message)
-        self.settle()
+        self.x.sync()
+        self.refused.clear()  # the window may be gone after the first
 
     def set_screen_size(self, width, height):
-        """Changes the screen's mode. A server in memory has only the size that it began with, and smaller ones."""
-        self.root.xrandr_set_screen_size(width, height, width // 4, height // 4)
-        self.settle()
+        subprocess.run(["xrandr", "-d", self.name, "-s", f"{width}x{height}"], check=True)
+        assert self.root.get_geometry().width == width, "the screen keeps its size"
 
     def grab_server(self, seconds, meanwhile):
         """Keeps all other clients waiting. `meanwhile` is called often."""

@@ -31,7 +31,7 @@ class Hung(Exception):
 
 
 class Program:
-    """Runs `command` in `folder`. A `carrier`, for example ssh, runs the shell command that it gets as its last word."""
+    """Runs `command` in `folder`. A `carrier`, for example ssh, runs the shell command that is its last word."""
 
     def __init__(self, command, environment, folder, carrier=()):
         self._folder = folder

@@ -48,9 +48,9 @@ class Kind(NamedTuple):
 def _ffplay_command(folder):
     (width, height), (x, y) = EVEN.size, EVEN.place
     pictures.write_raw(folder / "picture", EVEN.size, 1)
-    return ["ffplay", "-loglevel", "error", "-nostats", "-an", "-loop", "0", "-window_title", EVEN.title, "-left", str(x), "-top",
-            str(y), "-f", "rawvideo", "-pixel_format", "bgr0", "-video_size", f"{width}x{height}",
-            str(folder / "picture")]
+    return ["ffplay", "-loglevel", "error", "-nostats", "-an", "-loop", "0", "-window_title", EVEN.title,
+            "-left", str(x), "-top", str(y), "-f", "rawvideo", "-pixel_format", "bgr0",
+            "-video_size", f"{width}x{height}", str(folder / "picture")]
 
 
 OURS = [Kind("threaded", (FIRST,)), Kind("synchronous", (SECOND,)), Kind("both", (FIRST, SECOND))]
@@ -65,8 +65,11 @@ def peers_here():
 
 
 def versions():
-    """Name and version of each package that the table compares."""
+    """Name and version of each other library."""
     packages = {"OpenCV": "libopencv-dev", "CImg": "cimg-dev", "ffplay": "ffmpeg"}
-    answers = {name: subprocess.run(["dpkg-query", "-W", "-f", "${Version}", package], text=True,
-                                    stdout=subprocess.PIPE).stdout for name, package in packages.items()}
-    return {name: answer or "not installed" for name, answer in answers.items()}
+    return {name: version_of(package) for name, package in packages.items()}
+
+
+def version_of(package):
+    command = ["dpkg-query", "-W", "-f", "${Version}", package]
+    return subprocess.run(command, text=True, stdout=subprocess.PIPE).stdout or "not installed"

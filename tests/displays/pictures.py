@@ -46,8 +46,8 @@ def _is_at(picture, shown, tolerance):
 def _alike(one, other, tolerance):
     if tolerance == 0:
         return one == other
-    differences = [np.abs((one >> shift & 255).astype(int) - (other >> shift & 255).astype(int)) for shift in (0, 8, 16)]
-    return np.maximum.reduce(differences) <= tolerance
+    pairs = [((one >> shift & 255).astype(int), (other >> shift & 255).astype(int)) for shift in (0, 8, 16)]
+    return np.maximum.reduce([np.abs(mine - theirs) for mine, theirs in pairs]) <= tolerance
 
 
 class XScreen:
@@ -96,7 +96,7 @@ def _component(samples, mask):
     """Eight bits of a colour."""
     shift = (mask & -mask).bit_length() - 1
     most = mask >> shift
-    return (samples & mask >> 0) // (1 << shift) * 255 // most
+    return (samples & mask) // (1 << shift) * 255 // most
 
 
 class WaylandScreen:

@@ -1,7 +1,6 @@
 """The table of all cells: as text for the terminal, and for the document that records it."""
 
 import datetime
-import subprocess
 from pathlib import Path
 
 import kinds
@@ -71,12 +70,8 @@ def _versions():
     programs = {"X server": "xvfb", "VNC server": "tigervnc-standalone-server", "Xephyr": "xserver-xephyr",
                 "Xwayland": "xwayland", "weston": "weston", "sway": "sway", "SDL": "libsdl2-2.0-0", "Xlib": "libx11-6",
                 "OpenSSH": "openssh-client"}
-    ours = {name: _version(package) for name, package in programs.items()}
+    ours = {name: kinds.version_of(package) for name, package in programs.items()}
     return ", ".join(f"{name} {version}" for name, version in (ours | kinds.versions()).items())
-
-
-def _version(package):
-    return subprocess.run(["dpkg-query", "-W", "-f", "${Version}", package], text=True, stdout=subprocess.PIPE).stdout
 
 
 def record(results, columns, seconds):

@@ -137,7 +137,8 @@ class Ssh:
             subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder / name], check=True)
         shutil.copy(folder / "user_key.pub", folder / "authorized_keys")
         (folder / "sshd_config").write_text(self._configuration())
-        os.makedirs("/run/sshd", exist_ok=True)
+        if os.getuid() == 0:
+            os.makedirs("/run/sshd", exist_ok=True)  # where sshd locks its unprivileged half in
         self.daemon = spawn([SSHD, "-D", "-e", "-f", folder / "sshd_config"], without_display(),
                             stderr=open(folder / "sshd.log", "w"))
         self.carriers = []

@@ -19,11 +19,11 @@ SOCKETS = Path("/tmp/.X11-unix")
 class Server:
     """A display server: what a program needs to reach it, and what happens to it."""
 
-    def __init__(self, process, environment, screen, pid=None):
+    def __init__(self, process, environment, screen):
         self.process = process
         self.environment = environment
         self.screen = screen
-        self.pid = pid or process.pid
+        self.pid = process.pid
 
     @property
     def name(self):
@@ -32,8 +32,7 @@ class Server:
     def kill(self, number=signal.SIGKILL):
         """Ends the server and waits for its end."""
         os.kill(self.pid, number)
-        if self.process.pid == self.pid:
-            self.process.wait(DEADLINE)
+        self.process.wait(DEADLINE)
 
     def stop(self):
         os.kill(self.pid, signal.SIGSTOP)
@@ -44,13 +43,13 @@ class Server:
 
 @contextmanager
 def x_server(command, environment=None, tolerance=0, name=None, prefix=()):
-    """Starts an X server; it is ready when it has written its display's number to a descriptor. `name` is the display's,
-    if the caller has it already."""
+    """Starts an X server; it is ready when it has written its display's number to a descriptor. `name` is that of the
+    display, if the caller has it already."""
     with ExitStack() as stack:
         name = name or stack.enter_context(free_number())
         read_end, write_end = os.pipe()
-        process = spawn([*prefix, command[0], name, *command[1:], "-displayfd", write_end], environment or without_display(),
-                        pass_fds=[write_end])
+        process = spawn([*prefix, command[0], name, *command[1:], "-displayfd", write_end],
+                        environment or without_display(), pass_fds=[write_end])
         stack.callback(end_group, process)
         os.close(write_end)
         with os.fdopen(read_end) as number:
@@ -172,7 +171,7 @@ def _is_window(x, number):
 
 @contextmanager
 def free_number():
-    """A display's name that no other server uses as long as the block lasts. What a killed server leaves behind goes."""
+    """A display's name that no other server uses as long as the block lasts. Removes what a killed server leaves."""
     with socket.socket(socket.AF_UNIX) as claim:
         number = next(number for number in range(700, 2000) if _claims(claim, number))
         try:

@@ -1,6 +1,7 @@
 """Displays of many kinds: the program must show its picture there, or live where it cannot."""
 
 import os
+import pwd
 import subprocess
 import sys
 from pathlib import Path
@@ -50,7 +51,7 @@ def start_over_ssh(stage, trusted):
     server = stage.enter(servers.xvfb("-auth", cookies))
     routes.make_cookies(cookies, server.name)
     environment = server.environment | {"XAUTHORITY": str(cookies)}
-    subprocess.run(["xhost", f"+si:localuser:{os.environ.get('USER', 'root')}"], env=environment, check=True,
+    subprocess.run(["xhost", f"+si:localuser:{pwd.getpwuid(os.getuid()).pw_name}"], env=environment, check=True,
                    stdout=subprocess.DEVNULL)
     connection = stage.enter(routes.ssh(stage.subfolder("ssh"), server))
     stage.start(environment, server.screen, carrier=connection.command(trusted))
@@ -72,20 +73,20 @@ def ssh_untrusted(stage):
 
 # ---- Segments of another IPC namespace ----
 
-OWN_NAMESPACE = ["unshare", "--ipc"]
 
-
-def check_namespaces():
-    if subprocess.run([*OWN_NAMESPACE, "true"], stderr=subprocess.DEVNULL).returncode != 0:
-        raise Missing("no right to make an IPC namespace (run as root)")
+def own_namespace_prefix():
+    """What precedes a command that shall run in an IPC namespace of its own. Users may need one of users for that."""
+    for prefix in (["unshare", "--ipc"], ["unshare", "--ipc", "--user", "--map-current-user"]):
+        if subprocess.run([*prefix, "true"], stderr=subprocess.DEVNULL).returncode == 0:
+            return prefix
+    raise Missing("neither root nor users may make an IPC namespace here")
 
 
 def in_other_namespaces(stage, segment_bytes):
     """Program and server are in two new namespaces. The server's holds 64 segments of that size."""
-    check_namespaces()
-    prefix = [*OWN_NAMESPACE, sys.executable, Path(__file__).with_name("segments.py"), str(segment_bytes)]
-    server = stage.enter(servers.xvfb(prefix=prefix))
-    shows_there(stage, server, prefix=OWN_NAMESPACE)
+    own = own_namespace_prefix()
+    segments = [sys.executable, Path(__file__).with_name("segments.py"), segment_bytes]
+    shows_there(stage, stage.enter(servers.xvfb(prefix=[*own, *segments])), prefix=own)
 
 
 @row(SETTINGS, "own IPC namespace", short=True)

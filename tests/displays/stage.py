@@ -1,4 +1,4 @@
-"""What a cell does: it sets a stage, lets a program show pictures on it, disturbs it, and judges what the program did."""
+"""What a cell does: it lets a program show pictures on a stage, disturbs them, and judges what the program did."""
 
 import tempfile
 import time
@@ -7,6 +7,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 import pictures
+from disturbers import Refused
 from host import Died, Hung, PATIENCE
 from processes import Missing, end_group
 from support.waiting import wait_until
@@ -60,7 +61,7 @@ class Stage:
 
     # ---- The program ----
 
-    def start(self, environment, screen=None, prefix=(), carrier=(), patience=PATIENCE):
+    def start(self, environment, screen=None, prefix=(), carrier=(), patience=30.0):
         """Starts the program and opens its windows."""
         self.program = self.kind.start(environment, self.subfolder(f"program{self._programs}"), prefix, carrier)
         self._stack.callback(self._close)
@@ -92,7 +93,7 @@ class Stage:
     def _seen(self):
         if self.screen is None:
             return NOT_LOOKED_AT
-        if wait_until(self._is_right, deadline=4):
+        if wait_until(self._is_right, deadline=6):
             return "right"
         self.program.check_lives()
         return "wrong" if self.screen.is_any_window() else "none"
@@ -195,6 +196,10 @@ def play(act, kind, size="long"):
             stage.outcome.life = death.how
         except Hung:
             stage.outcome.life = "hangs"
+        except Refused:
+            if not wait_until(lambda: stage.program.status() is not None, deadline=2):
+                raise
+            stage.outcome.life = Died(stage.program.status()).how
         except Missing as missing:
             stage.outcome.life = f"not run: {missing}"
         return stage.outcome
