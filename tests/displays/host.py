@@ -5,10 +5,9 @@ import select
 import shlex
 import signal
 import time
-from contextlib import suppress
 from pathlib import Path
 
-from processes import spawn, end_group
+from processes import end_group, kill, spawn
 from support.waiting import wait_until
 
 BUILD = Path(os.environ["FRAMESINK_BUILD"])
@@ -44,12 +43,14 @@ class Program:
         self.shell = spawn([*carrier, script] if carrier else ["sh", "-c", script], environment)
 
     def close(self):
-        if (self._folder / "pid").exists() and self.status() is None:
-            with suppress(ProcessLookupError):
-                os.kill(self.pid, signal.SIGKILL)
+        if self.has_started() and self.status() is None:
+            kill(self.pid)
         end_group(self.shell)
         os.close(self._input)
         os.close(self._output)
+
+    def has_started(self):
+        return (self._folder / "pid").exists()
 
     @property
     def pid(self):

@@ -3,6 +3,7 @@
 import os
 import signal
 import subprocess
+from contextlib import suppress
 from pathlib import Path
 
 from support.waiting import DEADLINE, wait_until
@@ -29,14 +30,23 @@ def end_group(process):
 
 
 def children_of(pid):
-    return [int(word) for task in Path(f"/proc/{pid}/task").glob("*")
-            for word in (task / "children").read_text().split()]
+    """The processes that its main thread has started; none if it is gone."""
+    try:
+        return [int(word) for word in Path(f"/proc/{pid}/task/{pid}/children").read_text().split()]
+    except (FileNotFoundError, ProcessLookupError):
+        return []
+
+
+def kill(pid):
+    """Does nothing if the process is gone."""
+    with suppress(ProcessLookupError):
+        os.kill(pid, signal.SIGKILL)
 
 
 def kill_descendants(pid):
     for child in children_of(pid):
         kill_descendants(child)
-        os.kill(child, signal.SIGKILL)
+        kill(child)
 
 
 def await_file(path, process, what):

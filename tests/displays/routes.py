@@ -6,9 +6,10 @@ import socket
 import subprocess
 import threading
 import time
-from contextlib import contextmanager
+from contextlib import contextmanager, suppress
+from pathlib import Path
 
-from processes import Missing, await_file, children_of, end_group, kill_descendants, spawn, without_display
+from processes import Missing, await_file, children_of, end_group, kill, kill_descendants, spawn, without_display
 from servers import free_number, socket_of
 from support.waiting import wait_until
 
@@ -163,7 +164,7 @@ class Ssh:
     def cut_far_end(self):
         """Kills the processes of sshd that carry the connection; the programs that they started live on."""
         for process in _sessions(self.daemon.pid):
-            os.kill(process, 9)
+            kill(process)
 
     def close(self):
         kill_descendants(self.daemon.pid)
@@ -174,8 +175,8 @@ def _sessions(daemon):
     """The descendants of the daemon that are sshd themselves."""
     found = []
     for child in children_of(daemon):
-        with open(f"/proc/{child}/comm") as name:
-            if name.read().strip() == "sshd":
+        with suppress(FileNotFoundError, ProcessLookupError):
+            if Path(f"/proc/{child}/comm").read_text().strip() == "sshd":
                 found += [*_sessions(child), child]
     return found
 

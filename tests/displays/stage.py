@@ -14,6 +14,7 @@ from support.waiting import wait_until
 
 LOSS_LINE = "The display is gone; the model runs on."
 STATUS = 7  # with which programs are to end
+EXIT_LIMIT = 2.5  # seconds; the machine may be busy
 NOT_LOOKED_AT = "–"
 
 
@@ -66,8 +67,16 @@ class Stage:
         self.program = self.kind.start(environment, self.subfolder(f"program{self._programs}"), prefix, carrier)
         self._stack.callback(self._close)
         self.screen = screen
-        self.program.answer(patience=20)
+        self._await_start()
         self.open_windows(patience)
+
+    def _await_start(self):
+        try:
+            self.program.answer(patience=20)
+        except Hung:
+            if self.program.has_started():
+                raise
+            raise Missing("the program does not start") from None
 
     def _close(self):
         if self.program:
@@ -93,7 +102,7 @@ class Stage:
     def _seen(self):
         if self.screen is None:
             return NOT_LOOKED_AT
-        if wait_until(self._is_right, deadline=6):
+        if wait_until(self._is_right, deadline=10):
             return "right"
         self.program.check_lives()
         return "wrong" if self.screen.is_any_window() else "none"
@@ -181,7 +190,7 @@ class Stage:
         if self.kind.is_ours and self.program.status() is None:
             self.facts()
         seconds = self.program.leave(STATUS)
-        self.check(seconds < 1.5, f"exit took {seconds:.1f} s")
+        self.check(seconds < EXIT_LIMIT, f"exit took {seconds:.1f} s")
 
 
 def play(act, kind, size="long"):
