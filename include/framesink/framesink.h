@@ -13,8 +13,9 @@
  *     function that "waits for the window" waits until the display thread has made the window,
  *     normally a few milliseconds, and checks every 2 ms. The wait ends at once when that window
  *     can no longer appear because the user closed it, there is no display thread, or the library
- *     is being unloaded. If a window manager stops responding while a window is being made, it
- *     delays only the functions that wait for, open, raise or rename a window.
+ *     is being unloaded. If a window manager or a display stops responding while a window is being
+ *     made, it delays only the functions that wait for or open a window, and for a display at most
+ *     about 20 s.
  *  3. Ownership. The library reads or writes through a pointer argument during the call only. It
  *     copies strings, which must be zero-terminated; a null string counts as empty. The block
  *     handle is the only thing the host receives; free it with libDestroy.
@@ -31,10 +32,17 @@
  *  8. Memory. If memory runs out, libCreate throws std::bad_alloc and leaves nothing behind.
  *  9. Lifetime. Windows belong to the library and outlive blocks and runs. A window closes when the
  *     user closes it, when the host calls destroyVideoWindow, or when the library is unloaded.
- *     Unloading and exiting close every window; they wait at most 20 s for a display that does not
- *     answer. Where SDL draws through OpenGL, as on Wayland, a library that has opened a threaded
- *     window stays loaded until the process ends, and its windows stay open.
- * 10. After the library has shut down, for example in exit handlers that run later, every function
+ *     Unloading and exiting close every window; they wait at most 20 s. Where SDL draws through
+ *     OpenGL, as on Wayland, a library that has opened a threaded window stays loaded until the
+ *     process ends, and its windows stay open.
+ * 10. Loss of the display. If the X server ends, the connection breaks or the server does not answer
+ *     for 20 s, every window counts as closed by the user, and no window can be opened any more.
+ *     The process runs on. While SDL is on X11, the library's handler for broken connections is in
+ *     force (XSetIOErrorHandler); it passes on what does not concern the library.
+ * 11. Hosts that use SDL themselves: do not poll, draw or shut down SDL while a threaded window is
+ *     open, because SDL is not made for two threads on one connection. Synchronous windows on the
+ *     same thread are safe. Unloading shuts SDL down for the whole process.
+ * 12. After the library has shut down, for example in exit handlers that run later, every function
  *     returns at once and does nothing.
  */
 #ifndef FRAMESINK_FRAMESINK_H

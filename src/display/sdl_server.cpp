@@ -138,6 +138,7 @@ void SdlServer::closePlayer(PlayerId playerId) {
   }
   const PlayersLock lock(*this, PlayersLock::kOnce);
   const InGate gate;
+  closeIfSdlIsGone();
   if (SdlPlayer* closed = player(playerId)) removePlayer(*closed);
 }
 
@@ -353,6 +354,7 @@ void SdlServer::servePlayer(SdlPlayer& player) {
 void SdlServer::deleteAllPlayers() {
   const PlayersLock lock(*this, PlayersLock::kOnce);
   const InGate gate;
+  noticeForeignQuit();
   removeAllPlayers();
 }
 

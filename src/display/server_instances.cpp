@@ -3,8 +3,9 @@
 #include <array>
 #include <atomic>
 
+#include "process/display_loss.hpp"
+#include "process/display_watch.hpp"
 #include "process/host_calls.hpp"
-#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
@@ -64,7 +65,8 @@ bool stopServers() {
   for (SdlServer* server : servers) {
     if (server != nullptr) server->beginLeaving();
   }
-  hurryX11();
+  expectDisplayLoss();
+  hurryDisplayWatch();
   if (!endHostCalls()) return false;
   for (SdlServer* server : servers) {
     if (server != nullptr && !server->stop()) return false;

@@ -1,20 +1,38 @@
 #include "process/display_loss.hpp"
 
+#include <SDL.h>
+
 #include <atomic>
 #include <cstdio>
 
-#include "process/host_calls.hpp"
-#include "process/sdl_session.hpp"
+#include "process/sdl_gate.hpp"
+#include "process/sdl_generation.hpp"
+
+#if defined(__ELF__)
+// Weak, so that the library still loads with an SDL that lacks this function.
+#pragma weak SDL_SetHintWithPriority
+#endif
 
 namespace framesink {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// A mark in SDL's list of hints, for a later load of the library.
+constexpr const char* kMark = "FRAMESINK_DISPLAY_LOST";
+
 constinit std::atomic<bool> lost{false};
+constinit std::atomic<bool> isExpected{false};
 constinit std::atomic<bool> noWindowReported{false};
 constinit std::atomic<int> depth{0};              // of callSdl; changed inside the gate only
 constinit std::atomic<Clock::rep> callsBegan{0};  // of the clock; 0: no calls are under way
+
+void leaveMark() {
+#if defined(__ELF__)
+  if (&SDL_SetHintWithPriority == nullptr) return;
+#endif
+  SDL_SetHintWithPriority(kMark, "1", SDL_HINT_OVERRIDE);
+}
 
 Clock::rep now() { return Clock::now().time_since_epoch().count(); }
 
@@ -25,8 +43,8 @@ bool isDisplayLost() { return lost; }
 void declareDisplayLost() {
   if (lost.exchange(true)) return;
   endSdlGeneration();
-  rememberDisplayLoss();
-  if (!haveHostCallsEnded()) std::fputs("The display is gone; the model runs on.\n", stderr);
+  leaveMark();
+  if (!isExpected) std::fputs("The display is gone; the model runs on.\n", stderr);
 }
 
 void loseDisplay() {
@@ -34,10 +52,14 @@ void loseDisplay() {
   throw DisplayLost();
 }
 
-void inheritDisplayLoss() {
+bool inheritDisplayLoss() {
+  if (SDL_GetHint(kMark) == nullptr) return false;
   lost = true;
   endSdlGeneration();
+  return true;
 }
+
+void expectDisplayLoss() { isExpected = true; }
 
 void reportNoWindow() {
   if (noWindowReported.exchange(true)) return;

@@ -22,9 +22,12 @@ bool isDisplayLost();
 // Ends the display outside of SDL's calls. Any thread.
 void declareDisplayLost();
 
-// Takes over the loss that an earlier load of the library left behind in this process's SDL. Prints
-// nothing.
-void inheritDisplayLoss();
+// Takes over the loss that an earlier load of the library left behind in this process's SDL, and
+// prints nothing. False if there is none.
+bool inheritDisplayLoss();
+
+// From now on, a loss prints nothing: the library is leaving.
+void expectDisplayLoss();
 
 // Prints, once, that windows can no longer be opened.
 void reportNoWindow();

@@ -1,35 +1,58 @@
 #include "process/display_watch.hpp"
 
-#include <SDL.h>
+#if !defined(_WIN32)
 
-#if defined(SDL_VIDEO_DRIVER_X11)
+#include <pthread.h>
+#include <signal.h>
 
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
 
 #include "process/display_loss.hpp"
-#include "process/display_thread.hpp"
-#include "process/x11_session.hpp"
 
 namespace framesink {
 namespace {
 
-constexpr std::chrono::milliseconds kLook{1000};  // between looks at SDL's calls
+constexpr std::chrono::milliseconds kLook{500};      // between looks at SDL's calls
+constexpr std::chrono::milliseconds kLongWait{500};  // for a window manager
 constexpr std::chrono::milliseconds kLookWhenLeaving{50};
 constexpr std::chrono::milliseconds kPatience{2000};  // for the answer to a new connection
 
 constinit std::atomic<bool> hurried{false};
 
+// Blocks all signals for the calling thread while it lives.
+class NoSignals {
+ public:
+  NoSignals() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  NoSignals(const NoSignals&) = delete;
+  NoSignals& operator=(const NoSignals&) = delete;
+
+ private:
+  sigset_t before_;
+};
+
 class DisplayWatch {
  public:
-  DisplayWatch() { thread_.start("sdlDisplayWatch", watch, this); }
+  explicit DisplayWatch(const WatchedDisplay& display) : display_(display) {
+    const NoSignals handled;  // the thread inherits it: the host's signals are the host's
+    isStarted_ = ::pthread_create(&thread_, nullptr, watch, this) == 0;
+    if (isStarted_) ::pthread_setname_np(thread_, "sdlDisplayWatch");
+  }
 
-  bool end() {
+  // Joins the thread, which calls neither SDL nor the loader.
+  ~DisplayWatch() {
     ended_ = true;
     wake();
-    return thread_.awaitEnd(unloadBudget());
+    if (isStarted_) ::pthread_join(thread_, nullptr);
   }
+  DisplayWatch(const DisplayWatch&) = delete;
+  DisplayWatch& operator=(const DisplayWatch&) = delete;
 
   void wake() {
     const std::lock_guard lock(mutex_);
@@ -37,12 +60,19 @@ class DisplayWatch {
   }
 
  private:
-  static void watch(void* self) { static_cast<DisplayWatch*>(self)->run(); }
+  static void* watch(void* self) {
+    static_cast<DisplayWatch*>(self)->run();
+    return nullptr;
+  }
 
   void run() {
     while (!ended_ && !isDisplayLost()) {
       rest();
-      if (isSilent()) cutX11();
+      if (isSilent()) {
+        display_.cut();
+      } else if (isSdlWaiting()) {
+        display_.showForgotten();
+      }
     }
   }
 
@@ -51,36 +81,40 @@ class DisplayWatch {
     if (!ended_) woken_.wait_for(lock, hurried ? kLookWhenLeaving : kLook);
   }
 
+  // True if SDL waits for something else than the X server.
+  bool isSdlWaiting() const {
+    return !hurried && timeInSdl() > kLongWait && display_.answers(kPatience);
+  }
+
   // Asks the X server before it gives the display up, because SDL also waits for window managers.
   bool isSilent() {
     const auto waited = timeInSdl();
     if (hurried) return waited > kLongestSilenceWhenLeaving;
     if (waited < kLongestSilence) answered_ = std::chrono::milliseconds(0);
     if (waited < answered_ + kLongestSilence) return false;
-    if (!doesX11Answer(kPatience)) return true;
+    if (!display_.answers(kPatience)) return true;
     answered_ = waited;
     return false;
   }
 
+  const WatchedDisplay display_;
   std::mutex mutex_;
   std::condition_variable woken_;
   std::atomic<bool> ended_{false};
   std::chrono::milliseconds answered_{0};  // the X server answered when SDL had waited this long
-  DisplayThread thread_;
+  pthread_t thread_{};
+  bool isStarted_ = false;
 };
 
 constinit std::atomic<DisplayWatch*> current{nullptr};
 
 }  // namespace
 
-void startDisplayWatch() {
-  if (current == nullptr) current = new DisplayWatch;
+void startDisplayWatch(const WatchedDisplay& display) {
+  if (current == nullptr) current = new DisplayWatch(display);
 }
 
-void endDisplayWatch() {
-  DisplayWatch* watch = current.exchange(nullptr);
-  if (watch != nullptr && watch->end()) delete watch;
-}
+void endDisplayWatch() { delete current.exchange(nullptr); }
 
 void hurryDisplayWatch() {
   if (hurried.exchange(true)) return;
@@ -92,7 +126,7 @@ void hurryDisplayWatch() {
 #else
 
 namespace framesink {
-void startDisplayWatch() {}
+void startDisplayWatch(const WatchedDisplay&) {}
 void endDisplayWatch() {}
 void hurryDisplayWatch() {}
 }  // namespace framesink

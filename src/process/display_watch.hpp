@@ -1,5 +1,6 @@
-// A thread that notices when SDL waits for an X server that does not answer, and then cuts the
-// connection. Without it, a stopped X server or a network that swallows everything would hold the
+// A thread that notices when SDL waits for long. If the X server does not answer, it cuts the
+// connection; if it does, SDL may wait for a window manager that has ended (see
+// x11_forgotten_window.hpp). Without it, a stopped X server or a network that swallows everything would hold the
 // display thread, or a host thread on the synchronous server, for ever.
 #pragma once
 
@@ -14,10 +15,17 @@ inline constexpr std::chrono::milliseconds kLongestSilence{20000};
 // The same while the library is leaving, when there is no picture left to lose.
 inline constexpr std::chrono::milliseconds kLongestSilenceWhenLeaving{500};
 
-// Inside the gate. Does nothing if the thread runs already.
-void startDisplayWatch();
+// What the watch can do about a display. Any thread; `answers` and `showForgotten` wait for it.
+struct WatchedDisplay {
+  bool (*answers)(std::chrono::milliseconds patience);
+  void (*showForgotten)();
+  void (*cut)();
+};
 
-// Ends the thread and waits until it is gone.
+// Inside the gate. Does nothing if the thread runs already.
+void startDisplayWatch(const WatchedDisplay& display);
+
+// Ends the thread and waits until it is gone; seconds, if the X server is being asked and silent.
 void endDisplayWatch();
 
 // From now on, the shorter limit holds, whether or not the X server answers. Any thread.

@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "process/platform.hpp"
-#include "process/sdl_session.hpp"
+#include "process/sdl_gate.hpp"
 #include "process/x11_session.hpp"
 
 namespace framesink {
@@ -19,7 +19,7 @@ constinit std::atomic<std::uint32_t> callsUnderWay{0};
 constinit std::atomic<bool> ended{false};
 constinit std::atomic<bool> givenUp{false};  // a wait has failed: never wait again
 
-constinit std::atomic<std::uint64_t> owner{0};  // id of the process that has windows; 0: none yet
+constinit std::atomic<std::uint64_t> owner{0};  // id of the process that calls; 0: none yet
 
 std::size_t enter(OsThreadId thread) {
   for (std::size_t slot = 0; slot < kKnownCalls; ++slot) {
@@ -38,9 +38,30 @@ bool isCaller(OsThreadId thread) {
 
 bool isFork() { return owner != 0 && owner != currentProcess(); }
 
+// A fork has no thread but the one that forked, so calls of other threads never end there.
+void forgetCallsOfOtherThreads() {
+  std::uint32_t own = 0;
+  for (auto& caller : callers) {
+    if (caller == currentThread()) {
+      ++own;
+    } else {
+      caller = 0;
+    }
+  }
+  callsUnderWay = own;
+}
+
+void claimAtFirstCall() {
+  std::uint64_t nobody = 0;
+  if (owner == nobody) owner.compare_exchange_strong(nobody, currentProcess());
+}
+
 }  // namespace
 
-void claimForThisProcess() { owner = currentProcess(); }
+void claimForThisProcess() {
+  if (isFork()) forgetCallsOfOtherThreads();
+  owner = currentProcess();
+}
 
 // Counts itself before it reads `ended`, while endHostCalls sets `ended` before it reads the count.
 // So either the call sees that the library has ended, or endHostCalls waits for the call.
@@ -48,6 +69,7 @@ HostCall::HostCall() : slot_(kKnownCalls) {
   callsUnderWay.fetch_add(1);
   open_ = !ended;
   if (!open_) return;
+  claimAtFirstCall();
   slot_ = enter(currentThread());
   stayLoadedIfChained();
 }
@@ -66,7 +88,5 @@ bool endHostCalls(WaitBudget& budget) {
   givenUp = callsUnderWay != 0;
   return !givenUp;
 }
-
-bool haveHostCallsEnded() { return ended; }
 
 }  // namespace framesink

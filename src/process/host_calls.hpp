@@ -34,14 +34,13 @@ class HostCall {
 // nothing that host calls use may be torn down:
 //   - This thread is itself inside the library, in a host call or in SDL during a display pass.
 //   - Calls are still under way when the budget is spent.
-//   - This process is a fork of the one that made the windows.
+//   - This process is a fork of the one that made the windows or, as long as there are none, the
+//     first call.
 //   - The operating system has ended all other threads.
 bool endHostCalls(WaitBudget& budget = unloadBudget());
 
-// True once endHostCalls has been called: the library is leaving. Any thread.
-bool haveHostCallsEnded();
-
-// Records that this process is about to make windows, so that its forks leave them alone.
+// Records that this process is about to make windows, so that its forks leave them alone. A fork
+// may do so itself if its parent has none.
 void claimForThisProcess();
 
 }  // namespace framesink

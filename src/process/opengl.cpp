@@ -1,20 +1,5 @@
 #include "process/opengl.hpp"
 
-#include <algorithm>
-#include <array>
-#include <string_view>
-
-namespace framesink {
-
-bool drawsThroughOpenGl(const char* videoDriver) {
-  constexpr std::array<std::string_view, 5> kSoftware = {"x11", "dummy", "evdummy", "offscreen",
-                                                         "windows"};
-  return videoDriver != nullptr &&
-         std::find(kSoftware.begin(), kSoftware.end(), videoDriver) == kSoftware.end();
-}
-
-}  // namespace framesink
-
 #if defined(__ELF__)
 
 #include <cxxabi.h>

@@ -1,5 +1,5 @@
-// Tells whether SDL draws through OpenGL, and keeps the process safe if it does. SDL does so on
-// Wayland, where SDL 2.26 has no software windows, but not on X11, where the library forbids it.
+// Keeps the process safe where SDL draws through OpenGL. SDL does so on Wayland, where SDL 2.26 has
+// no software windows, but not on X11, where the library forbids it.
 //
 // Unloading: an OpenGL driver may load and unload libraries at any time, on the thread that draws.
 // A host's dlclose holds the loader's lock while it waits for the display thread. A display thread
@@ -12,10 +12,6 @@
 #pragma once
 
 namespace framesink {
-
-// True for each of SDL's video drivers that is not known to draw software windows in software; false
-// for null, which is no driver.
-bool drawsThroughOpenGl(const char* videoDriver);
 
 // After this call, dlclose leaves the library loaded, its windows open and its threads running
 // until the process ends. Call it on a host thread, before the display thread starts.

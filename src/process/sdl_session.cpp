@@ -6,7 +6,8 @@
 #include <string_view>
 
 #include "process/display_loss.hpp"
-#include "process/opengl.hpp"
+#include "process/platform.hpp"
+#include "process/video_driver.hpp"
 #include "process/x11_session.hpp"
 
 #if defined(__ELF__)
@@ -17,14 +18,10 @@
 namespace framesink {
 namespace {
 
-constinit std::atomic<std::uint32_t> generation{0};
-constinit std::atomic<std::uint32_t> uses{0};
-
 bool isVideoUp() { return (SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) != 0; }
 
-// Marks in SDL's list of hints, which live exactly as long as SDL is not shut down.
+// A mark in SDL's list of hints, which lives exactly until SDL is shut down.
 constexpr const char* kSession = "FRAMESINK_SESSION";
-constexpr const char* kDisplayLost = "FRAMESINK_DISPLAY_LOST";
 
 constinit bool isMarked = false;     // used inside the gate only
 constinit bool openGlInUse = false;  // used inside the gate only
@@ -38,8 +35,6 @@ bool haveHints() {
   return true;
 #endif
 }
-
-bool isDisplayLossRemembered() { return SDL_GetHint(kDisplayLost) != nullptr; }
 
 // True for the values of SDL_HINT_FRAMEBUFFER_ACCELERATION with which SDL draws without OpenGL.
 bool isPlain(const char* acceleration) {
@@ -94,18 +89,6 @@ bool startVideo() {
 
 }  // namespace
 
-constinit SdlGate sdlGate;
-
-void SdlGate::lock() {
-  mutex_.lock();
-  if (depth_++ == 0) owner_ = currentThread();
-}
-
-void SdlGate::unlock() {
-  if (--depth_ == 0) owner_ = 0;
-  mutex_.unlock();
-}
-
 void prepareVideo() {
   setSdlHints();
   expectX11();
@@ -122,27 +105,21 @@ void joinVideo(SDL_Window* window) {
 bool isOpenGlInUse() { return openGlInUse; }
 
 void initVideo() {
-  if (isDisplayLossRemembered()) {
-    inheritDisplayLoss();
-    return;
-  }
+  if (inheritDisplayLoss()) return;
   const bool wasUp = isVideoUp();
   const bool mayHostAccelerate = wasUp && !isPlain(SDL_GetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION));
   callSdl([&] {
     prepareVideo();
     if (wasUp || startVideo()) joinVideo(nullptr);
-    openGlInUse = mayHostAccelerate || drawsThroughOpenGl(SDL_GetCurrentVideoDriver());
+    openGlInUse = mayHostAccelerate || drawsThroughOpenGl(videoDriver());
   });
 }
-
-std::uint32_t sdlGeneration() { return generation; }
-
-void endSdlGeneration() { generation.fetch_add(1); }
 
 // The mark also tells a host that has shut SDL down and started it again.
 void noticeForeignQuit() {
   if (!isMarked || isDisplayLost()) return;
-  if (SDL_GetCurrentVideoDriver() != nullptr && SDL_GetHint(kSession) != nullptr) return;
+  const bool isVideoDown = canAskForVideoDriver() && videoDriver() == nullptr;
+  if (!isVideoDown && SDL_GetHint(kSession) != nullptr) return;
   isMarked = false;
   endSdlGeneration();
   detachX11();
@@ -150,10 +127,6 @@ void noticeForeignQuit() {
 }
 
 std::uint32_t foreignQuits() { return quits; }
-
-void rememberDisplayLoss() {
-  if (haveHints()) SDL_SetHintWithPriority(kDisplayLost, "1", SDL_HINT_OVERRIDE);
-}
 
 void restInSdl(std::uint32_t milliseconds) {
   if (isDisplayLost()) {
@@ -164,8 +137,7 @@ void restInSdl(std::uint32_t milliseconds) {
 }
 
 void quitSdl(WaitBudget& budget) {
-  endSdlGeneration();
-  while (uses != 0 && !budget.isSpent()) sleepFor(std::chrono::milliseconds(1));
+  endSdlGeneration(budget);
   const InGate gate;
   callSdl([] { SDL_Quit(); });
   isMarked = false;
@@ -176,14 +148,5 @@ void quitSdl() {
   WaitBudget budget(kLongestUnload);
   quitSdl(budget);
 }
-
-// Counts itself before it reads the generation, while quitSdl ends the generation before it reads
-// the count. So either the use sees that the generation has ended, or quitSdl waits for the use.
-SdlUse::SdlUse(std::uint32_t windowGeneration) {
-  uses.fetch_add(1);
-  current_ = generation == windowGeneration;
-}
-
-SdlUse::~SdlUse() { uses.fetch_sub(1); }
 
 }  // namespace framesink

@@ -4,6 +4,7 @@
 
 #include <SDL_syswm.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -13,7 +14,9 @@
 #include "process/display_watch.hpp"
 #include "process/opengl.hpp"
 #include "process/thread_safety.hpp"
+#include "process/video_driver.hpp"
 #include "process/x11_errors.hpp"
+#include "process/x11_forgotten_window.hpp"
 #include "process/x11_shared_memory.hpp"
 #include "process/x11_socket.hpp"
 #include "process/xlib.hpp"
@@ -32,6 +35,8 @@ constinit bool isXlibSought = false;
 
 constinit std::atomic<Display*> connection{nullptr};
 constinit std::atomic<int> connectionSocket{-1};
+constinit std::atomic<std::uint32_t> anyWindow{0};  // of the connection
+constinit std::array<char, 256> connectionName{};
 
 bool getWmInfo(SDL_Window* window, SDL_SysWMinfo& info) {
   if (&SDL_GetWindowWMInfo == nullptr) return false;
@@ -95,8 +100,11 @@ Bool onDestroyNotify(Display* display, XEvent* event, xEvent* wire) {
 
 // ---- Attaching ----
 
-void attach(Display* display) {
+void attach(const SDL_SysWMinfo& info) {
+  Display* display = info.info.x11.display;
   connection = display;
+  anyWindow = static_cast<std::uint32_t>(info.info.x11.window);
+  std::strncpy(connectionName.data(), xlib.displayString(display), connectionName.size() - 1);
   connectionSocket = xlib.connectionNumber(display);
   if (xlib.setIoErrorExitHandler != nullptr) {
     xlib.setIoErrorExitHandler(display, onExitAfterIoError, nullptr);
@@ -105,20 +113,16 @@ void attach(Display* display) {
   destroyNotifyBefore = xlib.setWireToEvent(display, DestroyNotify, onDestroyNotify);
   avoidForeignMemory(xlib, display);
   tellX11Errors();
-  startDisplayWatch();
+  startDisplayWatch(
+      {.answers = doesX11Answer, .showForgotten = showForgottenX11Window, .cut = cutX11});
 }
 
-Display* connectionOf(SDL_Window* window) {
-  SDL_SysWMinfo info;
-  return getWmInfo(window, info) ? info.info.x11.display : nullptr;
-}
-
-Display* connectionOfHiddenWindow() {
+bool getWmInfoOfHiddenWindow(SDL_SysWMinfo& info) {
   SDL_Window* window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
-  if (window == nullptr) return nullptr;
-  Display* display = connectionOf(window);
+  if (window == nullptr) return false;
+  const bool isKnown = getWmInfo(window, info);
   SDL_DestroyWindow(window);
-  return display;
+  return isKnown;
 }
 
 }  // namespace
@@ -131,7 +135,7 @@ void X11WindowWatch::noteDestroyed(std::uint64_t xWindow) {
 }
 
 bool isOnX11() {
-  const char* driver = SDL_GetCurrentVideoDriver();
+  const char* driver = videoDriver();
   return driver != nullptr && std::string_view(driver) == "x11";
 }
 
@@ -140,7 +144,7 @@ void expectX11() {
     isXlibSought = true;
     const char* display = std::getenv("DISPLAY");
     const bool mayLoad = display != nullptr && *display != '\0';
-    if (&SDL_GetWindowWMInfo != nullptr) xlib.open(mayLoad);
+    if (&SDL_GetWindowWMInfo != nullptr && xlib.open(mayLoad)) openXcb();
   }
   if (xlib.isOpen()) setHandler();
 }
@@ -151,8 +155,8 @@ void attachX11(SDL_Window* window) {
     takeHandlerBack();
     return;
   }
-  Display* display = window == nullptr ? connectionOfHiddenWindow() : connectionOf(window);
-  if (display != nullptr) attach(display);
+  SDL_SysWMinfo info;
+  if (window == nullptr ? getWmInfoOfHiddenWindow(info) : getWmInfo(window, info)) attach(info);
 }
 
 void detachX11() {
@@ -164,6 +168,7 @@ void detachX11() {
 
 void leaveX11() {
   detachX11();
+  closeXcb();
   xlib.close();
   isXlibSought = false;
 }
@@ -178,11 +183,13 @@ bool doesX11Answer(std::chrono::milliseconds patience) {
   return connectionSocket >= 0 && doesServerAnswer(connectionSocket, patience);
 }
 
+void showForgottenX11Window() {
+  if (connectionSocket >= 0) showForgottenWindow(connectionName.data(), anyWindow);
+}
+
 void cutX11() {
   if (connectionSocket >= 0) cut(connectionSocket);
 }
-
-void hurryX11() { hurryDisplayWatch(); }
 
 void X11WindowWatch::begin(SDL_Window* window) {
   SDL_SysWMinfo info;
@@ -224,8 +231,8 @@ void leaveX11() {}
 void stayLoadedIfChained() {}
 bool hasX11HungUp() { return false; }
 bool doesX11Answer(std::chrono::milliseconds) { return true; }
+void showForgottenX11Window() {}
 void cutX11() {}
-void hurryX11() {}
 void X11WindowWatch::noteDestroyed(std::uint64_t) {}
 void X11WindowWatch::begin(SDL_Window*) {}
 void X11WindowWatch::end() {}

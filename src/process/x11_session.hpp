@@ -45,11 +45,11 @@ bool hasX11HungUp();
 // True if the X server answers a new connection within `patience`. Any thread.
 bool doesX11Answer(std::chrono::milliseconds patience);
 
+// Helps SDL out of waiting for a window manager that has ended. Waits for the X server. Any thread.
+void showForgottenX11Window();
+
 // Cuts the connection, so that a call that waits for the X server's answer ends. Any thread.
 void cutX11();
-
-// Makes calls of SDL end soon, even if the X server does not answer: the library is leaving.
-void hurryX11();
 
 // Notices that another client has destroyed one of the library's windows.
 class X11WindowWatch {

@@ -14,6 +14,7 @@ NOT_RUN_HERE = {
     "./dev build":                  (CHORE, BY_HAND),
     "./dev fuzz 600":               (CHORE, BY_HAND),
     "./dev soak --minutes 60":      (CHORE, BY_HAND),
+    "./dev displays":               (CHORE, BY_HAND),
     "./dev aarch64":                (CHORE, BY_HAND),
     "./dev windows":                (CHORE, ".ci/run"),
     "./dev bench --peers":          (CHORE, BY_HAND),

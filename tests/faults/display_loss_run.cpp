@@ -55,7 +55,7 @@ std::chrono::microseconds FaultRun::processorTimeAtRest() {
 
 void FaultRun::liveWithoutDisplay() {
   requireClosed("first");
-  for (const std::uint8_t synchronous : {0, 1}) {
+  for (const std::uint8_t synchronous : {std::uint8_t{0}, std::uint8_t{1}}) {
     void* block = create("late", 0, synchronous);
     requireClosed("late");
     update(block, 7);

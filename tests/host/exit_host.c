@@ -63,8 +63,54 @@ static void pumpSlowly(void) {
   }
 }
 
-static void idle(void) {
-  for (;;) pause();
+/* ---- The display is lost ---- */
+
+static int isAnyOpen(void) { return library.isOpen(names[0]) || library.isOpen(names[1]); }
+
+/* All calls must return at once, and no window may come back. */
+static void useLostWindows(void) {
+  const uint32_t place[2] = {10, 10};
+  int32_t pairs[4] = {1, 2, 3, 4};
+  char error[FRAMESINK_ERROR_BYTES] = "";
+  const InputDescription description = describeFrames();
+  const double start = secondsNow();
+  for (uint32_t colour = 0; colour < 100; ++colour) showOnce(colour);
+  for (int i = 0; i < 2; ++i) {
+    library.getPosSize(names[i], pairs, pairs + 2);
+    for (int k = 0; k < 4; ++k) CHECK(pairs[k] == -2);
+    library.createWindow(names[i], 0, place, place, 0);
+    CHECK(!library.isOpen(names[i]));
+  }
+  void* const block =
+      library.create(error, 0, "late", "late", 0, &description, 1, 10, 10, 0, 0, 0, 0, 0, 0);
+  CHECK(block != NULL && error[0] == '\0' && !library.isOpen("late"));
+  library.destroy(block);
+  library.rename(names[0], "renamed", "renamed");
+  library.destroyWindow("renamed");
+  CHECK(secondsNow() - start < 1);
+}
+
+static void unloadAndLeave(void) {
+  const double start = secondsNow();
+  unloadLibrary(&library);
+  CHECK(secondsNow() - start < 1);
+  CHECK(!isMapped("libframesink"));
+  leave();
+}
+
+static void outliveWithFrames(void) {
+  for (uint32_t colour = 0; isAnyOpen(); ++colour) {
+    showOnce(colour);
+    sleepMilliseconds(1);
+  }
+  useLostWindows();
+  unloadAndLeave();
+}
+
+static void outliveIdle(void) {
+  while (isAnyOpen()) sleepMilliseconds(1);
+  useLostWindows();
+  leave();
 }
 
 static void leaveWithoutHandlers(void) {
@@ -180,7 +226,8 @@ static const Ending endings[] = {
     {"late-calls-before-use", NULL, callAtExit, leave},
     {"late-calls-after-use", NULL, NULL, callAtExitAndLeave},
     {"pump", NULL, NULL, pumpSlowly},
-    {"idle", NULL, NULL, idle},
+    {"outlive-with-frames", NULL, NULL, outliveWithFrames},
+    {"outlive-idle", NULL, NULL, outliveIdle},
     {"handlers-before-load", installHandlers, NULL, pumpUntilHandled},
     {"handlers-before-use", NULL, installHandlers, pumpUntilHandled},
     {"fork", NULL, NULL, forkAndGoOn},

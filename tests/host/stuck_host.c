@@ -31,6 +31,11 @@ static void showOnce(uint32_t colour) {
   for (int i = 0; i < WINDOWS; ++i) updateBlock(&library, blocks[i], &frame);
 }
 
+static void raiseWindow(int index) {
+  const uint32_t pair[2] = {100, 100};
+  library.createWindow(names[index], 0, pair, pair, 0);
+}
+
 /* ---- Calls that do not wait ---- */
 
 #define AT_ONCE(call)                  \
@@ -45,6 +50,8 @@ static void callWhatDoesNotWait(void) {
   for (uint32_t number = 0; number < 100; ++number) AT_ONCE(showOnce(number));
   for (int i = 0; i < WINDOWS; ++i) AT_ONCE(CHECK(library.isOpen(names[i])));
   AT_ONCE(awaitWindow(0));
+  AT_ONCE(raiseWindow(0));
+  AT_ONCE(library.rename(names[0], names[0], "stuck A renamed"));
   for (int i = 0; i < WINDOWS; ++i) {
     AT_ONCE(library.start(blocks[i], error));
     AT_ONCE(library.outputs(blocks[i]));
@@ -63,20 +70,9 @@ static void callWhatDoesNotWait(void) {
 
 static void askForItsPlace(void) { awaitWindow(2); }
 
-static void openItAgain(void) {
-  const uint32_t pair[2] = {100, 100};
-  library.createWindow(names[2], 0, pair, pair, 0);
-}
+static void openItAgain(void) { raiseWindow(2); }
 
 static void renameIt(void) { library.rename(names[2], names[2], "stuck C renamed"); }
-
-/* Xlib keeps its connection locked while SDL waits for the window to be shown. */
-static void raiseAnother(void) {
-  const uint32_t pair[2] = {100, 100};
-  library.createWindow(names[0], 0, pair, pair, 0);
-}
-
-static void renameAnother(void) { library.rename(names[0], names[0], "stuck A renamed"); }
 
 static void openAnother(void) {
   library.destroy(createBlock(&library, (WindowRequest){"stuck D", 100, 300, 1, 0}));
@@ -89,7 +85,7 @@ static void unload(void) {
   unloadLibrary(&library);
   const double seconds = secondsNow() - start;
   printf("unloading took %.2f s\n", seconds);
-  CHECK(seconds >= 20 && seconds < 40);
+  CHECK(seconds < 2);
   CHECK(!isMapped("libframesink"));
   say("unloaded");
   awaitSignal();
@@ -109,8 +105,6 @@ static const Deed deeds[] = {
     {"ask-for-its-place", askForItsPlace},
     {"open-it-again", openItAgain},
     {"rename-it", renameIt},
-    {"raise-another", raiseAnother},
-    {"rename-another", renameAnother},
     {"open-another", openAnother},
     {"unload", unload},
     {"leave", leave},

@@ -80,7 +80,7 @@ std::string deedName(const testing::TestParamInfo<const char*>& test) {
 
 INSTANTIATE_TEST_SUITE_P(Host, StuckCall,
                          testing::Values("ask-for-its-place", "open-it-again", "rename-it",
-                                         "raise-another", "rename-another", "open-another"),
+                                         "open-another"),
                          deedName);
 
 TEST_P(StuckCall, WaitsUntilTheWindowManagerAnswers) {
@@ -93,31 +93,26 @@ TEST_P(StuckCall, WaitsUntilTheWindowManagerAnswers) {
   EXPECT_TRUE(host.endsWith(kHostsStatus));
 }
 
-// ---- The end, after 20 s ----
+// ---- The end ----
 
-using StuckForLong = Stuck;
-
-TEST_F(StuckForLong, UnloadingReturnsAndLeavesSdlAsItIs) {
+// There is no picture left to lose, so the library cuts the connection that SDL waits on.
+TEST_F(Stuck, UnloadingTakesLessThanTwoSeconds) {
   HostProcess host = start("unload");
   untilStuck(host);
   act(host);
-  const bool unloaded =
-      waitUntil([&] { return !host.isRunning() || host.hasSaid("unloaded"); }, 60s);
-  EXPECT_TRUE(unloaded && host.isRunning()) << host.output() << host.error();
+  EXPECT_TRUE(host.says("unloaded"));
   std::cout << host.output();
-  EXPECT_TRUE(x.findWindow("stuck A")) << "SDL was shut down";
+  EXPECT_TRUE(x.waitForNoWindow("stuck A"));
   host.process().signal(SIGUSR1);
   EXPECT_TRUE(host.endsWith(kHostsStatus));
-  EXPECT_TRUE(x.waitForNoWindow("stuck A"));
   manager.wake();
 }
 
-TEST_F(StuckForLong, ExitEndsTheHostAllTheSame) {
+TEST_F(Stuck, ExitTakesLessThanTwoSeconds) {
   HostProcess host = start("leave");
   untilStuck(host);
   act(host);
-  EXPECT_FALSE(host.process().wait(19s)) << host.output() << host.error();
-  EXPECT_TRUE(host.endsWith(kHostsStatus, 40s));
+  EXPECT_TRUE(host.endsWith(kHostsStatus, 2s));
   manager.wake();
 }
 

@@ -9,7 +9,6 @@
 #include <string>
 #include <thread>
 
-#include "process/host_calls.hpp"
 #include "process/sdl_session.hpp"
 #include "support/capture_stderr.hpp"
 #include "support/dummy_video.hpp"
@@ -179,7 +178,7 @@ TEST_F(DisplayLossDeathTest, TellsOnceThatNoWindowCanBeOpened) {
 TEST_F(DisplayLossDeathTest, IsNotToldOnceTheLibraryIsLeaving) {
   EXPECT_IN_A_CHILD(
       [] {
-        require(endHostCalls(), "host calls end");
+        expectDisplayLoss();
         declareDisplayLost();
         require(isDisplayLost(), "the display is lost");
       },

@@ -13,7 +13,7 @@ struct Sample {
   int load = 0;
   double age = 0;
   std::string display;
-  std::string drawing;
+  std::string servers;
   // Counted since the host started.
   unsigned sent = 0;
   unsigned shown = 0;
@@ -33,12 +33,12 @@ std::optional<Sample> readSample(const std::string& line);
 std::string csvHeader();
 std::string csvLine(const Sample& sample);
 
-// One curve for one way of drawing. Compares the median of the second quarter with that of the
+// One curve for one way of servers. Compares the median of the second quarter with that of the
 // last, either of the whole run or of all loads overlaid. The run shows what grows with every load.
 // The loads show what grows with every window and is freed by unloading.
 struct Verdict {
   std::string curve;
-  std::string drawing;
+  std::string servers;
   std::string quartersOf;        // "the run" or "each load"
   std::optional<double> second;  // nullopt: too few samples
   std::optional<double> last;
@@ -47,8 +47,8 @@ struct Verdict {
   bool isFlat() const { return second && last && *last - *second <= tolerance; }
 };
 
-// Judges the samples with that way of drawing.
-std::vector<Verdict> judge(const std::vector<Sample>& samples, const std::string& drawing,
+// Judges the samples with that way of servers.
+std::vector<Verdict> judge(const std::vector<Sample>& samples, const std::string& servers,
                            int loads);
 
 }  // namespace framesink::test

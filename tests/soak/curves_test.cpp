@@ -18,7 +18,7 @@ std::vector<Sample> runWith(const std::function<void(Sample&)>& change) {
     Sample sample;
     sample.load = number / kSamples;
     sample.age = (number % kSamples + 0.5) / kSamples;
-    sample.drawing = number / kSamples % 4 < 2 ? "software" : "OpenGL";
+    sample.servers = number / kSamples % 4 < 2 ? "both" : "threaded";
     sample.kilobytes = 20'000 + 1000 * (number % 3);
     sample.descriptors = 7 + number % 2;
     sample.threads = 2;
@@ -29,12 +29,12 @@ std::vector<Sample> runWith(const std::function<void(Sample&)>& change) {
   return samples;
 }
 
-// "curve, drawing, quarters" of each verdict that is not flat.
+// "curve, servers, quarters" of each verdict that is not flat.
 std::vector<std::string> notFlat(const std::vector<Sample>& samples) {
   std::vector<std::string> names;
-  for (const char* drawing : {"software", "OpenGL"}) {
-    for (const Verdict& v : judge(samples, drawing, kLoads)) {
-      if (!v.isFlat()) names.push_back(v.curve + ", " + v.drawing + ", " + v.quartersOf);
+  for (const char* servers : {"both", "threaded"}) {
+    for (const Verdict& v : judge(samples, servers, kLoads)) {
+      if (!v.isFlat()) names.push_back(v.curve + ", " + v.servers + ", " + v.quartersOf);
     }
   }
   return names;
@@ -57,28 +57,28 @@ TEST(SoakCurves, MayGrowInTheFirstQuarter) {
 
 TEST(SoakCurves, GrowWhenEachLoadLeavesSomethingBehind) {
   EXPECT_EQ(notFlat(runWith([](Sample& s) { s.descriptors += s.load; })),
-            (Names{"descriptors, software, the run", "descriptors, OpenGL, the run"}));
+            (Names{"descriptors, both, the run", "descriptors, threaded, the run"}));
 }
 
 TEST(SoakCurves, GrowWhenUnloadingAloneGivesBack) {
   EXPECT_EQ(notFlat(runWith([](Sample& s) { s.xResources += 40 * s.age; })),
-            (Names{"X resources, software, each load", "X resources, OpenGL, each load"}));
+            (Names{"X resources, both, each load", "X resources, threaded, each load"}));
 }
 
-TEST(SoakCurves, GrowUnderOneWayOfDrawing) {
+TEST(SoakCurves, GrowWithOneKindOfServers) {
   EXPECT_EQ(notFlat(runWith([](Sample& s) {
-              if (s.drawing == "OpenGL") s.threads += s.load / 2;
+              if (s.servers == "threaded") s.threads += s.load / 2;
             })),
-            (Names{"threads, OpenGL, the run"}));
+            (Names{"threads, threaded, the run"}));
 }
 
 TEST(SoakCurves, AreNotFlatWithoutSamples) { EXPECT_EQ(notFlat({}).size(), 16U); }
 
 TEST(SoakSamples, AreReadAsTheHostWritesThem) {
-  const auto sample = readSample("3,0.250,bare,OpenGL,40,41,42,43,44,20000,7,2");
+  const auto sample = readSample("3,0.250,bare,threaded,40,41,42,43,44,20000,7,2");
   ASSERT_TRUE(sample);
-  EXPECT_EQ(csvLine(*sample), "3,0.250,bare,OpenGL,40,41,42,43,44,20000,7,2,0");
-  EXPECT_FALSE(readSample("3,0.250,bare,OpenGL,40,4"));
+  EXPECT_EQ(csvLine(*sample), "3,0.250,bare,threaded,40,41,42,43,44,20000,7,2,0");
+  EXPECT_FALSE(readSample("3,0.250,bare,threaded,40,4"));
 }
 
 }  // namespace

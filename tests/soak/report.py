@@ -34,14 +34,14 @@ def draw_curve(axes, rows, curve):
 
 
 def draw(rows, path):
-    drawings = list(dict.fromkeys(row["drawing"] for row in rows))
+    drawings = list(dict.fromkeys(row["servers"] for row in rows))
     figure, grid = pyplot.subplots(len(CURVES), len(drawings), figsize=(15, 9), squeeze=False)
-    for column, drawing in enumerate(drawings):
-        own = [row for row in rows if row["drawing"] == drawing]
+    for column, servers in enumerate(drawings):
+        own = [row for row in rows if row["servers"] == servers]
         for line, curve in enumerate(CURVES):
             draw_curve(grid[line][column], own, curve)
             grid[line][column].set_ylabel(curve)
-        grid[0][column].set_title(drawing)
+        grid[0][column].set_title(servers)
         grid[-1][column].set_xlabel("loads of the library")
     figure.tight_layout()
     path.parent.mkdir(exist_ok=True)
@@ -62,11 +62,13 @@ sends frames of every kind and sample type to eight windows, 33 times per second
 
 The test has three parts:
 
-| part | share of the time | windows | display |
-|---|---|---|---|
-| software | half | threaded and synchronous | without and with a window manager, in turn |
-| OpenGL-threaded | a quarter | threaded | with a window manager; the library stays loaded |
-| OpenGL-synchronous | a quarter | synchronous | without and with a window manager, in turn |
+| part | share of the time | windows |
+|---|---|---|
+| both | half | threaded and synchronous |
+| threaded | a quarter | threaded |
+| synchronous | a quarter | synchronous |
+
+Each load of the library uses a display without or with a window manager, in turn.
 
 ![Resident memory, descriptors, threads and X resources of the host over time](images/soak.png)
 

@@ -25,7 +25,6 @@ using namespace std::chrono_literals;
 constexpr ScreenSize kScreen{800, 600};
 constexpr auto kLongestSilence = 60s;  // unloading alone may take 20 s
 constexpr auto kLook = 50ms;
-constexpr double kMesaMinutes = 20;
 
 struct Options {
   double minutes = 2;
@@ -36,19 +35,16 @@ struct Options {
   int loads() const { return 8 * std::max(1, static_cast<int>(minutes / 15)); }
 };
 
-// Each part has a separate host process, because the memory that OpenGL keeps would hide growth
-// in the others.
+// Each part has a separate host process, so that growth in one is not hidden by another.
 struct Part {
-  const char* drawing;
+  const char* servers;
   double share;  // of the test's time
-  bool isBareByTurns;
 };
 
-// OpenGL-threaded uses one display only: a library that stays loaded keeps its first display.
 constexpr std::array kParts{
-    Part{"software", 0.5, true},
-    Part{"OpenGL-threaded", 0.25, false},
-    Part{"OpenGL-synchronous", 0.25, true},
+    Part{"both", 0.5},
+    Part{"threaded", 0.25},
+    Part{"synchronous", 0.25},
 };
 
 std::vector<std::string> titles() {
@@ -82,8 +78,8 @@ class Soak {
   bool play(const Part& part) {
     const double seconds = options_.minutes * 60 * part.share / options_.loads();
     ChildProcess host({SOAK_HOST, FRAMESINK_LIBRARY, std::to_string(options_.loads()),
-                       std::to_string(seconds), (part.isBareByTurns ? bare_ : managed_).display(),
-                       managed_.display(), part.drawing, options_.leak});
+                       std::to_string(seconds), bare_.display(), managed_.display(), part.servers,
+                       options_.leak});
     watch(host);
     user_.reset();
     return endsWell(host);
@@ -122,14 +118,14 @@ class Soak {
 
   bool isOfTheSameLoad(const Sample& sample) const {
     return !samples_.empty() && samples_.back().load == sample.load &&
-           samples_.back().drawing == sample.drawing;
+           samples_.back().servers == sample.servers;
   }
 
   void tellProgress(const Sample& sample) const {
     std::fprintf(stderr,
                  "soak: %s, %s, load %d of %d: %u frames sent, %u windows closed by the user, "
                  "%.0f KiB\n",
-                 sample.drawing.c_str(), sample.display.c_str(), sample.load + 1, options_.loads(),
+                 sample.servers.c_str(), sample.display.c_str(), sample.load + 1, options_.loads(),
                  sample.sent, sample.closedByUser, sample.kilobytes);
   }
 
@@ -155,35 +151,29 @@ class Soak {
   void tellFigures() const {
     for (std::size_t i = 0; i < samples_.size(); ++i) {
       const Sample& s = samples_[i];
-      if (i + 1 < samples_.size() && samples_[i + 1].drawing == s.drawing) continue;
+      if (i + 1 < samples_.size() && samples_[i + 1].servers == s.servers) continue;
       std::printf(
           "%-18s  %u frames sent, %u pictures shown, %u events, %u windows opened, %u closed "
           "by the user, %d loads\n",
-          s.drawing.c_str(), s.sent, s.shown, s.events, s.opened, s.closedByUser, s.load + 1);
+          s.servers.c_str(), s.sent, s.shown, s.events, s.opened, s.closedByUser, s.load + 1);
     }
   }
 
   bool tellVerdicts() const {
     bool areFlat = true;
     for (const Part& part : kParts) {
-      for (const Verdict& v : judge(samples_, part.drawing, options_.loads())) {
+      for (const Verdict& v : judge(samples_, part.servers, options_.loads())) {
         tell(v);
-        areFlat = areFlat && (v.isFlat() || isTooEarlyFor(v));
+        areFlat = areFlat && v.isFlat();
       }
     }
     return areFlat;
   }
 
-  // Mesa's drivers need minutes until their memory no longer grows.
-  bool isTooEarlyFor(const Verdict& v) const {
-    return options_.minutes < kMesaMinutes && v.drawing != "software" &&
-           v.curve == "resident KiB" && v.second && v.last;
-  }
-
   void tell(const Verdict& v) const {
-    const char* word = v.isFlat() ? "flat" : isTooEarlyFor(v) ? "too early to tell" : "NOT FLAT";
+    const char* word = v.isFlat() ? "flat" : "NOT FLAT";
     std::printf("%-12s  %-18s  quarters of %-9s  second %8.0f  last %8.0f  may grow by %5.0f  %s\n",
-                v.curve.c_str(), v.drawing.c_str(), v.quartersOf.c_str(), v.second.value_or(-1),
+                v.curve.c_str(), v.servers.c_str(), v.quartersOf.c_str(), v.second.value_or(-1),
                 v.last.value_or(-1), v.tolerance, word);
   }
 

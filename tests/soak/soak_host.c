@@ -1,6 +1,6 @@
-/* soak_host LIBRARY LOADS SECONDS DISPLAY DISPLAY DRAWING LEAK: loads the library LOADS times, on
+/* soak_host LIBRARY LOADS SECONDS DISPLAY DISPLAY SERVERS LEAK: loads the library LOADS times, on
  * the two displays in turn. Each time it does for SECONDS everything that a host may do with eight
- * windows. DRAWING is software, OpenGL-threaded or OpenGL-synchronous. LEAK is none, descriptor,
+ * windows. SERVERS is both, threaded or synchronous. LEAK is none, descriptor,
  * memory or window. Prints measurements on standard output. */
 #include <malloc.h>
 #include <stdio.h>
@@ -25,14 +25,9 @@ typedef struct Show {
 static Show shows[WINDOWS];
 static Library library;
 static unsigned framesSent, closedByUser, formsUsed;
-static const char* drawing;
+static const char* servers;
 
-/* With OpenGL all windows belong to one server. SDL 2.26 uses their OpenGL contexts on any thread
- * that takes an event, and Mesa crashes if there are two such threads. */
-static int firstSynchronous;
-
-/* With OpenGL, dlclose leaves the library loaded once a threaded window was open. */
-static int staysLoaded;
+static int firstSynchronous; /* index of the first synchronous window */
 
 static int isSynchronous(const Show* show) { return show->index >= firstSynchronous; }
 
@@ -123,7 +118,7 @@ static long residentKilobytes(void) {
 
 /* `age` is 0 at the beginning of the load and 1 at its end. */
 static void tell(int load, double age) {
-  printf("%d,%.3f,%s,%s,%u,%u,%u,%u,%u,%ld,%d,%d\n", load, age, getenv("DISPLAY"), drawing,
+  printf("%d,%.3f,%s,%s,%u,%u,%u,%u,%u,%ld,%d,%d\n", load, age, getenv("DISPLAY"), servers,
          framesSent, sdlCounts.shown, sdlCounts.events, sdlCounts.opened, closedByUser,
          residentKilobytes(), countDescriptors(), countThreads());
   fflush(stdout);
@@ -150,17 +145,6 @@ static void play(int load, double seconds) {
   }
 }
 
-/* A library that stays loaded leaves its windows open, so this destroys them and waits until every
- * window that was opened is closed. */
-static void closeWindows(void) {
-  const double deadline = secondsNow() + 20;
-  for (int i = 0; i < WINDOWS; ++i) library.destroyWindow(shows[i].name);
-  while (sdlCounts.closed != sdlCounts.opened) {
-    CHECK(secondsNow() < deadline);
-    sleepMilliseconds(1);
-  }
-}
-
 static void runLoad(int load, double seconds, char** arguments) {
   setenv("DISPLAY", arguments[4 + load % 2], 1);
   library = loadLibrary(arguments[1]);
@@ -172,19 +156,16 @@ static void runLoad(int load, double seconds, char** arguments) {
   }
   play(load, seconds);
   for (int i = 0; i < WINDOWS; ++i) dropBlock(&shows[i]);
-  if (staysLoaded) closeWindows();
   unloadLibrary(&library);
-  CHECK(isMapped("libframesink") == staysLoaded);
-  CHECK(isMapped("libSDL2") == staysLoaded);
+  CHECK(!isMapped("libframesink"));
+  CHECK(!isMapped("libSDL2"));
 }
 
-static void chooseDrawing(const char* name) {
-  drawing = name;
+static void chooseServers(const char* name) {
+  servers = name;
   firstSynchronous = 6;
-  if (strcmp(name, "software") == 0) return;
-  setenv("SDL_FRAMEBUFFER_ACCELERATION", "1", 1);
-  staysLoaded = strcmp(name, "OpenGL-threaded") == 0;
-  firstSynchronous = staysLoaded ? WINDOWS : 0;
+  if (strcmp(name, "threaded") == 0) firstSynchronous = WINDOWS;
+  if (strcmp(name, "synchronous") == 0) firstSynchronous = 0;
 }
 
 static Leak leakOf(const char* name) {
@@ -197,10 +178,9 @@ static Leak leakOf(const char* name) {
 
 int main(int count, char** arguments) {
   CHECK(count == 8);
-  /* One heap for all threads: with several heaps, Mesa's threads fragment memory, which looks like
-   * growth. */
+  /* One heap for all threads, because several heaps fragment memory, which looks like growth. */
   CHECK(mallopt(M_ARENA_MAX, 1));
-  chooseDrawing(arguments[6]);
+  chooseServers(arguments[6]);
   plantedLeak = leakOf(arguments[7]);
   makePlanes();
   const int loads = atoi(arguments[2]);

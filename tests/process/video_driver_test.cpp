@@ -1,11 +1,11 @@
-#include "process/opengl.hpp"
+#include "process/video_driver.hpp"
 
 #include <gtest/gtest.h>
 
 namespace framesink::test {
 namespace {
 
-TEST(OpenGlTest, DrawsForEveryDriverThatIsNotKnownToDrawInSoftware) {
+TEST(VideoDriver, DrawsThroughOpenGlUnlessItIsKnownToDrawInSoftware) {
   for (const char* driver : {"x11", "dummy", "evdummy", "offscreen", "windows"}) {
     EXPECT_FALSE(drawsThroughOpenGl(driver)) << driver;
   }
