@@ -97,9 +97,10 @@ void SdlWindow::createRenderer() {
   renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_SOFTWARE);
   if (renderer_ == nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_ACCELERATED);
   if (renderer_ != nullptr) return;
+  const std::string reason = SDL_GetError();  // before other calls of SDL change it
   SDL_DestroyWindow(window_);
   window_ = nullptr;
-  std::fprintf(stderr, "Could not create renderer: %s\n", SDL_GetError());
+  std::fprintf(stderr, "Could not create renderer: %s\n", reason.c_str());
 }
 
 void SdlWindow::createTexture() {

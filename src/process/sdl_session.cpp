@@ -3,6 +3,8 @@
 #include <SDL.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <string>
 #include <string_view>
 
 #include "process/display_loss.hpp"
@@ -74,9 +76,28 @@ void setSdlHints() {
   SDL_SetHintWithPriority(kSession, "1", SDL_HINT_OVERRIDE);
 }
 
+// SDL_VIDEO_DRIVER is SDL 3's name, which counts where SDL 2 is a layer over it.
+bool isDriverAskedFor() {
+  const char* const hint = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+  const char* const variable = std::getenv("SDL_VIDEO_DRIVER");
+  return (hint != nullptr && *hint != '\0') || (variable != nullptr && *variable != '\0');
+}
+
+// Some SDLs take the offscreen driver by themselves where there is no display, some do not. The
+// model runs on as silently with both.
+bool startOffscreen() {
+  if (!haveHints() || isDriverAskedFor()) return false;
+  SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_DEFAULT);
+  return SDL_Init(SDL_INIT_VIDEO) >= 0;
+}
+
 bool startVideo() {
-  const bool isUp = SDL_Init(SDL_INIT_VIDEO) >= 0;
-  if (!isUp) std::fprintf(stderr, "Could not initialize SDL: %s\n", SDL_GetError());
+  bool isUp = SDL_Init(SDL_INIT_VIDEO) >= 0;
+  if (!isUp) {
+    const std::string reason = SDL_GetError();  // before other calls of SDL change it
+    isUp = startOffscreen();
+    if (!isUp) std::fprintf(stderr, "Could not initialize SDL: %s\n", reason.c_str());
+  }
   SDL_EnableScreenSaver();
 #if defined(_WIN32)
   // Nobody types text into these windows. With text input on, SDL sets up input methods when a

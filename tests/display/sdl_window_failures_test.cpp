@@ -126,6 +126,8 @@ TEST_F(SdlWindowFailureTest, TriesAnAcceleratedRendererNext) {
 
 TEST_F(SdlWindowFailureTest, TellsThatNoRendererCouldBeMade) {
   recorder.refuse("SDL_CreateRenderer");
+  const SdlHook later =
+      recorder.before("SDL_DestroyWindow", [](const SdlCall&) { SDL_SetError("another reason"); });
   EXPECT_EQ(saidWhileOpening(),
             "Could not create renderer: refused by the test\n"
             "Unable to create texture: Parameter 'renderer' is invalid\n"

@@ -1,6 +1,7 @@
 #include "process/sdl_session.hpp"
 
 #include <SDL.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -51,6 +52,39 @@ TEST_F(SdlSessionTest, TellsThatVideoDidNotComeUpAndCarriesOn) {
   initVideo();
   EXPECT_EQ(said.text(), "Could not initialize SDL: refused by the test\n");
   EXPECT_EQ(recorder.count("SDL_EnableScreenSaver"), 1U);
+}
+
+// As where there is no display and SDL does not take the offscreen driver by itself.
+TEST_F(SdlSessionTest, TriesTheOffscreenDriverIfNoDriverWasAskedFor) {
+  const ScopedVariable none("SDL_VIDEODRIVER", std::nullopt);
+  recorder.refuse("SDL_Init", 1, 1);
+  const CaptureStderr said;
+  initVideo();
+  EXPECT_EQ(said.text(), "");
+  EXPECT_EQ(recorder.count("SDL_Init"), 2U);
+  EXPECT_STREQ(SDL_GetCurrentVideoDriver(), "offscreen");
+}
+
+TEST_F(SdlSessionTest, TellsTheFirstReasonIfTheOffscreenDriverFailsToo) {
+  const ScopedVariable none("SDL_VIDEODRIVER", std::nullopt);
+  int tries = 0;
+  const SdlHook failing = recorder.alter("SDL_Init", [&](std::int64_t) {
+    SDL_SetError("reason %d", ++tries);
+    return -1;
+  });
+  const CaptureStderr said;
+  initVideo();
+  EXPECT_THAT(said.text(), testing::EndsWith("Could not initialize SDL: reason 1\n"));
+  EXPECT_EQ(tries, 2);
+}
+
+TEST_F(SdlSessionTest, TakesNoOtherDriverThanTheOneAskedFor) {
+  const ScopedVariable none("SDL_VIDEODRIVER", std::nullopt);
+  const ScopedVariable asked("SDL_VIDEO_DRIVER", "x11");
+  recorder.refuse("SDL_Init");
+  const CaptureStderr said;
+  initVideo();
+  EXPECT_EQ(recorder.count("SDL_Init"), 1U);
 }
 
 TEST_F(SdlSessionTest, LeavesVideoAloneThatIsUpAlready) {
