@@ -1,17 +1,19 @@
 // The addresses of a loaded library or program.
 #pragma once
 
+#include <cstdint>
+
 namespace framesink {
 
 struct ImageRange {
-  const char* begin = nullptr;
-  const char* end = nullptr;
+  std::uintptr_t begin = 0;
+  std::uintptr_t end = 0;
 
-  bool contains(const void* address) const { return address >= begin && address < end; }
+  bool contains(std::uintptr_t address) const { return address >= begin && address < end; }
 };
 
 // The range of the library or program that contains `address`; empty if none does. Takes the
 // loader's lock, so call it on a host thread.
-ImageRange imageAround(const void* address);
+ImageRange imageAround(std::uintptr_t address);
 
 }  // namespace framesink

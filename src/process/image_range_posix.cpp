@@ -8,7 +8,7 @@ namespace framesink {
 namespace {
 
 struct Search {
-  const void* address;
+  std::uintptr_t address;
   ImageRange found;
 };
 
@@ -18,8 +18,8 @@ int look(dl_phdr_info* image, std::size_t, void* argument) {
   for (int i = 0; i < image->dlpi_phnum; ++i) {
     const auto& segment = image->dlpi_phdr[i];
     if (segment.p_type != PT_LOAD) continue;
-    const auto* begin = reinterpret_cast<const char*>(image->dlpi_addr + segment.p_vaddr);
-    range.begin = range.begin == nullptr ? begin : std::min(range.begin, begin);
+    const std::uintptr_t begin = image->dlpi_addr + segment.p_vaddr;
+    range.begin = range.end == 0 ? begin : std::min(range.begin, begin);
     range.end = std::max(range.end, begin + segment.p_memsz);
   }
   if (!range.contains(search.address)) return 0;
@@ -29,7 +29,7 @@ int look(dl_phdr_info* image, std::size_t, void* argument) {
 
 }  // namespace
 
-ImageRange imageAround(const void* address) {
+ImageRange imageAround(std::uintptr_t address) {
   Search search{address, {}};
   ::dl_iterate_phdr(look, &search);
   return search.found;

@@ -31,7 +31,7 @@ constinit std::array<std::atomic<std::uint32_t>, kKnownKinds> kinds{};
 bool doesSdlWait() {
   const XErrorHandler handler = *handlerInForce;
   if (handler == standingHandler) return false;
-  const auto* address = reinterpret_cast<const void*>(handler);
+  const auto address = reinterpret_cast<std::uintptr_t>(handler);
   return handlersOfSdl[0].contains(address) || handlersOfSdl[1].contains(address);
 }
 
@@ -74,8 +74,8 @@ Bool onError(Display*, XErrorEvent* error, xError*) {
 void attachX11Errors(const Xlib& xlib, Display* display) {
   handlerInForce = xlib.errorHandler;
   standingHandler = *handlerInForce;
-  handlersOfSdl[0] = imageAround(reinterpret_cast<const void*>(standingHandler));
-  handlersOfSdl[1] = imageAround(reinterpret_cast<const void*>(&SDL_CreateWindow));
+  handlersOfSdl[0] = imageAround(reinterpret_cast<std::uintptr_t>(standingHandler));
+  handlersOfSdl[1] = imageAround(reinterpret_cast<std::uintptr_t>(&SDL_CreateWindow));
   areTold = false;
   for (int code = 1; code < 256; ++code) xlib.setWireToError(display, code, onError);
 }

@@ -24,7 +24,8 @@ class Segment {
  public:
   explicit Segment(std::size_t bytes) : id_(::shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0777)) {
     if (id_ < 0) return;
-    memory_ = ::shmat(id_, nullptr, 0);
+    void* const memory = ::shmat(id_, nullptr, 0);
+    if (reinterpret_cast<std::intptr_t>(memory) != -1) memory_ = memory;
   }
   ~Segment() {
     if (isThere()) ::shmdt(memory_);
@@ -33,13 +34,13 @@ class Segment {
   Segment(const Segment&) = delete;
   Segment& operator=(const Segment&) = delete;
 
-  bool isThere() const { return id_ >= 0 && memory_ != reinterpret_cast<void*>(-1); }
+  bool isThere() const { return memory_ != nullptr; }
   int id() const { return id_; }
   char* memory() const { return static_cast<char*>(memory_); }
 
  private:
   const int id_;
-  void* memory_ = reinterpret_cast<void*>(-1);
+  void* memory_ = nullptr;
 };
 
 unsigned long patternAt(std::uint32_t seed, int x, int y, int depth) {
