@@ -8,7 +8,6 @@
 #include <cstdio>
 
 #include "process/image_range.hpp"
-#include "process/x11_shared_memory.hpp"
 
 namespace framesink {
 namespace {
@@ -56,13 +55,13 @@ void tell(const XErrorEvent& error) {
                name, error.error_code, error.request_code, error.minor_code);
 }
 
-// Xlib drops the error if this returns False. SDL takes BadAccess alone for a refusal to share
-// memory; X servers refuse other computers with BadRequest.
+// Xlib drops the error if this returns False. While SDL waits for a refusal to share memory, it
+// takes BadAccess alone for one; X servers refuse other computers with BadRequest. SDL passes every
+// other error to the handler before its own, which ends the process. Such an error may be one of an
+// earlier request, for a window that another client has destroyed.
 Bool onError(Display*, XErrorEvent* error, xError*) {
-  const bool isAttachment =
-      error->request_code == sharedMemoryOpcode() && error->minor_code == kAttachRequest;
   if (doesSdlWait()) {
-    if (isAttachment) error->error_code = BadAccess;
+    error->error_code = BadAccess;
     return True;
   }
   tell(*error);

@@ -100,6 +100,8 @@ Bool onDestroyNotify(Display* display, XEvent* event, xEvent* wire) {
 
 // ---- Attaching ----
 
+// May meet a connection that it was attached to before: a host that clears SDL's hints makes the
+// library believe that SDL was shut down.
 void attach(const SDL_SysWMinfo& info) {
   Display* display = info.info.x11.display;
   connection = display;
@@ -110,7 +112,8 @@ void attach(const SDL_SysWMinfo& info) {
     xlib.setIoErrorExitHandler(display, onExitAfterIoError, nullptr);
   }
   attachX11Errors(xlib, display);
-  destroyNotifyBefore = xlib.setWireToEvent(display, DestroyNotify, onDestroyNotify);
+  const XEventConverter before = xlib.setWireToEvent(display, DestroyNotify, onDestroyNotify);
+  if (before != onDestroyNotify) destroyNotifyBefore = before;
   avoidForeignMemory(xlib, display);
   tellX11Errors();
   startDisplayWatch(

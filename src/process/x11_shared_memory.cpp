@@ -16,7 +16,8 @@ constinit std::atomic<int> opcode{0};
 constinit std::atomic<long> toSkip{
     0};  // bytes of a request that the next flushed piece begins with
 
-constexpr int kSide = 8;  // of the square pattern, in pixels
+constexpr int kAttachRequest = 1;  // the minor code, from the MIT-SHM protocol
+constexpr int kSide = 8;           // of the square pattern, in pixels
 
 // A segment of this process, which the X server is asked to attach. Open to every user, as SDL's
 // own segments are, because the X server may run as another one.
@@ -123,8 +124,6 @@ void spoilAttachments(Display*, XExtCodes*, const char* piece, long bytes) {
 }
 
 }  // namespace
-
-int sharedMemoryOpcode() { return opcode; }
 
 void avoidForeignMemory(const Xlib& xlib, Display* display) {
   int major = 0;

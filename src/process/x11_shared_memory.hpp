@@ -12,11 +12,4 @@ namespace framesink {
 // connection instead. Errors on the connection must not end the process meanwhile.
 void avoidForeignMemory(const Xlib& xlib, Display* display);
 
-// The opcode by which the connection's X server knows MIT-SHM; 0 if it does not. Set by
-// avoidForeignMemory.
-int sharedMemoryOpcode();
-
-// The minor code of the request that attaches a segment, from the MIT-SHM protocol.
-inline constexpr int kAttachRequest = 1;
-
 }  // namespace framesink
