@@ -79,6 +79,7 @@ void* libCreate(char* errorMessage, uint64_t hostContext, const char* playerName
 }
 
 void libStart(void* block, char* errorMessage) {
+  const HostCall call;
   if (block != nullptr) static_cast<FrameSinkBlock*>(block)->startHook();
   reportPendingError(errorMessage);
 }
@@ -96,7 +97,10 @@ void libOutputs(void*) {}
 // The window stays open after a run, deliberately.
 void libTerminate(void*) {}
 
-void libDestroy(void* block) { delete static_cast<FrameSinkBlock*>(block); }
+void libDestroy(void* block) {
+  const HostCall call;
+  delete static_cast<FrameSinkBlock*>(block);
+}
 
 void createVideoWindow(const char* name, uint8_t fullscreen, const uint32_t* position,
                        const uint32_t* size, uint8_t useWindowSize) {

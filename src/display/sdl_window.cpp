@@ -55,7 +55,7 @@ SdlWindow::~SdlWindow() {
 
 void SdlWindow::create(bool fullscreen) {
   createWindow(fullscreen);
-  failed_ = SDL_GetWindowPixelFormat(window_) == SDL_PIXELFORMAT_UNKNOWN;
+  failed_ = watch_.isDestroyed() || SDL_GetWindowPixelFormat(window_) == SDL_PIXELFORMAT_UNKNOWN;
   if (!failed_) {
     createRenderer();
     createTexture();

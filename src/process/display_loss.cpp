@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <string_view>
 
 #include "process/sdl_gate.hpp"
 #include "process/sdl_generation.hpp"
@@ -20,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 // A mark in SDL's list of hints, for a later load of the library.
 constexpr const char* kMark = "FRAMESINK_DISPLAY_LOST";
+constexpr const char* kForGood = "for good";  // a value that no environment has by chance
 
 constinit std::atomic<bool> lost{false};
 constinit std::atomic<bool> isExpected{false};
@@ -31,7 +33,7 @@ void leaveMark() {
 #if defined(__ELF__)
   if (&SDL_SetHintWithPriority == nullptr) return;
 #endif
-  SDL_SetHintWithPriority(kMark, "1", SDL_HINT_OVERRIDE);
+  SDL_SetHintWithPriority(kMark, kForGood, SDL_HINT_OVERRIDE);
 }
 
 Clock::rep now() { return Clock::now().time_since_epoch().count(); }
@@ -43,17 +45,18 @@ bool isDisplayLost() { return lost; }
 void declareDisplayLost() {
   if (lost.exchange(true)) return;
   endSdlGeneration();
-  leaveMark();
   if (!isExpected) std::fputs("The display is gone; the model runs on.\n", stderr);
 }
 
 void loseDisplay() {
   declareDisplayLost();
+  leaveMark();
   throw DisplayLost();
 }
 
 bool inheritDisplayLoss() {
-  if (SDL_GetHint(kMark) == nullptr) return false;
+  const char* const mark = SDL_GetHint(kMark);
+  if (mark == nullptr || std::string_view(mark) != kForGood) return false;
   lost = true;
   endSdlGeneration();
   return true;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kLook{500};      // between looks at SDL's calls
 constexpr std::chrono::milliseconds kLongWait{500};  // for a window manager
+constexpr std::chrono::milliseconds kLongWaitFarAway{5000};
 constexpr std::chrono::milliseconds kLookWhenLeaving{50};
 constexpr std::chrono::milliseconds kPatience{2000};  // for the answer to a new connection
 
@@ -54,8 +55,10 @@ class DisplayWatch {
   DisplayWatch(const DisplayWatch&) = delete;
   DisplayWatch& operator=(const DisplayWatch&) = delete;
 
+  // Does not wait for the mutex, which nobody may ever release: this may be a fork. If the thread
+  // misses the call, it looks again after kLook.
   void wake() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock(mutex_, std::try_to_lock);
     woken_.notify_all();
   }
 
@@ -81,9 +84,14 @@ class DisplayWatch {
     if (!ended_) woken_.wait_for(lock, hurried ? kLookWhenLeaving : kLook);
   }
 
+  // A forwarder may tell its user of every question, so distant servers are asked late.
+  std::chrono::milliseconds longWait() const {
+    return display_.isLocal ? kLongWait : kLongWaitFarAway;
+  }
+
   // True if SDL waits for something else than the X server.
   bool isSdlWaiting() const {
-    return !hurried && timeInSdl() > kLongWait && display_.answers(kPatience);
+    return !hurried && timeInSdl() > longWait() && display_.answers(kPatience, hurried);
   }
 
   // Asks the X server before it gives the display up, because SDL also waits for window managers.
@@ -92,7 +100,7 @@ class DisplayWatch {
     if (hurried) return waited > kLongestSilenceWhenLeaving;
     if (waited < kLongestSilence) answered_ = std::chrono::milliseconds(0);
     if (waited < answered_ + kLongestSilence) return false;
-    if (!display_.answers(kPatience)) return true;
+    if (!display_.answers(kPatience, hurried)) return true;
     answered_ = waited;
     return false;
   }

@@ -4,6 +4,7 @@
 // display thread, or a host thread on the synchronous server, for ever.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 
 namespace framesink {
@@ -17,15 +18,16 @@ inline constexpr std::chrono::milliseconds kLongestSilenceWhenLeaving{500};
 
 // What the watch can do about a display. Any thread; `answers` and `showForgotten` wait for it.
 struct WatchedDisplay {
-  bool (*answers)(std::chrono::milliseconds patience);
+  bool (*answers)(std::chrono::milliseconds patience, const std::atomic<bool>& giveUp);
   void (*showForgotten)();
   void (*cut)();
+  bool isLocal;
 };
 
 // Inside the gate. Does nothing if the thread runs already.
 void startDisplayWatch(const WatchedDisplay& display);
 
-// Ends the thread and waits until it is gone; seconds, if the X server is being asked and silent.
+// Ends the thread and waits until it is gone.
 void endDisplayWatch();
 
 // From now on, the shorter limit holds, whether or not the X server answers. Any thread.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace framesink {
 
@@ -12,8 +13,9 @@ struct ImageRange {
   bool contains(std::uintptr_t address) const { return address >= begin && address < end; }
 };
 
-// The range of the library or program that contains `address`; empty if none does. Takes the
+// The range of the library or program that contains `address`; empty if none does, or if its file
+// has another name than `*name*`. Takes the
 // loader's lock, so call it on a host thread.
-ImageRange imageAround(std::uintptr_t address);
+ImageRange imageAround(std::uintptr_t address, std::string_view name = "");
 
 }  // namespace framesink

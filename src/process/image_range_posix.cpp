@@ -9,6 +9,7 @@ namespace {
 
 struct Search {
   std::uintptr_t address;
+  std::string_view name;
   ImageRange found;
 };
 
@@ -23,14 +24,16 @@ int look(dl_phdr_info* image, std::size_t, void* argument) {
     range.end = std::max(range.end, begin + segment.p_memsz);
   }
   if (!range.contains(search.address)) return 0;
-  search.found = range;
+  const bool isNamed =
+      std::string_view(image->dlpi_name).find(search.name) != std::string_view::npos;
+  if (isNamed) search.found = range;
   return 1;
 }
 
 }  // namespace
 
-ImageRange imageAround(std::uintptr_t address) {
-  Search search{address, {}};
+ImageRange imageAround(std::uintptr_t address, std::string_view name) {
+  Search search{address, name, {}};
   ::dl_iterate_phdr(look, &search);
   return search.found;
 }

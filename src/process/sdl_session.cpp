@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "process/display_loss.hpp"
+#include "process/display_watch.hpp"
 #include "process/platform.hpp"
 #include "process/video_driver.hpp"
 #include "process/x11_session.hpp"
@@ -24,6 +25,7 @@ bool isVideoUp() { return (SDL_WasInit(SDL_INIT_VIDEO) & SDL_INIT_VIDEO) != 0; }
 
 // A mark in SDL's list of hints, which lives exactly until SDL is shut down.
 constexpr const char* kSession = "FRAMESINK_SESSION";
+constexpr const char* kSessionMark = "under way";  // a value that no environment has by chance
 
 constinit bool isMarked = false;     // used inside the gate only
 constinit bool openGlInUse = false;  // used inside the gate only
@@ -73,7 +75,7 @@ void setSdlHints() {
   SDL_SetHintWithPriority(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
   // Leaves the desktop's compositor on.
   SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
-  SDL_SetHintWithPriority(kSession, "1", SDL_HINT_OVERRIDE);
+  SDL_SetHintWithPriority(kSession, kSessionMark, SDL_HINT_OVERRIDE);
 }
 
 // SDL_VIDEO_DRIVER is SDL 3's name, which counts where SDL 2 is a layer over it.
@@ -89,6 +91,26 @@ bool startOffscreen() {
   if (!haveHints() || isDriverAskedFor()) return false;
   SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_DEFAULT);
   return SDL_Init(SDL_INIT_VIDEO) >= 0;
+}
+
+bool isMarkThere() {
+  const char* const mark = SDL_GetHint(kSession);
+  return mark != nullptr && std::string_view(mark) == kSessionMark;
+}
+
+// SDL's connection to an X server, or else the mark, also tells that a host has shut video down and
+// started it again.
+bool isSessionOver() {
+  if (isAttachedToX11()) return !isX11ConnectionThere();
+  if (!isMarked) return false;
+  return (canAskForVideoDriver() && videoDriver() == nullptr) || !isMarkThere();
+}
+
+// A list of drivers, or nothing.
+bool mayDriverBeX11() {
+  const char* const hint = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+  return hint == nullptr || *hint == '\0' ||
+         std::string_view(hint).find("x11") != std::string_view::npos;
 }
 
 bool startVideo() {
@@ -117,8 +139,8 @@ void prepareVideo() {
 
 void joinVideo(SDL_Window* window) {
   // Missing if the host has shut SDL down and started it again, or if SDL ran out of memory.
-  if (SDL_GetHint(kSession) == nullptr) setSdlHints();
-  isMarked = SDL_GetHint(kSession) != nullptr;
+  if (!isMarkThere()) setSdlHints();
+  isMarked = isMarkThere();
   if (isOnX11()) drawWithoutOpenGl();
   attachX11(window);
 }
@@ -128,6 +150,10 @@ bool isOpenGlInUse() { return openGlInUse; }
 void initVideo() {
   if (inheritDisplayLoss()) return;
   const bool wasUp = isVideoUp();
+  if (!wasUp && mayDriverBeX11() && isX11Silent(kLongestSilence)) {
+    declareDisplayLost();
+    return;
+  }
   const bool mayHostAccelerate = wasUp && !isPlain(SDL_GetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION));
   callSdl([&] {
     prepareVideo();
@@ -136,11 +162,8 @@ void initVideo() {
   });
 }
 
-// The mark also tells a host that has shut SDL down and started it again.
 void noticeForeignQuit() {
-  if (!isMarked || isDisplayLost()) return;
-  const bool isVideoDown = canAskForVideoDriver() && videoDriver() == nullptr;
-  if (!isVideoDown && SDL_GetHint(kSession) != nullptr) return;
+  if (isDisplayLost() || !isSessionOver()) return;
   isMarked = false;
   endSdlGeneration();
   detachX11();

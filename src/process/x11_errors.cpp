@@ -73,7 +73,8 @@ Bool onError(Display*, XErrorEvent* error, xError*) {
 void attachX11Errors(const Xlib& xlib, Display* display) {
   handlerInForce = xlib.errorHandler;
   standingHandler = *handlerInForce;
-  handlersOfSdl[0] = imageAround(reinterpret_cast<std::uintptr_t>(standingHandler));
+  // A host that started SDL itself may have set a handler of its own since.
+  handlersOfSdl[0] = imageAround(reinterpret_cast<std::uintptr_t>(standingHandler), "libSDL");
   handlersOfSdl[1] = imageAround(reinterpret_cast<std::uintptr_t>(&SDL_CreateWindow));
   areTold = false;
   for (int code = 1; code < 256; ++code) xlib.setWireToError(display, code, onError);

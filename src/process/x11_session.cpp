@@ -34,7 +34,7 @@ constinit bool isXlibSought = false;
 // ---- SDL's connection ----
 
 constinit std::atomic<Display*> connection{nullptr};
-constinit std::atomic<int> connectionSocket{-1};
+constinit std::atomic<KnownSocket> connectionSocket{KnownSocket{}};
 constinit std::atomic<std::uint32_t> anyWindow{0};  // of the connection
 constinit std::array<char, 256> connectionName{};
 
@@ -93,21 +93,34 @@ constinit Mutex watchesMutex;
 constinit X11WindowWatch* watches FRAMESINK_GUARDED_BY(watchesMutex) = nullptr;
 constinit XEventConverter destroyNotifyBefore = nullptr;
 
+// SDL ignores that a window was destroyed, and waits until a window that it makes is shown. For a
+// window that is destroyed before it is watched, the event therefore says that it is shown.
 Bool onDestroyNotify(Display* display, XEvent* event, xEvent* wire) {
-  X11WindowWatch::noteDestroyed(wire->u.destroyNotify.window);
-  return destroyNotifyBefore(display, event, wire);
+  const bool isWatched = X11WindowWatch::noteDestroyed(wire->u.destroyNotify.window);
+  const Bool isEvent = destroyNotifyBefore(display, event, wire);
+  if (!isWatched) {
+    const Window window = event->xdestroywindow.window;
+    event->type = event->xany.type = MapNotify;
+    event->xmap.window = window;
+    event->xmap.override_redirect = False;
+  }
+  return isEvent;
 }
 
 // ---- Attaching ----
 
-// May meet a connection that it was attached to before: a host that clears SDL's hints makes the
-// library believe that SDL was shut down.
+// May meet a connection that it was attached to before.
 void attach(const SDL_SysWMinfo& info) {
   Display* display = info.info.x11.display;
   connection = display;
   anyWindow = static_cast<std::uint32_t>(info.info.x11.window);
   std::strncpy(connectionName.data(), xlib.displayString(display), connectionName.size() - 1);
-  connectionSocket = xlib.connectionNumber(display);
+  connectionSocket = identify(xlib.connectionNumber(display));
+  setHandler();
+  startDisplayWatch({.answers = doesX11Answer,
+                     .showForgotten = showForgottenX11Window,
+                     .cut = cutX11,
+                     .isLocal = isLocal(xlib.connectionNumber(display))});
   if (xlib.setIoErrorExitHandler != nullptr) {
     xlib.setIoErrorExitHandler(display, onExitAfterIoError, nullptr);
   }
@@ -116,8 +129,6 @@ void attach(const SDL_SysWMinfo& info) {
   if (before != onDestroyNotify) destroyNotifyBefore = before;
   avoidForeignMemory(xlib, display);
   tellX11Errors();
-  startDisplayWatch(
-      {.answers = doesX11Answer, .showForgotten = showForgottenX11Window, .cut = cutX11});
 }
 
 bool getWmInfoOfHiddenWindow(SDL_SysWMinfo& info) {
@@ -130,16 +141,22 @@ bool getWmInfoOfHiddenWindow(SDL_SysWMinfo& info) {
 
 }  // namespace
 
-void X11WindowWatch::noteDestroyed(std::uint64_t xWindow) {
+bool X11WindowWatch::noteDestroyed(std::uint64_t xWindow) {
   const MutexLock lock(watchesMutex);
+  bool isWatched = false;
   for (X11WindowWatch* watch = watches; watch != nullptr; watch = watch->next_) {
-    if (watch->xWindow_ == xWindow) watch->destroyed_ = true;
+    if (watch->xWindow_ == xWindow) watch->destroyed_ = isWatched = true;
   }
+  return isWatched;
 }
 
 bool isOnX11() {
   const char* driver = videoDriver();
   return driver != nullptr && std::string_view(driver) == "x11";
+}
+
+bool isX11Silent(std::chrono::milliseconds patience) {
+  return isDisplaySilent(std::getenv("DISPLAY"), patience);
 }
 
 void expectX11() {
@@ -164,7 +181,7 @@ void attachX11(SDL_Window* window) {
 
 void detachX11() {
   endDisplayWatch();
-  connectionSocket = -1;
+  connectionSocket = KnownSocket{};
   connection = nullptr;
   takeHandlerBack();
 }
@@ -177,30 +194,46 @@ void leaveX11() {
 }
 
 void stayLoadedIfChained() {
-  if (isHandlerSet && xlib.isOpen() && *xlib.ioErrorHandler != onIoError) stayLoaded();
+  static constinit std::atomic<bool> isKept{false};
+  if (!isHandlerSet || !xlib.isOpen() || *xlib.ioErrorHandler == onIoError) return;
+  if (!isKept.exchange(true)) stayLoaded();
 }
 
-bool hasX11HungUp() { return connectionSocket >= 0 && hasHungUp(connectionSocket); }
+bool isAttachedToX11() { return connection != nullptr; }
 
-bool doesX11Answer(std::chrono::milliseconds patience) {
-  return connectionSocket >= 0 && doesServerAnswer(connectionSocket, patience);
+bool isX11ConnectionThere() { return isThere(connectionSocket); }
+
+bool hasX11HungUp() {
+  const KnownSocket socket = connectionSocket;
+  return isThere(socket) && hasHungUp(socket.descriptor);
+}
+
+bool doesX11Answer(std::chrono::milliseconds patience, const std::atomic<bool>& giveUp) {
+  const KnownSocket socket = connectionSocket;
+  return isThere(socket) && doesServerAnswer(socket.descriptor, patience, &giveUp);
 }
 
 void showForgottenX11Window() {
-  if (connectionSocket >= 0) showForgottenWindow(connectionName.data(), anyWindow);
+  if (isX11ConnectionThere()) showForgottenWindow(connectionName.data(), anyWindow);
 }
 
 void cutX11() {
-  if (connectionSocket >= 0) cut(connectionSocket);
+  const KnownSocket socket = connectionSocket;
+  if (isThere(socket)) cut(socket.descriptor);
 }
 
 void X11WindowWatch::begin(SDL_Window* window) {
   SDL_SysWMinfo info;
   if (connection == nullptr || !getWmInfo(window, info)) return;
   xWindow_ = info.info.x11.window;
-  const MutexLock lock(watchesMutex);
-  next_ = watches;
-  watches = this;
+  {
+    const MutexLock lock(watchesMutex);
+    next_ = watches;
+    watches = this;
+  }
+  // Its end may have been reported before it was watched.
+  XWindowAttributes attributes;
+  if (xlib.getWindowAttributes(connection, xWindow_, &attributes) == 0) destroyed_ = true;
 }
 
 void X11WindowWatch::end() {
@@ -229,14 +262,17 @@ namespace framesink {
 void expectX11() {}
 void attachX11(SDL_Window*) {}
 bool isOnX11() { return false; }
+bool isX11Silent(std::chrono::milliseconds) { return false; }
 void detachX11() {}
 void leaveX11() {}
 void stayLoadedIfChained() {}
+bool isAttachedToX11() { return false; }
+bool isX11ConnectionThere() { return false; }
 bool hasX11HungUp() { return false; }
-bool doesX11Answer(std::chrono::milliseconds) { return true; }
+bool doesX11Answer(std::chrono::milliseconds, const std::atomic<bool>&) { return true; }
 void showForgottenX11Window() {}
 void cutX11() {}
-void X11WindowWatch::noteDestroyed(std::uint64_t) {}
+bool X11WindowWatch::noteDestroyed(std::uint64_t) { return false; }
 void X11WindowWatch::begin(SDL_Window*) {}
 void X11WindowWatch::end() {}
 }  // namespace framesink

@@ -21,6 +21,10 @@ namespace framesink {
 // Before SDL's video may start: handles the loss of a connection. Host threads, inside the gate.
 void expectX11();
 
+// True if DISPLAY names a local X server that accepts connections but does not react to them within
+// `patience`. SDL would wait for it for ever.
+bool isX11Silent(std::chrono::milliseconds patience);
+
 // True while SDL's video driver is x11.
 bool isOnX11();
 
@@ -39,11 +43,18 @@ void leaveX11();
 // library's, because that handler may call the library's at any time. Host threads.
 void stayLoadedIfChained();
 
+// True between attachX11 and detachX11 if SDL is on X11. Inside the gate.
+bool isAttachedToX11();
+
+// True while the connection is still the one that was attached: false once the host has shut SDL's
+// video down, also if it has started it again. Any thread.
+bool isX11ConnectionThere();
+
 // True if the other end of the connection has closed it. Any thread.
 bool hasX11HungUp();
 
-// True if the X server answers a new connection within `patience`. Any thread.
-bool doesX11Answer(std::chrono::milliseconds patience);
+// True if the X server answers a new connection within `patience` and before `giveUp`. Any thread.
+bool doesX11Answer(std::chrono::milliseconds patience, const std::atomic<bool>& giveUp);
 
 // Helps SDL out of waiting for a window manager that has ended. Waits for the X server. Any thread.
 void showForgottenX11Window();
@@ -68,8 +79,8 @@ class X11WindowWatch {
   // True once another client has destroyed the window. Any thread.
   bool isDestroyed() const { return destroyed_; }
 
-  // The X server has reported that the window is gone. Any thread.
-  static void noteDestroyed(std::uint64_t xWindow);
+  // The X server has reported that the window is gone. False if it is not watched. Any thread.
+  static bool noteDestroyed(std::uint64_t xWindow);
 
  private:
   std::uint64_t xWindow_ = 0;  // the X server's id; 0: none

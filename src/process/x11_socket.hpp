@@ -1,9 +1,25 @@
 // The socket of a connection to an X server, below Xlib. Posix only.
 #pragma once
 
+#include <atomic>
 #include <chrono>
+#include <cstdint>
 
 namespace framesink {
+
+// A socket, and what tells it from a later one with the same descriptor.
+struct alignas(8) KnownSocket {
+  std::int32_t descriptor = -1;
+  std::uint32_t identity = 0;
+};
+
+KnownSocket identify(int descriptor);
+
+// True while that socket is open.
+bool isThere(const KnownSocket& socket);
+
+// True if the X server is on this computer and not behind a forwarder's port.
+bool isLocal(int socket);
 
 // True if the other end has closed the connection. Does not wait.
 bool hasHungUp(int socket);
@@ -12,8 +28,14 @@ bool hasHungUp(int socket);
 // file.
 void cut(int socket);
 
-// Connects to the same X server a second time and asks for a session, without authorisation. True
-// if the server reacts in any way, such as by a refusal, within `patience`.
-bool doesServerAnswer(int socket, std::chrono::milliseconds patience);
+// Connects to the same X server a second time, with a greeting that it refuses, so that it never
+// counts a client. True if the server reacts within `patience`. Ends early once `giveUp` is true,
+// if it is not null.
+bool doesServerAnswer(int socket, std::chrono::milliseconds patience,
+                      const std::atomic<bool>* giveUp = nullptr);
+
+// The same for the display of that name, if it is a local one: true if somebody accepts connections
+// there, but does not react within `patience`.
+bool isDisplaySilent(const char* displayName, std::chrono::milliseconds patience);
 
 }  // namespace framesink

@@ -38,6 +38,7 @@ bool Xlib::find() {
          look(library_, "XDisplayString", displayString) &&
          look(library_, "XUnlockDisplay", unlockDisplay) &&
          look(library_, "XPutBackEvent", putBackEvent) &&
+         look(library_, "XGetWindowAttributes", getWindowAttributes) &&
          look(library_, "XQueryExtension", queryExtension) &&
          look(library_, "XESetWireToError", setWireToError) &&
          look(library_, "XESetWireToEvent", setWireToEvent) &&

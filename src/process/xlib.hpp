@@ -28,6 +28,7 @@ struct Xlib {
   decltype(&::XDisplayString) displayString = nullptr;
   decltype(&::XUnlockDisplay) unlockDisplay = nullptr;
   decltype(&::XPutBackEvent) putBackEvent = nullptr;
+  decltype(&::XGetWindowAttributes) getWindowAttributes = nullptr;
   decltype(&::XQueryExtension) queryExtension = nullptr;
   XErrorConverter (*setWireToError)(Display*, int, XErrorConverter) = nullptr;
   XEventConverter (*setWireToEvent)(Display*, int, XEventConverter) = nullptr;

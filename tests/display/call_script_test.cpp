@@ -88,7 +88,7 @@ const Names kStart{"WasInit(32)",
                    "SetHintWithPriority(SDL_FRAMEBUFFER_ACCELERATION, 0, 0)",
                    "SetHintWithPriority(SDL_NO_SIGNAL_HANDLERS, 1, 0)",
                    "SetHintWithPriority(SDL_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, 0, 0)",
-                   "SetHintWithPriority(FRAMESINK_SESSION, 1, 2)",
+                   "SetHintWithPriority(FRAMESINK_SESSION, under way, 2)",
                    "Init(32)",
                    "EnableScreenSaver()"};
 

@@ -191,7 +191,8 @@ TEST_F(DisplayLossDeathTest, LeavesAMarkInSdl) {
   EXPECT_IN_A_CHILD(
       [] {
         require(SDL_GetHint(kMark) == nullptr, "there is no mark before the loss");
-        declareDisplayLost();
+        const InGate gate;
+        callSdl([] { loseDisplay(); });
         require(SDL_GetHint(kMark) != nullptr, "there is a mark after the loss");
       },
       kGone);
@@ -202,6 +203,8 @@ TEST_F(DisplayLossDeathTest, IsTakenOverFromAnEarlierLoadInSilence) {
       [this] {
         const std::uint32_t generation = sdlGeneration();
         SDL_SetHint(kMark, "1");
+        require(!inheritDisplayLoss(), "another value is no mark");
+        SDL_SetHint(kMark, "for good");
         recorder.forget();
         {
           const InGate gate;

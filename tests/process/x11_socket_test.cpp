@@ -53,6 +53,27 @@ std::pair<Descriptor, Descriptor> connectedPair() {
   return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
+// ---- KnownSocket ----
+
+TEST(X11Socket, IsThereUntilItIsClosed) {
+  auto [ours, theirs] = connectedPair();
+  const KnownSocket known = identify(ours.number());
+  EXPECT_TRUE(isThere(known));
+  theirs.close();
+  EXPECT_TRUE(isThere(known));
+  ours.close();
+  EXPECT_FALSE(isThere(known));
+  EXPECT_FALSE(isThere(KnownSocket{}));
+}
+
+TEST(X11Socket, IsNotTakenForALaterOneWithItsDescriptor) {
+  auto [ours, theirs] = connectedPair();
+  const KnownSocket known = identify(ours.number());
+  const auto [later, other] = connectedPair();
+  ASSERT_EQ(::dup2(later.number(), ours.number()), ours.number());
+  EXPECT_FALSE(isThere(known));
+}
+
 // ---- hasHungUp ----
 
 TEST(X11Socket, AnOpenConnectionHasNotHungUp) {
@@ -198,7 +219,16 @@ TEST_P(X11ServerTest, ThatAnswersIsAsked) {
   server.close();
   const auto greeting = server.greeting();
   EXPECT_TRUE(greeting[0] == 'l' || greeting[0] == 'B');
-  EXPECT_EQ(greeting[greeting[0] == 'l' ? 2 : 3], 11);  // the protocol's version
+  EXPECT_EQ(greeting[2], 0);  // a version that the server refuses
+  EXPECT_EQ(greeting[3], 0);
+}
+
+TEST_P(X11ServerTest, ThatSaysNothingIsGivenUpEarlyOnRequest) {
+  const Server server(GetParam(), Reaction::kSaysNothing);
+  const std::atomic<bool> giveUp{true};
+  const auto start = Clock::now();
+  EXPECT_FALSE(doesServerAnswer(server.client(), std::chrono::seconds(20), &giveUp));
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST_P(X11ServerTest, ThatClosesTheConnectionAnswers) {
@@ -234,6 +264,51 @@ TEST_P(X11ServerTest, IsAskedWithoutLeavingADescriptorOpen) {
 TEST(X11Socket, AServerWithoutAnAddressDoesNotAnswer) {
   const Descriptor lonely(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   EXPECT_FALSE(doesServerAnswer(lonely.number(), kShort));
+}
+
+// ---- isDisplaySilent ----
+
+// The name of a display that listens in the abstract namespace.
+class Display {
+ public:
+  explicit Display(int backlog) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const int length = std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1,
+                                     "/tmp/.X11-unix/X%d", number_);
+    const auto bytes = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 +
+                                              static_cast<std::size_t>(length));
+    EXPECT_EQ(::bind(listener_.number(), reinterpret_cast<sockaddr*>(&address), bytes), 0);
+    EXPECT_EQ(::listen(listener_.number(), backlog), 0);
+  }
+
+  std::string name() const { return ":" + std::to_string(number_) + ".0"; }
+  int listener() const { return listener_.number(); }
+
+ private:
+  const int number_ = 1'000'000 + ::getpid();
+  const Descriptor listener_{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+};
+
+TEST(X11Display, ThatNobodyServesIsNotSilent) {
+  for (const char* name : {":999999", "", "no display", "host:1", "localhost:10.0"}) {
+    EXPECT_FALSE(isDisplaySilent(name, kShort)) << name;
+  }
+  EXPECT_FALSE(isDisplaySilent(nullptr, kShort));
+}
+
+TEST(X11Display, ThatTakesConnectionsAndSaysNothingIsSilent) {
+  const Display display(8);
+  EXPECT_TRUE(isDisplaySilent(display.name().c_str(), kShort));
+  EXPECT_TRUE(isDisplaySilent(("unix" + display.name()).c_str(), kShort));
+}
+
+TEST(X11Display, ThatReactsIsNotSilent) {
+  const Display display(8);
+  std::thread server(
+      [&] { const Descriptor client(::accept(display.listener(), nullptr, nullptr)); });
+  EXPECT_FALSE(isDisplaySilent(display.name().c_str(), kDeadline));
+  server.join();
 }
 
 }  // namespace
