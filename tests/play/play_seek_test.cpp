@@ -166,7 +166,7 @@ TEST(PlayPace, FollowsTimestampsThatAreNotEven) {
   const Scratch scratch;
   const std::string clip = (scratch / "a.mkv").string();
   makeWithFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=64x48:rate=10:duration=0.4", "-vf",
-                  "setpts='if(gt(N,2),N+12,N)'", "-vsync", "vfr", "-c:v", "ffv1", clip});
+                  "setpts='if(gt(N,2),N+12,N)'", "-fps_mode", "vfr", "-c:v", "ffv1", clip});
   const Outcome outcome = runPlayer({clip});
   EXPECT_THAT(outcome.callsOf("libUpdate"), SizeIs(4));
   EXPECT_THAT(outcome.seconds, AllOf(Ge(1.5), Le(10)));

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "support/os_facts.hpp"
@@ -16,10 +17,10 @@ class ThreadRecords {
   // Frees nothing if a thread still runs, as it may after a failed test, or in a fork.
   ~ThreadRecords() {
     if (isInAFork()) return;
-    for (SDL_Thread* thread : threads_) {
+    for (const Started& thread : threads_) {
       const auto names = threadNames();
-      if (std::find(names.begin(), names.end(), SDL_GetThreadName(thread)) != names.end()) return;
-      SDL_WaitThread(thread, nullptr);
+      if (std::find(names.begin(), names.end(), thread.name) != names.end()) return;
+      SDL_WaitThread(thread.record, nullptr);
     }
   }
 
@@ -27,12 +28,19 @@ class ThreadRecords {
 
   void note(SDL_Thread* thread) {
     const std::lock_guard lock(mutex_);
-    threads_.push_back(thread);
+    // Not every SDL still knows the name of a thread that has ended.
+    const char* name = SDL_GetThreadName(thread);
+    threads_.push_back({thread, name == nullptr ? "" : name});
   }
 
  private:
+  struct Started {
+    SDL_Thread* record;
+    std::string name;  // empty: the thread had already ended
+  };
+
   std::mutex mutex_;
-  std::vector<SDL_Thread*> threads_;
+  std::vector<Started> threads_;
   const pid_t process_ = ::getpid();
 };
 

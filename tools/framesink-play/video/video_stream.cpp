@@ -17,6 +17,7 @@ extern "C" {
 #include "frames/picture.hpp"
 #include "sources/input_file.hpp"
 #include "system/signals.hpp"
+#include "video/gif_trailer.hpp"
 
 namespace framesink::play {
 namespace {
@@ -24,6 +25,7 @@ namespace {
 constexpr double kUnknownInterval = 1.0 / 25;  // seconds
 constexpr double kMostRate = 1000;             // frames per second that a file is believed
 constexpr int kMostFirstNumber = 100'000;      // of a sequence of images
+constexpr int kMostFailuresAtEnd = 100;        // more pictures than any decoder holds back
 
 std::string messageOf(int error) {
   std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
@@ -73,8 +75,9 @@ VideoStream::VideoStream(std::string path, ErrorFlag& errorLogged)
     : path_(std::move(path)),
       errorLogged_(errorLogged),
       frame_(av_frame_alloc()),
-      packet_(av_packet_alloc()) {
-  if (!frame_ || !packet_) throw std::bad_alloc();
+      packet_(av_packet_alloc()),
+      incoming_(av_packet_alloc()) {
+  if (!frame_ || !packet_ || !incoming_) throw std::bad_alloc();
 }
 
 void VideoStream::open() {
@@ -96,8 +99,12 @@ bool VideoStream::decode() {
       return true;
     }
     damaged_ |= result != AVERROR(EAGAIN) && result != AVERROR_EOF;
-    if (result == AVERROR_EOF || drained_) return false;
-    feed();
+    if (result == AVERROR_EOF) return false;
+    if (!drained_) {
+      feed();
+    } else if (++failuresAtEnd_ > kMostFailuresAtEnd) {
+      return false;
+    }
   }
   return false;
 }
@@ -176,34 +183,42 @@ void VideoStream::openDecoder() {
 void VideoStream::feed() {
   int error = 0;
   do {
-    av_packet_unref(packet_.get());
-    error = av_read_frame(format_.get(), packet_.get());
-  } while (error >= 0 && packet_->stream_index != stream_->index);
+    av_packet_unref(incoming_.get());
+    error = av_read_frame(format_.get(), incoming_.get());
+  } while (error >= 0 && incoming_->stream_index != stream_->index);
   if (error < 0) {
     damaged_ |= error != AVERROR_EOF || endsTooEarly();
     drained_ = true;
+    failuresAtEnd_ = 0;
     avcodec_send_packet(decoder_.get(), nullptr);
     return;
   }
-  packetsEnd_ = packet_->pos + packet_->size;
+  av_packet_unref(packet_.get());
+  av_packet_move_ref(packet_.get(), incoming_.get());
   damaged_ |= (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0;
   damaged_ |= avcodec_send_packet(decoder_.get(), packet_.get()) < 0;
-  av_packet_unref(packet_.get());
 }
 
-// FFmpeg reports no error when a y4m or a GIF is cut. The bytes after the last packet show it: a
-// whole y4m has none, in a whole GIF the first or the last of them is a semicolon.
+// FFmpeg reports no error when a y4m or a GIF is cut. A whole y4m has no bytes after the last packet.
 bool VideoStream::endsTooEarly() const {
-  AVIOContext* file = format_->pb;
   const std::string_view kind = format_->iformat->name;
-  const std::int64_t left = avio_tell(file) - packetsEnd_;
-  if (kind == "yuv4mpegpipe") return left != 0;
-  if (kind != "gif") return false;
-  if (left == 0 || avio_seek(file, packetsEnd_, SEEK_SET) < 0) return true;
-  const int first = avio_r8(file);
-  int last = first;
-  for (std::int64_t i = 1; i < left; ++i) last = avio_r8(file);
-  return first != ';' && last != ';';
+  if (kind == "yuv4mpegpipe") return avio_tell(format_->pb) != packet_->pos + packet_->size;
+  return kind == "gif" && !isWholeGif();
+}
+
+// The trailer is in the last packet or after it, depending on FFmpeg's version.
+bool VideoStream::isWholeGif() const {
+  AVIOContext* file = format_->pb;
+  const std::int64_t packetEnd = packet_->pos + packet_->size;
+  const std::int64_t left = avio_tell(file) - packetEnd;
+  const bool readable = left > 0 && avio_seek(file, packetEnd, SEEK_SET) >= 0;
+  const std::int64_t count = packet_->size + (readable ? left : 0);
+  std::int64_t place = 0;
+  return endsWithGifTrailer([&]() -> int {
+    if (place == count) return -1;
+    const std::int64_t at = place++;
+    return at < packet_->size ? packet_->data[at] : avio_r8(file);
+  });
 }
 
 }  // namespace framesink::play

@@ -68,17 +68,19 @@ class VideoStream {
   void openDecoder();
   void feed();
   bool endsTooEarly() const;
+  bool isWholeGif() const;
 
   std::string path_;
   ErrorFlag& errorLogged_;
   Owned<AVFormatContext> format_;
   Owned<AVCodecContext> decoder_;
   Owned<AVFrame> frame_;
-  Owned<AVPacket> packet_;
+  Owned<AVPacket> packet_;             // the one that the decoder was given last
+  Owned<AVPacket> incoming_;           // the one that is being read
   AVStream* stream_ = nullptr;         // belongs to format_
   std::optional<std::int64_t> start_;  // timestamp of the picture that is due at 0
-  std::int64_t packetsEnd_ = 0;        // byte of the file after the last packet
   bool drained_ = false;               // the decoder has been given the end of the stream
+  int failuresAtEnd_ = 0;              // pictures that the drained decoder failed to return
   bool damaged_ = false;
 };
 
