@@ -1,5 +1,6 @@
 #include "failing_allocation_stage.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 
@@ -136,6 +137,15 @@ void Stage::openWindow() {
 
 void Stage::rename() {
   promptly([&] { renameVideoWindow(request_.name.c_str(), newName_.c_str(), newTitle_.c_str()); });
+  // The title comes with the next pass. A record that keeps its name requests none, and a player
+  // without a window gets none.
+  const OutOfMemory enough(SIZE_MAX);
+  const bool isOpen = isPlayerOpen(newName_.c_str()) != 0 && posSize(newName_)[0] >= 0;
+  if (request_.synchronous != 0 || !isOpen) return;
+  EXPECT_TRUE(waitUntil([&] {
+    const auto windows = sdlWindows();
+    return std::ranges::any_of(windows, [&](const auto& w) { return w.title == newTitle_; });
+  }));
 }
 
 void Stage::destroyWindow() {
