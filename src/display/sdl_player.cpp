@@ -56,16 +56,18 @@ void SdlPlayer::requestTitle(std::string title) {
   titleRequested_ = true;
 }
 
-void SdlPlayer::serveRequests() {
-  if (titleRequested_.exchange(false)) {
-    std::string title;
-    {
-      const MutexLock lock(titleMutex_);
-      title.swap(requestedTitle_);
-    }
-    window()->setTitle(std::move(title));
+void SdlPlayer::serveTitle() {
+  if (!titleRequested_.exchange(false)) return;
+  std::string title;
+  {
+    const MutexLock lock(titleMutex_);
+    title.swap(requestedTitle_);
   }
-  if (raiseRequested_.exchange(false)) window()->raise();
+  window()->setTitle(std::move(title));
+}
+
+void SdlPlayer::serveRaise() {
+  if (raiseTicket_.exchange(0) != 0) window()->raise();
 }
 
 }  // namespace framesink

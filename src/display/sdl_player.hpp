@@ -53,8 +53,9 @@ class SdlPlayer {
   bool isWindowImpossible() const { return windowImpossible_; }
 
   // Ask the thread that runs SDL for the player to raise the window or to set its title, so that
-  // no host thread is ever inside SDL's window code beside that thread. The latest title counts.
-  void requestRaise() { raiseRequested_ = true; }
+  // no host thread is ever inside SDL's window code beside that thread. Tickets begin at 1 and say
+  // in which order windows are raised. The latest request counts.
+  void requestRaise(std::uint64_t ticket) { raiseTicket_ = ticket; }
   void requestTitle(std::string title);
 
   // ---- The thread that runs SDL for the player ----
@@ -66,8 +67,12 @@ class SdlPlayer {
   // Ends the hold of holdLibrary(): the window was made in an earlier pass, or never will be.
   void settle() { untilSettled_.letGo(); }
 
-  // Does what was requested. The window must exist.
-  void serveRequests() FRAMESINK_REQUIRES(sdlGate);
+  // The ticket of the raise that is requested; 0 if none is.
+  std::uint64_t raiseTicket() const { return raiseTicket_; }
+
+  // Do what was requested. The window must exist.
+  void serveTitle() FRAMESINK_REQUIRES(sdlGate);
+  void serveRaise() FRAMESINK_REQUIRES(sdlGate);
 
   bool hasNewFrame() const { return newFrame_; }
 
@@ -98,7 +103,7 @@ class SdlPlayer {
   std::atomic<bool> newFrame_{false};
   std::atomic<bool> closeRequested_{false};
 
-  std::atomic<bool> raiseRequested_{false};
+  std::atomic<std::uint64_t> raiseTicket_{0};
   std::atomic<bool> titleRequested_{false};
   Mutex titleMutex_;
   std::string requestedTitle_ FRAMESINK_GUARDED_BY(titleMutex_);

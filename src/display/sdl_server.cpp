@@ -175,7 +175,7 @@ Result SdlServer::withWindow(PlayerId playerId, Result absent, Action action) co
 
 void SdlServer::raisePlayer(PlayerId playerId) {
   withWindow(playerId, false, [&](SdlPlayer& player) {
-    player.requestRaise();
+    player.requestRaise(++raises_);
     serveAtOnce(player);
     return true;
   });
@@ -193,7 +193,8 @@ void SdlServer::renamePlayer(PlayerId playerId, const std::string& title) {
 void SdlServer::serveAtOnce(SdlPlayer& player) const {
   if (threaded_) return;
   const InGate gate;
-  player.serveRequests();
+  player.serveTitle();
+  player.serveRaise();
 }
 
 bool SdlServer::isPlayerFullscreen(PlayerId playerId) const {
@@ -321,6 +322,7 @@ void SdlServer::runPass() {
   const InGate gate;
   closeIfSdlIsGone();
   servePlayers();
+  raiseWindows();
   pumpEvents(true);
 }
 
@@ -346,8 +348,24 @@ void SdlServer::servePlayer(SdlPlayer& player) {
     }
   }
   if (player.window() == nullptr) return;
-  player.serveRequests();
+  player.serveTitle();
   if (player.hasNewFrame()) player.showNewestFrame();
+}
+
+// In the order of the requests, because the window that was raised last is on top. Later requests
+// wait for the next pass, however many there are.
+void SdlServer::raiseWindows() {
+  const std::uint64_t last = raises_;
+  for (;;) {
+    SdlPlayer* first = nullptr;
+    for (SdlPlayer* player : players_.players()) {
+      const std::uint64_t ticket = player->raiseTicket();
+      if (ticket != 0 && ticket <= last && (first == nullptr || ticket < first->raiseTicket()))
+        first = player;
+    }
+    if (first == nullptr) return;
+    first->serveRaise();
+  }
 }
 
 // Deletes the players even if the lock fails, because at the server's end nobody else changes them.

@@ -111,6 +111,7 @@ class SdlServer {
   void runPass();
   void servePlayers() FRAMESINK_REQUIRES(sdlGate, players_);
   void servePlayer(SdlPlayer& player) FRAMESINK_REQUIRES(sdlGate);
+  void raiseWindows() FRAMESINK_REQUIRES(sdlGate, players_);
   void deleteAllPlayers();
   bool mayDeletePlayers() const;
   bool awaitDisplayThread();
@@ -141,6 +142,8 @@ class SdlServer {
 
   std::atomic<bool> quit_{false};     // ends the display thread's loop; set and reset by stop
   std::atomic<bool> leaving_{false};  // ends the loop and host threads' waits; never reset
+
+  std::atomic<std::uint64_t> raises_{0};  // requested so far
 
   // Set by the first addPlayer, cleared by stop.
   std::atomic<bool> started_{false};

@@ -238,8 +238,8 @@ TEST_F(SdlPlayerTest, GivesItsWindowANewTitle) {
   open(frame(1));
   player->requestTitle("another");
   EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 0U);
-  player->serveRequests();
-  player->serveRequests();
+  player->serveTitle();
+  player->serveTitle();
   EXPECT_EQ(recorder.count("SDL_SetWindowTitle"), 1U);
   EXPECT_EQ(recorder.last("SDL_SetWindowTitle").texts, Names{"another"});
 }

@@ -434,6 +434,22 @@ TEST_F(SdlServerTest, RenamesAndRaisesAWindowInTheNextPass) {
   EXPECT_NE(recorder.last("SDL_RaiseWindow").thread, hostThread);
 }
 
+// The window that was raised last is on top.
+TEST_F(SdlServerTest, RaisesWindowsInTheOrderOfTheRequests) {
+  const std::uint32_t first = open();
+  const std::int64_t firstWindow = recorder.last("SDL_CreateWindow").result;
+  const std::uint32_t second = open();
+  const std::int64_t secondWindow = recorder.last("SDL_CreateWindow").result;
+  PassStepper passes(recorder);
+  ASSERT_TRUE(passes.halted());
+  for (const std::uint32_t player : {first, second, first}) server.raisePlayer(player);
+  EXPECT_TRUE(passes.runPasses(2));
+  const auto raises = recorder.calls("SDL_RaiseWindow");
+  ASSERT_EQ(raises.size(), 2U);
+  EXPECT_EQ(raises[0].arguments, Numbers{secondWindow});
+  EXPECT_EQ(raises[1].arguments, Numbers{firstWindow});
+}
+
 TEST_F(SdlServerTest, AWaitEndsForAPlayerThatIsClosed) {
   PassStepper passes(recorder);
   const std::uint32_t player = addPlayer(server);
