@@ -8,11 +8,7 @@
 
 #include "process/sdl_gate.hpp"
 #include "process/sdl_generation.hpp"
-
-#if defined(__ELF__)
-// Weak, so that the library still loads with an SDL that lacks this function.
-#pragma weak SDL_SetHintWithPriority
-#endif
+#include "process/sdl_hints.hpp"
 
 namespace framesink {
 namespace {
@@ -29,13 +25,6 @@ constinit std::atomic<bool> noWindowReported{false};
 constinit std::atomic<int> depth{0};              // of callSdl; changed inside the gate only
 constinit std::atomic<Clock::rep> callsBegan{0};  // of the clock; 0: no calls are under way
 
-void leaveMark() {
-#if defined(__ELF__)
-  if (&SDL_SetHintWithPriority == nullptr) return;
-#endif
-  SDL_SetHintWithPriority(kMark, kForGood, SDL_HINT_OVERRIDE);
-}
-
 Clock::rep now() { return Clock::now().time_since_epoch().count(); }
 
 }  // namespace
@@ -50,7 +39,7 @@ void declareDisplayLost() {
 
 void loseDisplay() {
   declareDisplayLost();
-  leaveMark();
+  setHint(kMark, kForGood, SDL_HINT_OVERRIDE);
   throw DisplayLost();
 }
 

@@ -10,13 +10,9 @@
 #include "process/display_loss.hpp"
 #include "process/display_watch.hpp"
 #include "process/platform.hpp"
+#include "process/sdl_hints.hpp"
 #include "process/video_driver.hpp"
 #include "process/x11_session.hpp"
-
-#if defined(__ELF__)
-// Weak, so that the library still loads with an SDL that lacks this function.
-#pragma weak SDL_SetHintWithPriority
-#endif
 
 namespace framesink {
 namespace {
@@ -31,14 +27,6 @@ constinit bool isMarked = false;     // used inside the gate only
 constinit bool openGlInUse = false;  // used inside the gate only
 constinit bool isRefusalTold = false;
 constinit std::atomic<std::uint32_t> quits{0};
-
-bool haveHints() {
-#if defined(__ELF__)
-  return &SDL_SetHintWithPriority != nullptr;
-#else
-  return true;
-#endif
-}
 
 // True for the values of SDL_HINT_FRAMEBUFFER_ACCELERATION with which SDL draws without OpenGL.
 bool isPlain(const char* acceleration) {
@@ -55,27 +43,26 @@ void drawWithoutOpenGl() {
   const char* const acceleration = SDL_GetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION);
   const bool isAsked = !isRendererPlain ||
                        (acceleration != nullptr && *acceleration != '\0' && !isPlain(acceleration));
-  if (!haveHints()) return;
+  if (!canSetHints()) return;
   if (isAsked && !isRefusalTold) {
     isRefusalTold = true;
     std::fputs("On X11, windows are drawn without OpenGL, whatever SDL's hints say.\n", stderr);
   }
-  SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_OVERRIDE);
-  SDL_SetHintWithPriority(SDL_HINT_RENDER_DRIVER, "software", SDL_HINT_OVERRIDE);
+  setHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_OVERRIDE);
+  setHint(SDL_HINT_RENDER_DRIVER, "software", SDL_HINT_OVERRIDE);
 }
 
 // SDL_HINT_DEFAULT is the lowest priority, so a user's environment variables win.
 void setSdlHints() {
-  if (!haveHints()) return;
   // Without this hint, SDL draws software windows on X11 through OpenGL. It then recreates the
   // window, starts the driver's threads, takes four times as long for a frame, and loads libraries
   // while a dlclose may hold the loader's lock.
-  SDL_SetHintWithPriority(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_DEFAULT);
+  setHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0", SDL_HINT_DEFAULT);
   // Leaves Ctrl-C and SIGTERM to the host.
-  SDL_SetHintWithPriority(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
+  setHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1", SDL_HINT_DEFAULT);
   // Leaves the desktop's compositor on.
-  SDL_SetHintWithPriority(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
-  SDL_SetHintWithPriority(kSession, kSessionMark, SDL_HINT_OVERRIDE);
+  setHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0", SDL_HINT_DEFAULT);
+  setHint(kSession, kSessionMark, SDL_HINT_OVERRIDE);
 }
 
 // SDL_VIDEO_DRIVER is SDL 3's name, which counts where SDL 2 is a layer over it.
@@ -88,8 +75,8 @@ bool isDriverAskedFor() {
 // Some SDLs take the offscreen driver by themselves where there is no display, some do not. The
 // model runs on as silently with both.
 bool startOffscreen() {
-  if (!haveHints() || isDriverAskedFor()) return false;
-  SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_DEFAULT);
+  if (!canSetHints() || isDriverAskedFor()) return false;
+  setHint(SDL_HINT_VIDEODRIVER, "offscreen", SDL_HINT_DEFAULT);
   return SDL_Init(SDL_INIT_VIDEO) >= 0;
 }
 
@@ -98,8 +85,8 @@ bool isMarkThere() {
   return mark != nullptr && std::string_view(mark) == kSessionMark;
 }
 
-// SDL's connection to an X server, or else the mark, also tells that a host has shut video down and
-// started it again.
+// Also notices a host that has shut video down and started it again: on X11, SDL then has another
+// connection; elsewhere, the mark is gone.
 bool isSessionOver() {
   if (isAttachedToX11()) return !isX11ConnectionThere();
   if (!isMarked) return false;

@@ -34,7 +34,7 @@ bool doesSdlWait() {
   return handlersOfSdl[0].contains(address) || handlersOfSdl[1].contains(address);
 }
 
-// True if no error of that kind has been told yet. Beyond kKnownKinds kinds, nothing is told.
+// True for the first error of its kind. After kKnownKinds kinds, false for every further kind.
 bool isNewKind(const XErrorEvent& error) {
   const std::uint32_t kind = std::uint32_t{error.error_code} << 16 |
                              std::uint32_t{error.request_code} << 8 | error.minor_code;

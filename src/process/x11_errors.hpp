@@ -6,12 +6,12 @@
 
 namespace framesink {
 
-// From now on, errors on this connection end nothing. SDL still receives the errors that it waits
-// for with a handler of its own, and a refusal to share memory in the form in which SDL understands
-// it. Call it on a host thread, while SDL waits for no error.
+// From now on, no error on this connection ends the process. While SDL waits for an error with a
+// temporary handler, that handler still receives every error, as BadAccess, the only code that SDL
+// expects when it asks for shared memory. Call it on a host thread, while SDL waits for no error.
 void attachX11Errors(const Xlib& xlib, Display* display);
 
-// From now on, the first error of each kind on the connection is told on standard error.
+// From now on, prints the first error of each kind on standard error.
 void tellX11Errors();
 
 }  // namespace framesink

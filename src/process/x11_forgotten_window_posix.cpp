@@ -14,7 +14,7 @@ namespace framesink {
 namespace {
 
 struct Xcb {
-  void* library = nullptr;
+  void* handle = nullptr;  // of the loader
   decltype(&::xcb_connect) connect = nullptr;
   decltype(&::xcb_disconnect) disconnect = nullptr;
   decltype(&::xcb_connection_has_error) hasError = nullptr;
@@ -34,7 +34,7 @@ constinit Xcb xcb;
 
 template <class Function>
 bool look(const char* name, Function& function) {
-  function = reinterpret_cast<Function>(::dlsym(xcb.library, name));
+  function = reinterpret_cast<Function>(::dlsym(xcb.handle, name));
   return function != nullptr;
 }
 
@@ -117,18 +117,18 @@ xcb_window_t newestForgotten(const Connection& connection, std::uint32_t client)
 }  // namespace
 
 void openXcb() {
-  if (xcb.library != nullptr) return;
-  xcb.library = ::dlopen("libxcb.so.1", RTLD_LAZY | RTLD_NOLOAD);
-  if (xcb.library != nullptr && !find()) closeXcb();
+  if (xcb.handle != nullptr) return;
+  xcb.handle = ::dlopen("libxcb.so.1", RTLD_LAZY | RTLD_NOLOAD);
+  if (xcb.handle != nullptr && !find()) closeXcb();
 }
 
 void closeXcb() {
-  if (xcb.library != nullptr) ::dlclose(xcb.library);
+  if (xcb.handle != nullptr) ::dlclose(xcb.handle);
   xcb = Xcb();
 }
 
 void showForgottenWindow(const char* displayName, std::uint32_t anyWindow) {
-  if (xcb.library == nullptr) return;
+  if (xcb.handle == nullptr) return;
   const Connection connection(displayName);
   if (!connection.isUp()) return;
   const xcb_window_t window = newestForgotten(connection, anyWindow & ~connection.idMask());

@@ -7,7 +7,7 @@
 
 namespace framesink {
 
-// A socket, and what tells it from a later one with the same descriptor.
+// A socket and its identity. A later socket may get the same descriptor, but not the same identity.
 struct alignas(8) KnownSocket {
   std::int32_t descriptor = -1;
   std::uint32_t identity = 0;

@@ -30,7 +30,7 @@ def matching(words):
 
 def run_all(chosen, done, size="long", at_once=2, waiting_at_once=8):
     """Runs the cells, those that only wait beside the others. Calls `done` with each cell and its outcome, and returns
-    all of these pairs. Each cell has a process of its own, because the X library is not made for threads."""
+    all of these pairs. Each cell runs in a separate process, because the X library does not allow several threads."""
     context = multiprocessing.get_context("forkserver")
     context.set_forkserver_preload(["cells"])
 

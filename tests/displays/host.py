@@ -11,7 +11,7 @@ from processes import end_group, kill, spawn
 from support.waiting import wait_until
 
 BUILD = Path(os.environ["FRAMESINK_BUILD"])
-LIBRARY = os.environ.get("FRAMESINK_LIBRARY", str(BUILD / "lib/libframesink.so.1"))
+FRAMESINK = os.environ.get("FRAMESINK_LIBRARY", str(BUILD / "lib/libframesink.so.1"))
 HOSTS = BUILD / "tests/displays"
 PATIENCE = 10.0  # seconds for an answer, unless a display is stopped
 RUN = '"$@" <in >out 2>err & echo $! >pid; wait $!; echo $? >ending; mv ending status'

@@ -38,7 +38,7 @@ class Kind(NamedTuple):
 
     def start(self, environment, folder, prefix=(), carrier=()):
         if self.takes_commands:
-            arguments = [host.LIBRARY] if self.is_ours else []
+            arguments = [host.FRAMESINK] if self.is_ours else []
             program = host.Program([*prefix, host.HOSTS / self.program, *arguments], environment, folder, carrier)
         else:
             program = host.FixedProgram([*prefix, *_ffplay_command(folder)], environment, folder, carrier)

@@ -6,7 +6,7 @@ import routes
 import servers
 from disturbers import disturber
 from loss import lose
-from setting_rows import start_over_ssh
+from setting_rows import start_over_forwarder, start_over_ssh
 from stage import STATUS
 from table import on_wayland, only_ours, row, with_commands
 
@@ -63,19 +63,21 @@ def sshd_cut(stage):
 
 @row(SECTION, "forwarder killed", short=True)
 def forwarder_killed(stage):
-    server = stage.enter(servers.xvfb())
-    way = stage.enter(routes.forwarder(server, stage.folder))
-    stage.start(way.environment, server.screen)
-    stage.look()
-    lose(stage, way.kill)
+    lose(stage, start_over_forwarder(stage).kill)
 
 
-@row(SECTION, "line cut in the middle of a reply")
-def cut_in_reply(stage):
+def start_over_poor_line(stage):
+    """Starts the program behind a line that can be cut and stopped. Returns the line."""
     server = stage.enter(servers.xvfb(*routes.WITHOUT_DESCRIPTORS))
     line = stage.enter(routes.poor_line(server))
     stage.start(line.environment, server.screen)
     stage.look()
+    return line
+
+
+@row(SECTION, "line cut in the middle of a reply")
+def cut_in_reply(stage):
+    line = start_over_poor_line(stage)
 
     def cut():
         if stage.kind.takes_commands:
@@ -150,10 +152,7 @@ def stopped_for_good(stage):
 
 @row(SECTION, "line that stalls for good in the middle of a reply", waits=True, kinds=only_ours)
 def stalled(stage):
-    server = stage.enter(servers.xvfb(*routes.WITHOUT_DESCRIPTORS))
-    line = stage.enter(routes.poor_line(server))
-    stage.start(line.environment, server.screen)
-    stage.look()
+    line = start_over_poor_line(stage)
 
     def stall():
         stage.churn(True)

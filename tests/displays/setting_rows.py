@@ -34,12 +34,18 @@ def no_shared_memory(stage):
     shows_there(stage, stage.enter(servers.xvfb("-extension", "MIT-SHM")))
 
 
-@row(SETTINGS, "forwarder that the server takes for ssh", short=True)
-def forwarded(stage):
+def start_over_forwarder(stage):
+    """Starts the program behind a forwarder that the server takes for ssh. Returns the forwarder."""
     server = stage.enter(servers.xvfb())
     way = stage.enter(routes.forwarder(server, stage.folder))
     stage.start(way.environment, server.screen)
     stage.look()
+    return way
+
+
+@row(SETTINGS, "forwarder that the server takes for ssh", short=True)
+def forwarded(stage):
+    start_over_forwarder(stage)
     stage.still_shows()
 
 
